@@ -11,9 +11,25 @@
 enum {
     CMD_QUIET = 0, // a complete line of the caller's, logging off
     CMD_LINE = 1,  // the same with logging on
-    CMD_CHGRP = 4, CMD_CHMOD = 5, CMD_CHOWN = 6, CMD_CLEAR = 7, CMD_LS = 23, CMD_MV = 25, CMD_MKDIR = 26,
-    CMD_RM = 29, CMD_RM_R = 30, CMD_SH = 31, CMD_TOUCH = 35, CMD_WHOAMI = 37, CMD_DU = 41, CMD_LPD = 43,
-    CMD_PKGINFO = 45, CMD_LPSCHED = 54, CMD_PS = 57, CMD_DF = 59, CMD_YPCAT = 61,
+    CMD_CHGRP = 4,
+    CMD_CHMOD = 5,
+    CMD_CHOWN = 6,
+    CMD_CLEAR = 7,
+    CMD_LS = 23,
+    CMD_MV = 25,
+    CMD_MKDIR = 26,
+    CMD_RM = 29,
+    CMD_RM_R = 30,
+    CMD_SH = 31,
+    CMD_TOUCH = 35,
+    CMD_WHOAMI = 37,
+    CMD_DU = 41,
+    CMD_LPD = 43,
+    CMD_PKGINFO = 45,
+    CMD_LPSCHED = 54,
+    CMD_PS = 57,
+    CMD_DF = 59,
+    CMD_YPCAT = 61,
     CMD_END = 84,
 };
 
@@ -54,8 +70,10 @@ int TestCmd(int row);
 [[nodiscard]] char *GetCmd(int row);
 [[nodiscard]] char *GetCmdNoFlags(int row);
 [[gnu::format(printf, 3, 4)]] int SysCmd(int row, int mode, const char *format, ...);
-[[nodiscard, gnu::format(printf, 3, 4)]] ResponseNode *GetCmdResponse(int row, const char *filter, const char *format, ...);
-[[nodiscard, gnu::format(printf, 3, 4)]] char *GetCmdResponseStr(int row, const char *filter, const char *format, ...);
+[[nodiscard, gnu::format(printf, 3, 4)]] ResponseNode *GetCmdResponse(int row, const char *filter,
+                                                                      const char *format, ...);
+[[nodiscard, gnu::format(printf, 3, 4)]] char *GetCmdResponseStr(int row, const char *filter,
+                                                                 const char *format, ...);
 void FreeResponseList(ResponseNode *list);
 [[nodiscard]] char *GetSysPsIdList(const char *name);
 [[nodiscard]] char *CheckProcTableForExecs(const char *names);

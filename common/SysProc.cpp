@@ -1,0 +1,124 @@
+// What the host's ps, pkginfo, df and du tell: processes, packages, room on disk.
+#include "common/SysCmd.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <strings.h>
+
+#include "common/MemMgr.h"
+#include "common/utils.h"
+
+static const char aBlanks[] = " \t\n";
+
+// The n-th field of a line, counted from 1; empty if there are fewer. Leaves the token state alone.
+static std::string_view GetField(const char *line, int n) {
+    const char *p = line + strspn(line, aBlanks);
+    while (--n > 0) {
+        p += strcspn(p, aBlanks);
+        p += strspn(p, aBlanks);
+    }
+    return {p, strcspn(p, aBlanks)};
+}
+
+// Owns: " a b c " of the fields, or null for none.
+static char *CloseIdList(const std::string &list) {
+    return list.empty() ? nullptr : SaveStr_((list + " ").c_str());
+}
+
+char *GetSysPsIdList(const char *name) {
+    std::string list;
+    ResponseNode *lines = GetCmdResponse(CMD_PS, name, "%s", "");
+    for (ResponseNode *node = lines; node; node = node->next)
+        if (GetField(node->text, 4) == name) list.append(" ").append(GetField(node->text, 1));
+    FreeResponseList(lines);
+    return CloseIdList(list);
+}
+
+char *CheckProcTableForExecs(const char *names) {
+    std::string running;
+    for (const char *p = names + strspn(names, ","); *p; p += strspn(p, ",")) {
+        std::string name(p, strcspn(p, ","));
+        if (char *list = GetSysPsIdList(name.c_str())) {
+            running += name + " (" + list + ")\n";
+            PutMem(list);
+        }
+        p += name.length();
+    }
+    return running.empty() ? nullptr : SaveStr_(running.c_str());
+}
+
+int KillProcessByName(const char *name) {
+    char *list = GetSysPsIdList(name);
+    char *p = list;
+    while (p && *(p += strspn(p, " "))) {
+        long id = strtol(p, nullptr, 10);
+        // The heading line of ps yields 0 for its own words: that would be the caller's process group.
+        if (id > 1 && kill(static_cast<pid_t>(id), SIGKILL) != 0 && errno == EPERM) break;
+        p += strcspn(p, " ");
+    }
+    PutMem(list);
+    pSleep(1);
+    return 0;
+}
+
+char *GetSysPkgList(const char *filter) {
+    std::string list;
+    ResponseNode *lines = GetCmdResponse(CMD_PKGINFO, filter, "%s", "");
+    for (ResponseNode *node = lines; node; node = node->next) {
+        std::string_view package = GetField(node->text, 2);
+        if (!package.empty()) list.append(" ").append(package);
+    }
+    FreeResponseList(lines);
+    return CloseIdList(list);
+}
+
+// Column of the heading that begins with "avail", counted from 1; 0 if there is none.
+static int FindAvailColumn(const char *heading) {
+    for (int column = 1;; column++) {
+        std::string_view field = GetField(heading, column);
+        if (field.empty()) return 0;
+        if (field.length() >= 5 && strncasecmp(field.data(), "avail", 5) == 0) return column;
+    }
+}
+
+static int ReadDiskRecord(const ResponseNode *lines, DiskRecord *record) {
+    int column = lines ? FindAvailColumn(lines->text) : 0;
+    if (column == 0 || !lines->next) return 0;
+    snprintf(record->line, sizeof(record->line), "%s", lines->next->text);
+    std::string_view field = GetField(lines->next->text, column);
+    if (field.empty()) return 0;
+    record->available = strtod(std::string(field).c_str(), nullptr);
+    return 1;
+}
+
+int GetDiskSpace(const char *path, DiskRecord *record) {
+    record->available = 0;
+    ResponseNode *lines = GetCmdResponse(CMD_DF, nullptr, "%s", ShArg(path).c_str());
+    int result = ReadDiskRecord(lines, record);
+    FreeResponseList(lines);
+    return result;
+}
+
+int AvailSpace(const char *directory, const char *file, double needed) {
+    DiskRecord record = {};
+    if (file && *file && FindFile(directory, file)) {
+        GetDiskSpace(directory, &record);
+        return record.available + DUPath((std::string(directory) + "/" + file).c_str()) >= needed;
+    }
+    std::string place = directory;
+    while (!GetDiskSpace(place.c_str(), &record)) {
+        std::string parent = StripFn(place.c_str());
+        if (parent == place) return 0; // "/" and "." are their own parents
+        place = parent;
+    }
+    return record.available >= needed;
+}
+
+double DUPath(const char *path) {
+    ResponseNode *lines = GetCmdResponse(CMD_DU, nullptr, "%s", ShArg(path).c_str());
+    double size = lines ? strtod(lines->text, nullptr) : 0;
+    FreeResponseList(lines);
+    return size;
+}
