@@ -7,6 +7,8 @@
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
+#include <numeric>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "common/MemMgr.h"
@@ -16,6 +18,7 @@
 enum {
     RESPONSE_LINE = 4096, // a longer line of a child arrives in pieces
     SHOW_UP_TRIES = 10,   // seconds that SysCmd waits for a command with delay -1 to show up
+    SEARCHED_MAX = 64,    // directories that are remembered as searched
     STATUS_LAST = 151,    // statuses above it are not reported
 };
 
@@ -123,30 +126,19 @@ static_assert(std::size(ComList) == CMD_END + 1);
 // ---- The search
 
 // Rows from 2 on in the order of their names, so that one walk over a directory serves all of them.
-struct NameIndex {
-    unsigned char rows[CMD_END - 2];
-};
+static unsigned char aRowsByName[CMD_END - 2];
 
-static const NameIndex &GetNameIndex() {
-    static NameIndex index;
-    static bool flSorted;
-    if (!flSorted) {
-        for (int i = 0; i < CMD_END - 2; i++) index.rows[i] = static_cast<unsigned char>(i + 2);
-        std::sort(std::begin(index.rows), std::end(index.rows), [](unsigned char a, unsigned char b) {
-            int order = strcmp(ComList[a].name, ComList[b].name);
-            return order != 0 ? order < 0 : a < b;
-        });
-        flSorted = true;
-    }
-    return index;
+static void SortRowsByName() {
+    if (aRowsByName[0]) return;
+    std::iota(std::begin(aRowsByName), std::end(aRowsByName), static_cast<unsigned char>(2));
+    std::sort(std::begin(aRowsByName), std::end(aRowsByName),
+              [](int a, int b) { return strcmp(ComList[a].name, ComList[b].name) < 0; });
 }
 
 static void FillNamedRows(std::string_view name, const char *directory) {
-    const NameIndex &index = GetNameIndex();
-    const unsigned char *end = std::end(index.rows);
-    const unsigned char *row =
-        std::lower_bound(std::begin(index.rows), end, name,
-                         [](unsigned char r, std::string_view n) { return ComList[r].name < n; });
+    auto before = [](int row, std::string_view other) { return ComList[row].name < other; };
+    const unsigned char *end = std::end(aRowsByName);
+    const unsigned char *row = std::lower_bound(std::cbegin(aRowsByName), end, name, before);
     for (; row != end && ComList[*row].name == name; row++)
         if (!ComList[*row].path) ComList[*row].path = directory;
 }
@@ -160,6 +152,7 @@ static int TestOpenRows() {
 int FillCmdPaths(const char *directory) {
     char *list = GetDirFileList(directory);
     if (!list) return 1;
+    SortRowsByName();
     for (const char *p = list + strspn(list, " "); *p; p += strspn(p, " ")) {
         size_t length = strcspn(p, " ");
         FillNamedRows({p, length}, directory);
@@ -189,11 +182,27 @@ int FillCmdPath(int row) {
     return 0;
 }
 
+// True if the directory was searched before under this or another name: /bin is often a link to /usr/bin, and
+// PATH names again what SearchPaths has. Reading directories is nearly all that the search costs.
+static bool TestSearched(const char *directory) {
+    static struct {
+        dev_t device;
+        ino_t inode;
+    } aSearched[SEARCHED_MAX];
+    static int searchedCnt;
+    struct stat info;
+    if (stat(directory, &info) != 0) return false;
+    for (int i = 0; i < searchedCnt; i++)
+        if (aSearched[i].device == info.st_dev && aSearched[i].inode == info.st_ino) return true;
+    if (searchedCnt < SEARCHED_MAX) aSearched[searchedCnt++] = {info.st_dev, info.st_ino};
+    return false;
+}
+
 // 1 while rows are open behind the last directory of the colon list.
 static int FillFromList(char *list) {
     int flOpen = 1;
     for (char *p = GetTokenParse(list, ":"); p && flOpen; p = GetTokenParse(nullptr, ":"))
-        flOpen = FillCmdPaths(p);
+        if (!TestSearched(p)) flOpen = FillCmdPaths(p);
     return flOpen;
 }
 

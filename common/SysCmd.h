@@ -1,4 +1,10 @@
 // The table of host commands and the only two roads by which a process is started.
+//
+// SysCmd runs a command for its effect, GetCmdResponse for its lines. A command is named by its row; a row
+// whose command this host lacks is harmless until it is used, which ends the program with status 0 and
+// "ERROR: unable to locate system command 'NAME'". Rows 0 and 1 stand for a complete line of the caller's.
+// Every value in a line goes through ShArg once, whatever the row: the second layer of quotes that the shell
+// wrapper of SysCmd needs is its own affair. A line is text, never a format: SysCmd(1, 0, "%s", line).
 #pragma once
 
 #include <cstdint>
@@ -50,11 +56,11 @@ struct DiskRecord {
     double available;
 };
 
-extern SysCommand ComList[CMD_END + 1];
-extern char SearchPaths[];
-extern char *FullSearchPath;
-extern int flInitSysCmd;
-extern int flSysCmdLog;
+extern SysCommand ComList[CMD_END + 1]; // ORDER CMD_; path column: FillCmdPaths, FillCmdPath
+extern char SearchPaths[];              // colon list; InitSysCmdList cuts it up, the rows keep the pieces
+extern char *FullSearchPath;            // SearchPaths, a colon and PATH
+extern int flInitSysCmd;                // a row is looked up at its first use; writer: InitSysCmdList
+extern int flSysCmdLog;                 // SysCmd logs; writer: InitSysCmdList
 
 // Test seams; the libc functions by default.
 extern int (*pSystem)(const char *line);
@@ -63,26 +69,59 @@ extern int (*pPclose)(FILE *stream);
 extern unsigned (*pSleep)(unsigned seconds);
 extern struct hostent *(*pGethostbyname)(const char *name);
 
+// ---- The search
+
+// Fills the path column from SearchPaths and PATH, sets SHELL in the environment (with a blank at its end)
+// and starts the log. Called once, by main. Each directory is read once, whatever the number of rows. Uses:
+// token state.
 void InitSysCmdList();
+// Gives the directory to every row that lies in it and has no path yet; keeps the text. 1 while some row is
+// without a path or if the directory can't be read.
 int FillCmdPaths(const char *directory);
+// Looks for one row in FullSearchPath; 1 if found. Serves the time before InitSysCmdList only.
 int FillCmdPath(int row);
-int TestCmd(int row);
+int TestCmd(int row); // 1 for a row of 2 or more with a known path
+
+// ---- Running
+
+// "path/name flags" and "path/name" as they go into a shell line; null without a path. Owns: the result.
 [[nodiscard]] char *GetCmd(int row);
 [[nodiscard]] char *GetCmdNoFlags(int row);
+// Runs a row with the formatted text behind it. A negative row or row 0 keeps it out of the log; then modes 1
+// and 2 leave the command the program's terminal.
+//   mode 0  output thrown away, never logged
+//   mode 1  output into the log, a dot on standard output, a failure noted in the log
+//   mode 2  the same, but a failure is printed and ends the program
+// Returns 0 or errno as system left it, which is 0 for a command that ran and failed. Sleeps the row's delay.
+// Ends: without the command (status 0); in mode 2 on failure (status 1).
 [[gnu::format(printf, 3, 4)]] int SysCmd(int row, int mode, const char *format, ...);
+// The lines of a command that hold the filter, or all for a null or empty one, in order; null for none or if
+// it can't be started. A line of more than 4095 bytes comes in pieces. Owns: the list, see FreeResponseList.
+// Ends: without the command, with status 0.
 [[nodiscard, gnu::format(printf, 3, 4)]] ResponseNode *GetCmdResponse(int row, const char *filter,
                                                                       const char *format, ...);
+// The same as one text, which ends in a line feed. Owns: the result.
 [[nodiscard, gnu::format(printf, 3, 4)]] char *GetCmdResponseStr(int row, const char *filter,
                                                                  const char *format, ...);
-void FreeResponseList(ResponseNode *list);
-[[nodiscard]] char *GetSysPsIdList(const char *name);
-[[nodiscard]] char *CheckProcTableForExecs(const char *names);
-int KillProcessByName(const char *name);
-[[nodiscard]] char *GetSysPkgList(const char *filter);
-int GetDiskSpace(const char *path, DiskRecord *record);
-int AvailSpace(const char *directory, const char *file, double needed);
-double DUPath(const char *path);
+void FreeResponseList(ResponseNode *list); // null is fine
 
 // A value as one word of a shell line: unchanged if it is empty or holds only [A-Za-z0-9_./:@%+=,-], else in
-// single quotes. Every value from outside goes through it once, where the line is built.
+// single quotes.
 std::string ShArg(std::string_view value);
+
+// ---- Processes, packages, disks
+// Owns: the texts; null where nothing was found. All end the program, with status 0, where ps, pkginfo, df or
+// du are missing.
+[[nodiscard]] char *GetSysPsIdList(const char *name); // " 12 345 " of the processes of exactly that name
+[[nodiscard]] char *
+CheckProcTableForExecs(const char *names); // "a,b": a line "a ( 12 345 )" for each that runs
+int KillProcessByName(const char *name);   // SIGKILL to each; sleeps a second, returns 0
+[[nodiscard]] char *
+GetSysPkgList(const char *filter); // " a b " of the packages with the filter in their line
+// 1 with the amount under the heading of df that begins with "avail", in the units of df; 0 without one, as
+// for every df that does not know the option -b.
+int GetDiskSpace(const char *path, DiskRecord *record);
+// 1 if the directory, or the nearest parent that df answers for, has room; a file that is to be replaced
+// there (may be null) counts as room.
+int AvailSpace(const char *directory, const char *file, double needed);
+double DUPath(const char *path); // in the units of du, 0 if it does not answer

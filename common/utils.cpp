@@ -172,6 +172,7 @@ int FindFile(const char *directory, const char *name) {
         path += "/" + entry;
         entry.clear();
     }
+    if (path.empty()) return 0;
     if (entry.empty()) {
         entry = StripPath(path.c_str());
         path = StripFn(path.c_str());
@@ -277,6 +278,7 @@ FILE *OpenFileF(FILE *close, const char *mode, int level, const char *format, ..
 }
 
 int OpenRawFile(const char *path, int flags) {
+    if (!path) path = "";
     int descriptor = open(path, flags | O_CLOEXEC, 0666);
     if (descriptor < 0) printf("ERROR: can't open file, %s", path);
     return descriptor;

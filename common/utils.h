@@ -1,4 +1,8 @@
 // Files, paths and error reports: the system's thin layer over the host's file system and process.
+//
+// One file is read at a time (pIn), into one line buffer (LineBuf or Line); opening a second one ends the
+// first. Files are created, moved and removed by the host's commands, so that the command log shows it; such
+// a command runs in mode 2 of SysCmd, and its failure ends the program with status 1.
 #pragma once
 
 #include <climits>
@@ -15,80 +19,151 @@ enum { FILE_OPEN, FILE_ENDED, FILE_FAILED };                  // FileStatus
 enum { ERR_SILENT, ERR_WARN, ERR_FATAL };                     // error levels of the open functions
 enum { TYPE_MISSING, TYPE_DIRECTORY, TYPE_LINK, TYPE_OTHER }; // GetFileType
 
-extern FILE *pIn;
-extern FILE *pOut;
-extern char InputFileName[PATH_MAX];
+extern FILE *pIn;  // current input file; writers: OpenInputFile, CloseInputFile, GetFileLine
+extern FILE *pOut; // current output file; its writers open and close it
+extern char InputFileName[PATH_MAX]; // last name given to OpenInputFile
 extern int FileStatus;
 extern char LineBuf[LINEBUF_SIZE]; // line buffer, shared with the terminal menus
-extern int LineLen;
-extern char Line[LINE_SIZE + 1]; // scratch, and the line of GetLine
-extern char *const pLine;
-extern int LineCnt;
-extern long InPos;
-extern int flInputFilterState;
-extern long SavedFileSize;
-extern const char *my_name;
-extern int flUseLog;
-extern FILE *pLog;
-extern const char *pLogPath;
-extern char *pToolPath; // absolute tool directory; writer: main
+extern int LineLen;                // bytes in front of the last continuation line in LineBuf
+extern char Line[LINE_SIZE + 1];   // scratch, and the line of GetLine
+extern char *const pLine;          // Line
+extern int LineCnt;                // physical lines that the last GetLine used
+extern long InPos;                 // offset in pIn of the last physical line of GetLine
+extern int flInputFilterState;     // GetLine takes comments out
+extern long SavedFileSize;         // bytes found by the last GetSavedFileContent
+extern const char *my_name;        // the program's name in messages and of its log; writer: main
+extern int flUseLog;               // PutLogMsg writes; writer: main
+extern FILE *pLog;                 // open only while a message is written
+extern const char *pLogPath;       // directory of the log; "/tmp" from the first message on
+extern char *pToolPath;            // absolute tool directory; writer: main
 
-char *StripExt(const char *path);
-char *StripPath(const char *path);
-char *StripPathExt(const char *path);
-char *StripFn(const char *path);
-char *GenName(const char *text);
+// ---- Paths
+// Buffer: each function has a static one of its own of PATH_MAX bytes, valid until its next call. The
+// argument may lie in that buffer. A null path counts as an empty one.
+char *StripExt(const char *path);     // up to the first '.' of the whole path: empty for "./a"
+char *StripPath(const char *path);    // the last component, empty behind a trailing '/'
+char *StripPathExt(const char *path); // the last component up to its first '.'
+char *StripFn(const char *path);      // up to the last '/'; "/" in the root, "." without a '/'
+char *GenName(const char *text); // "hp color-4" gives "HpColor4"; what precedes the first letter is dropped
+
+// The absolute directory of the program. A name without '/' counts as lying in the current directory: PATH is
+// not searched. Leading "./" and "../" are taken off. Owns: the result.
 [[nodiscard]] char *GetToolPath(const char *argv0);
+// The deepest existing directory on the path, links followed; *flWhole (may be null) tells if it is the path
+// itself. Null if nothing exists, which takes a relative path in a removed directory. Owns: the result.
 [[nodiscard]] char *FindExistingPath(const char *path, int *flWhole);
 
+// ---- Finding and listing
+
+// 1 if the listing of the directory holds the name, 0 otherwise. Null directory: the name is the whole path;
+// null or empty name: the directory is. A name with a '/' is split at its last one. Reads the whole
+// directory; a name with a blank is never found, because the blank separates the names of a listing.
 int FindFile(const char *directory, const char *name);
+// 1 if stat works on the joined path (directory may be null).
 int FindFile_(const char *directory, const char *name);
+// " a b c " in the order of readdir, "." and ".." among them; null if the directory can't be opened.
+// Owns: the result.
 [[nodiscard]] char *GetDirFileList(const char *directory);
+// The same of the names whose last extension is the given one, or, for null, of all but "." and ".."; null
+// also if there is none. Owns: the result.
 [[nodiscard]] char *SearchDirFileList(const char *directory, const char *extension);
+// The next name, cut at the capacity, or null.
 char *ReadDir(DIR *stream, char *buffer, size_t capacity);
+// Bytes, seconds; 0 if stat fails.
 long GetFileSize(const char *path);
 time_t GetFileTime(const char *path);
+// By lstat: a link to a directory is TYPE_LINK.
 int GetFileType(const char *path);
+// The first line that holds the text (null: the first line), with its line feed, or null. Lines longer than
+// 511 bytes count in pieces. Level as in OpenFile. Buffer: static, valid until the next call.
 char *FileSearch(const char *path, const char *text, int level);
 
+// ---- Opening
+// No stream or descriptor made here is inherited by a child.
+
+// Closes the first argument, unless null, and opens the path; null on failure, then ERR_WARN prints
+// "ERROR: can't open file, PATH". Ends: on ERR_FATAL, through SysError.
 FILE *OpenFile(FILE *close, const char *path, const char *mode, int level);
 [[gnu::format(printf, 4, 5)]] FILE *OpenFileF(FILE *close, const char *mode, int level, const char *format,
                                               ...);
+// The descriptor, or -1 with a message on standard output. A file made by O_CREAT gets 0666 less the umask.
 int OpenRawFile(const char *path, int flags);
+// 1 with pIn open. On failure 0, FileStatus FILE_FAILED, LineBuf emptied, and ErrorMsg of the level.
+// Ends: on ERR_FATAL, with status 0.
 int OpenInputFile(const char *path, int level);
 [[gnu::format(printf, 2, 3)]] int OpenInputFileF(int level, const char *format, ...);
 void CloseInputFile();
 
+// ---- Reading
+
+// A line of at most 510 bytes, longer ones in pieces, into LineBuf, with its line feed; 1, or 0 at the end,
+// where pIn is closed. A line that ends in a backslash draws the next one in behind it, up to 4095 bytes in
+// all; backslash and line feed stay. Without pIn 0. Uses: pIn, LineBuf, LineLen.
 int GetFileLine();
+// The first token of the next line that has one and doesn't start with '#', into LineBuf; 0 at the end.
+// Uses: as GetFileLine, and strtok's state.
 int GetFileTextLine(const char *delims);
+// The number of physical lines used, 0 at the end; the line is in Line, the rest of 512 bytes is cleared.
+// Unless flInputFilterState is off it comes without leading white space, line end, "//" and "/* */" comments.
+// A comment that nothing closes ends with the file. pIn stays open. Uses: pIn, Line, LineCnt, InPos.
 int GetLine();
-int GetLineN(int n);
-int GetLinePos(long offset);
+int GetLineN(int n);         // the n-th from here on
+int GetLinePos(long offset); // the one at the offset
+// fgets at the offset; null if it can't be reached.
 char *fgetsp(char *buffer, int size, FILE *in, long offset);
+// Path and name are joined by '/' (name may be null). 1 with up to 4095 bytes in LineBuf, terminated; 0 if it
+// can't be read.
 int GetFileContent(const char *path, const char *name);
 int GetFileContentR(const char *path, const char *name, char *buffer, size_t size); // buffer: size + 1 bytes
+// The whole file with a NUL behind it; null if it is empty or can't be read. A file of one byte reads as an
+// empty text. SavedFileSize tells the bytes, which may hold NULs. Owns: the result.
 [[nodiscard]] char *GetSavedFileContent(const char *path, const char *name);
 
+// ---- Creating and removing
+// The paths may hold any character: they are quoted here. Each command is logged and shows as a dot, but mv.
+
+// Makes the directory (mkdir -p) if FindFile does not find it; touches the file, if there is a name; then
+// sets mode, owner and group (each may be null) of the file, or of the directory if there is no name.
 void CreateFile(const char *directory, const char *name, const char *mode, const char *owner,
                 const char *group);
+// 1 if the text was written and, unless 0, the file mode set; else 0 with a message on standard error.
 [[gnu::format(printf, 4, 5)]] int CreateTextFile(const char *path, const char *mode, int fileMode,
                                                  const char *format, ...);
+// Both do nothing if FindFile does not find the file. DeleteFile_ with a null name takes the path apart.
 void DeleteFile(const char *directory, const char *name);
 void DeleteFile_(const char *path, const char *name);
-void RenameFile(const char *directory, const char *from, const char *to);
+void RenameFile(const char *directory, const char *from, const char *to); // does nothing if from is missing
 
+// ---- Reporting
+// All flush standard output first, so that the texts stand in their order.
+
+// "\nNAME: MESSAGE : system error" on standard error. Ends: with status 1.
 [[noreturn, gnu::format(printf, 1, 2)]] void SysError(const char *format, ...);
+// ERR_WARN prints "WARNING: ...", ERR_FATAL "ERROR: ..." on standard error; other levels nothing.
+// Ends: at ERR_FATAL, with the status.
 [[gnu::format(printf, 3, 4)]] void ErrorMsg(int level, int status, const char *format, ...);
-[[gnu::format(printf, 1, 2)]] void errormsg(const char *format, ...);
+[[gnu::format(printf, 1, 2)]] void errormsg(const char *format, ...); // "NAME: ...\n" on standard error
+// Appends to /tmp/NAME.log while flUseLog is set; the first message of the process empties it. A log that is
+// a link, no regular file or not writable is left alone, with a message on standard error.
 [[gnu::format(printf, 1, 2)]] void PutLogMsg(const char *format, ...);
+// True if a log at this path may be appended to; it is made if it is missing. The command road asks this
+// before it names the log in a redirection.
+bool TestLogFile(const char *path);
 [[noreturn]] void exit_app(int status);
+
+// ---- The process and its host
+
+// Owns: the results of these three; null if there is no such variable, whoami can't be started, there is no
+// name.
 [[nodiscard]] char *GetEnv(const char *name);
-[[nodiscard]] char *GetUserName();
+[[nodiscard]] char *GetUserName(); // by whoami; empty for a user without a name
 [[nodiscard]] char *GetHostname();
+// Runs a line as it stands, then sleeps a second. Modes 1 and 2 print it first and report a failure, but not
+// exit code 2. Ends: in mode 2 after a report, with status 1.
 [[gnu::format(printf, 2, 3)]] void SysCmdP(int mode, const char *format, ...);
+// 1 if the print daemon calls itself LPRng, if a cupsd runs. 0 where lpd or ps is missing.
 int SniffLprng();
 int SniffCUPS();
-// True if a log file at this path may be appended to: a regular file or none, no link, writable.
-bool TestLogFile(const char *path);
+
 // The formatted text, of any length.
 [[gnu::format(printf, 1, 0)]] std::string FormatV(const char *format, va_list args);
