@@ -119,7 +119,8 @@ FILE *OpenNewDataBase(const char *name) {
     // Asked first: a touch that fails would end the process.
     if (DirectoryWritable(path) && DropForeignFile(path)) {
         std::string directory = StripFn(path.c_str());
-        CreateFile(directory.c_str(), StripPath(path.c_str()), "666", nullptr, nullptr);
+        std::string file = StripPath(path.c_str());
+        CreateFile(directory.c_str(), file.c_str(), "666", nullptr, nullptr);
         out = OpenDataBase(name, "xdb_new", "wb", 1);
     }
     if (!out) DbmWriteError(name);
