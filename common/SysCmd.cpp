@@ -281,14 +281,36 @@ static std::string StartLine(int row) {
     return CmdWord(ComList[row], ComList[row].path) + " " + ComList[row].flags + " ";
 }
 
+// A complete line stands as it is; a command goes into the shell's option -c, whose closing quote is still to
+// come. Ends: as StartLine.
+static std::string OpenLine(int row, const std::string &text) {
+    if (row < 2) return text;
+    std::string command = StartLine(row) + text;
+    const SysCommand &shell = ComList[CMD_SH];
+    return CmdWord(shell, shell.path ? shell.path : "/bin") + " -c \"" + Dq(command);
+}
+
+static void LogLine(const std::string &line) {
+    putchar('.');
+    fflush(stdout);
+    PutLogMsg("%s\n", line.c_str());
+}
+
+// The shell runs nothing at all of a line whose redirection fails, so a log that can't be written is left
+// out.
 static std::string LogRedirection() {
-    std::string log = "/dev/null";
-    if (flUseLog) {
-        std::string path = std::string("/tmp/") + my_name + ".log";
-        // The shell runs nothing at all of a line whose redirection fails.
-        if (TestLogFile(path.c_str())) log = ShArg(path);
-    }
+    std::string path = std::string("/tmp/") + my_name + ".log";
+    std::string log = flUseLog && TestLogFile(path.c_str()) ? ShArg(path) : "/dev/null";
     return " 1>>" + log + " 2>>" + log;
+}
+
+static std::string CloseLine(int row, int mode, bool flLog) {
+    std::string redirection;
+    if (mode == 0)
+        redirection = " 1>/dev/null 2>/dev/null";
+    else if (flLog)
+        redirection = LogRedirection();
+    return row >= 2 ? Dq(redirection) + "\"" : redirection;
 }
 
 static int RunLine(const std::string &line, int mode) {
@@ -326,39 +348,21 @@ static void DelayAfter(const SysCommand &command) {
 }
 
 int SysCmd(int row, int mode, const char *format, ...) {
-    bool flLog = row > 0;
+    bool flShown = mode == 1 || mode == 2;
+    bool flLog = row > 0 && flShown;
     if (row < 0) row = -row;
     FillLazily(row);
 
     va_list args;
     va_start(args, format);
-    std::string text = FormatV(format, args);
+    std::string line = OpenLine(row, FormatV(format, args));
     va_end(args);
 
-    std::string line;
-    if (row >= 2) {
-        const SysCommand &shell = ComList[CMD_SH];
-        std::string command = StartLine(row) + text;
-        line = CmdWord(shell, shell.path ? shell.path : "/bin") + " -c \"" + Dq(command);
-    } else {
-        line = text;
-    }
-    bool flShared = mode == 1 || mode == 2;
-    if (flLog && flSysCmdLog && flShared) {
-        putchar('.');
-        fflush(stdout);
-        PutLogMsg("%s\n", line.c_str());
-    }
-    std::string redirection;
-    if (mode == 0)
-        redirection = " 1>/dev/null 2>/dev/null";
-    else if (flLog && flShared)
-        redirection = LogRedirection();
-    line += row >= 2 ? Dq(redirection) + "\"" : redirection;
-
+    if (flLog && flSysCmdLog) LogLine(line); // without the redirection
+    line += CloseLine(row, mode, flLog);
     int status = RunLine(line, mode);
-    if (flShared) ReportStatus(status, mode);
-    if (row < CMD_END) DelayAfter(ComList[row]);
+    if (flShown) ReportStatus(status, mode);
+    DelayAfter(ComList[row]);
     return status;
 }
 

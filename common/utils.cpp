@@ -370,8 +370,8 @@ static void CutLine(char *line, const char *mark) {
 // closes.
 static bool StripComments(std::string &text) {
     char buffer[INPUT_LINE];
-    size_t start;
-    while ((start = text.find("/*")) != std::string::npos) {
+    size_t start = 0;
+    while ((start = text.find("/*", start)) != std::string::npos) {
         size_t end = text.find("*/", start + 2);
         if (end != std::string::npos) {
             text.erase(start, end + 2 - start);

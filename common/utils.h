@@ -50,7 +50,7 @@ char *GenName(const char *text); // "hp color-4" gives "HpColor4"; what precedes
 // not searched. Leading "./" and "../" are taken off. Owns: the result.
 [[nodiscard]] char *GetToolPath(const char *argv0);
 // The deepest existing directory on the path, links followed; *flWhole (may be null) tells if it is the path
-// itself. Null if nothing exists, which takes a relative path in a removed directory. Owns: the result.
+// itself. Null if not even "/" or "." can be asked. Owns: the result.
 [[nodiscard]] char *FindExistingPath(const char *path, int *flWhole);
 
 // ---- Finding and listing

@@ -168,7 +168,7 @@ TEST_F(Commands, PathOfTheCommandIsQuoted) {
     Scratch scratch;
     const std::string dir = scratch.MakeDir("it's $x `y`");
     for (const char *command : {"sh", "touch"})
-        symlink((std::string("/bin/") + command).c_str(), (dir + "/" + command).c_str());
+        std::filesystem::create_symlink(std::string("/bin/") + command, dir + "/" + command);
     ComList[CMD_SH].path = ComList[CMD_TOUCH].path = dir.c_str();
     SysCmd(-CMD_TOUCH, 1, "%s", scratch.Path("made").c_str());
     EXPECT_TRUE(FindFile_(nullptr, scratch.Path("made").c_str()));
@@ -183,7 +183,7 @@ TEST_F(Commands, SharesTheTerminal) {
         [] {
             fputs("prompt ", stdout);
             char line[16];
-            fgets(line, sizeof(line), stdin);
+            if (!fgets(line, sizeof(line), stdin)) exit(1);
             SysCmd(0, 1, "read x; echo \"<$x>\"");
             fputs("after", stdout);
         },

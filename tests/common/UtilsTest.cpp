@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -221,6 +222,7 @@ TEST(Reading, FileLines) {
     ASSERT_TRUE(OpenText(scratch, "ab\\\nc\n"));
     GetFileLine();
     EXPECT_EQ(LineLen, 4);
+    EXPECT_TRUE(fcntl(fileno(pIn), F_GETFD) & FD_CLOEXEC) << "no child inherits the input file";
     ASSERT_TRUE(OpenText(scratch, "# no\n \t\n  word rest\n"));
     EXPECT_EQ(GetFileTextLine(" \t\n"), 1);
     EXPECT_STREQ(LineBuf, "word");
@@ -323,6 +325,7 @@ TEST(Making, CommandLines) {
     for (size_t i = 0; i < std::size(wanted); i++)
         EXPECT_NE(spy.lines[i].find(std::string("/") + wanted[i] + paths[i]), std::string::npos)
             << spy.lines[i];
+    EXPECT_EQ(spy.lines.back().find(">>"), std::string::npos) << "a rename stays out of the log";
 }
 
 TEST(Making, RealFiles) {
