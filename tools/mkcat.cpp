@@ -390,27 +390,27 @@ static std::string EscapedBytes(const std::string &bytes) {
     return out;
 }
 
-static void DumpBytes(const Record &record) {
+static std::string BytesRecord(const Record &record) {
     static const size_t width = 80;
-    printf("\n$bytes %s\n", EscapedBytes(record.key).c_str());
+    std::string out = "\n$bytes " + EscapedBytes(record.key) + "\n";
     for (size_t i = 0; i < record.data.length(); i += width)
-        printf("%s\n", EscapedBytes(record.data.substr(i, width)).c_str());
-    printf("$end\n");
+        out += EscapedBytes(record.data.substr(i, width)) + "\n";
+    return out + "$end\n";
 }
 
-static void DumpRecord(const Record &record, int *current) {
+// The record as source; *current is the set that the texts before it stand in.
+static std::string RecordSource(const Record &record, int *current) {
+    if (!IsText(record.data)) return BytesRecord(record);
     int set;
     std::string number;
-    std::string text = IsText(record.data) ? record.data.substr(0, record.data.length() - 1) : "";
-    if (IsText(record.data) && SplitKey(record.key, &set, &number)) {
-        if (set != *current) printf("\n$set %d\n", set);
+    std::string text = record.data.substr(0, record.data.length() - 1);
+    if (SplitKey(record.key, &set, &number)) {
+        std::string start = set != *current ? "\n$set " + std::to_string(set) + "\n" : "";
         *current = set;
-        printf("%s %s\n", number.c_str(), MessageText(text).c_str());
-    } else if (IsText(record.data) && IsPlainText(record.key, text)) {
-        printf("\n$record %s\n%s%s$end\n", record.key.c_str(), text.c_str(), text.empty() ? "" : "\n");
-    } else {
-        DumpBytes(record);
+        return start + number + " " + MessageText(text) + "\n";
     }
+    if (!IsPlainText(record.key, text)) return BytesRecord(record);
+    return "\n$record " + record.key + "\n" + text + (text.empty() ? "" : "\n") + "$end\n";
 }
 
 // The key and data of the record just walked; false if its key is no text.
@@ -436,18 +436,19 @@ static std::string ImagePath(const char *name) {
     return std::string("./") + name;
 }
 
-static int DumpImage(const char *name, DbTHandle *handle) {
+// Adds the source of all records; faults are told, and counted.
+static int DumpImage(const char *name, DbTHandle *handle, std::string *out) {
     int faults = 0;
     int set = 0;
     size_t size = handle->size;
     DbTWalk walked;
     Record record;
-    printf("$quote \"\n");
+    *out += "$quote \"\n";
     for (int i = 0; WalkDbTRecords(handle, &walked, i); i = 1) {
         if (TakeRecord(handle, walked, &record))
-            DumpRecord(record, &set);
+            *out += RecordSource(record, &set);
         else
-            faults += fprintf(stderr, "%s: a record before byte %zu has no key\n", name, handle->walk) > 0;
+            faults += fprintf(stderr, "%s: the record before byte %zu has no key\n", name, handle->walk) > 0;
     }
     if (handle->size != size || (handle->type == DBT_HEADER && size < DBT_HEADER_SIZE))
         faults += fprintf(stderr, "%s: damaged from byte %zu on\n", name, handle->size) > 0;
@@ -455,12 +456,12 @@ static int DumpImage(const char *name, DbTHandle *handle) {
 }
 
 static int Dump(const char *name) {
-    std::string content;
+    std::string content, out;
     if (!ReadFile(name, &content)) return 1; // says why, and says it at once
     DbTHandle *handle = DbTOpen(ImagePath(name).c_str(), DBT_NO_RELOAD | DBT_NO_WRITE);
-    int faults = handle ? DumpImage(name, handle) : 1;
+    int faults = handle ? DumpImage(name, handle, &out) : 1;
     DbTClose(handle);
-    if (fflush(stdout) != 0 || ferror(stdout)) {
+    if (fwrite(out.data(), 1, out.length(), stdout) != out.length() || fflush(stdout) != 0) {
         perror("mkcat");
         faults++;
     }
