@@ -1,17 +1,14 @@
-// Managed memory: blocks, nodes, and the duplicators of text.
+// Managed memory: blocks, nodes and their check; the duplicators of text stand in MemMgrStr.cpp.
 #include "common/MemMgr.h"
 
 #include <bit>
 #include <cerrno>
-#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include "common/utils.h"
 
 #if defined(__SANITIZE_ADDRESS__)
 #define MEM_POISON 1
@@ -191,6 +188,7 @@ int TestMAT(const char *mat, char mark, int count) {
 static uint64_t FreeBits(const char *mat) {
     static_assert((MEM_FREE & 0x20) != 0 && (MEM_USED & 0x20) == 0);
     uint64_t bits = 0;
+#pragma GCC unroll 8
     for (int i = 0; i < MAT_WORD; i += 8) {
         uint64_t word;
         memcpy(&word, mat + i, sizeof(word));
@@ -210,11 +208,12 @@ static uint64_t RunBits(uint64_t bits, int count) {
     return bits;
 }
 
-// The lowest index with count free nodes from it on, or -1. before: free nodes right in front of this word.
-static int FindFreeNodes(const char *mat, int count) {
-    int before = 0;
-    for (int i = 0; i < MEM_BLOCK_NODES; i += MAT_WORD) {
+// The lowest index with count free nodes from it on, or -1; none is known to start before from.
+static int FindFreeNodes(const char *mat, int count, int from) {
+    int first = from / MAT_WORD * MAT_WORD, before = 0; // before: free nodes right in front of the word
+    for (int i = first; i < MEM_BLOCK_NODES; i += MAT_WORD) {
         uint64_t bits = FreeBits(mat + i);
+        if (i == first) bits &= ~uint64_t{0} << (from - first);
         if (before + std::countr_one(bits) >= count) return i - before;
         if (bits == ~uint64_t{0}) {
             before += MAT_WORD;
@@ -227,12 +226,41 @@ static int FindFreeNodes(const char *mat, int count) {
     return -1;
 }
 
-// FindFreeNodes for a block, which remembers what did not fit until some of its nodes are freed.
+// FindFreeNodes for a block that remembers what it found, on the promise that the nodes are used at once.
 static int FindRoom(MemBlock *block, int count) {
-    if (block->freeCount < count || (block->missedCount && block->missedCount <= count)) return -1;
-    int index = FindFreeNodes(block->MAT, count);
-    if (index < 0) block->missedCount = count;
+    int run = count < MEM_RUNS ? count : MEM_RUNS - 1;
+    if (block->freeCount < count || block->from[run] >= MEM_BLOCK_NODES) return -1;
+    if (block->missedCount && block->missedCount <= count) return -1;
+    int index = FindFreeNodes(block->MAT, count, block->from[run]);
+    if (index < 0) block->missedCount = static_cast<int16_t>(count);
+    int next = index < 0 ? MEM_BLOCK_NODES : index + count;
+    for (int longer = count; longer < MEM_RUNS; longer++)
+        if (block->from[longer] < next) block->from[longer] = static_cast<int16_t>(next);
     return index;
+}
+
+// The free nodes directly in front of an index and from it on, as far as they matter to a block's memory.
+static int FreeInFront(const char *mat, int index) {
+    int count = 0;
+    while (count < MEM_RUNS && count < index && mat[index - count - 1] == MEM_FREE) count++;
+    return count;
+}
+
+static int FreeFrom(const char *mat, int index) {
+    int count = 0;
+    while (count < MEM_RUNS && mat[index + count] == MEM_FREE) count++; // the MAT's NUL is not free
+    return count;
+}
+
+// Freed nodes join the free ones beside them: only runs that are no longer than all of them are new.
+static void ForgetRoom(MemBlock *block, int index, int count) {
+    int front = FreeInFront(block->MAT, index), behind = FreeFrom(block->MAT, index + count);
+    int length = front + count + behind;
+    bool flMore = front == MEM_RUNS || behind == MEM_RUNS;
+    if (flMore || length >= block->missedCount) block->missedCount = 0;
+    int16_t place = static_cast<int16_t>(index - front);
+    for (int run = 1; run < MEM_RUNS && run <= length; run++)
+        if (block->from[run] > place) block->from[run] = place;
 }
 
 // Marks count nodes as used and clears them.
@@ -247,7 +275,7 @@ static void UseNodes(MemBlock *block, int index, int count) {
 static void FreeNodes(MemBlock *block, int index, int count) {
     memset(block->MAT + index, MEM_FREE, static_cast<size_t>(count));
     block->freeCount += count;
-    block->missedCount = 0;
+    ForgetRoom(block, index, count);
     HideMem(block->data + index * MEM_NODE_SIZE, static_cast<size_t>(count) * MEM_NODE_SIZE);
 }
 
@@ -477,9 +505,12 @@ static const char *CheckShared(const MemBlock *block) {
     if (fault) return fault;
     if (block->usedSize) return "shared block: used size";
     if (block->freeCount != CountFree(block)) return "shared block: free node count";
-    if (block->missedCount && FindFreeNodes(block->MAT, block->missedCount) >= 0)
-        return "shared block: room that it does not know of";
-    return nullptr;
+    bool flHidden = block->missedCount && FindFreeNodes(block->MAT, block->missedCount, 0) >= 0;
+    for (int run = 1; run < MEM_RUNS; run++) {
+        int index = FindFreeNodes(block->MAT, run, 0);
+        if (index >= 0 && index < block->from[run]) flHidden = true;
+    }
+    return flHidden ? "shared block: room that it does not know of" : nullptr;
 }
 
 const char *CheckMem() {
@@ -491,50 +522,4 @@ const char *CheckMem() {
         if (fault) return fault;
     }
     return nullptr;
-}
-
-// ---- duplicators of text
-
-// A managed text of the length, not yet filled.
-static char *GetMemStr(size_t length) {
-    auto copy = static_cast<char *>(GetMem(length + 1));
-    if (!copy) SysError("%s", OutOfMem);
-    return copy;
-}
-
-char *SaveStr_(const char *text) {
-    if (!text) text = "";
-    size_t length = strlen(text);
-    return static_cast<char *>(memcpy(GetMemStr(length), text, length));
-}
-
-// Most texts are short: they are formatted once, on the stack.
-char *SaveStr(const char *format, ...) {
-    char scratch[1024];
-    if (!format) return SaveStr_(nullptr);
-    va_list args, again;
-    va_start(args, format);
-    va_copy(again, args);
-    int length = vsnprintf(scratch, sizeof(scratch), format, args);
-    if (length < 0) SysError("%s", OutOfMem);
-    size_t size = static_cast<size_t>(length);
-    char *copy = GetMemStr(size);
-    if (size < sizeof(scratch))
-        memcpy(copy, scratch, size);
-    else
-        vsnprintf(copy, size + 1, format, again);
-    va_end(again);
-    va_end(args);
-    return copy;
-}
-
-char *SaveStr__(const char *format, ...) {
-    char scratch[MEM_SCRATCH];
-    if (!format) return nullptr;
-    va_list args;
-    va_start(args, format);
-    int length = vsnprintf(scratch, sizeof(scratch), format, args);
-    va_end(args);
-    if (length < 0) SysError("%s", OutOfMem);
-    return SaveStr_(scratch);
 }

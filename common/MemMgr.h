@@ -23,6 +23,7 @@ enum {
     MEM_BLOCK_SIZE = MEM_NODE_SIZE * MEM_BLOCK_NODES,
     MEM_DEDICATED = MEM_BLOCK_SIZE + 1, // rounded sizes from here on get a block of their own
     MEM_MAX = INT32_MAX - 131072,       // largest rounded size; the block around it still fits its field
+    MEM_RUNS = 16,                      // lengths of runs that a block keeps a lowest place for, and 0
     MEM_FREE = ' ',
     MEM_USED = 'U',
 };
@@ -43,12 +44,15 @@ struct MemBlock {
     int32_t usedSize;   // dedicated block: rounded size in use; 0 in a shared block
     int32_t freeCount;  // free nodes of a shared block
     char *data;
-    MemNode nodes[MEM_BLOCK_NODES];
-    char MAT[MEM_BLOCK_NODES + 1];
-    // Private to MemMgr.cpp.
+    // Private to MemMgr.cpp: how the regions were taken, and what the search knows of the MAT. No run of k
+    // free nodes starts before from[k]; the last one serves all longer runs. A request of missedCount nodes
+    // or more does not fit; 0 when unknown. Both are forgotten, as far as need be, when nodes are freed.
     uint8_t recordFromMalloc;
     uint8_t dataFromMalloc;
-    int32_t missedCount; // a request of this many nodes or more is known not to fit; 0 when unknown
+    int16_t missedCount;
+    int16_t from[MEM_RUNS];
+    MemNode nodes[MEM_BLOCK_NODES];
+    char MAT[MEM_BLOCK_NODES + 1];
 };
 
 extern MemBlock *pMemB;       // head of the chain, null while no block exists; writers: PushBlock, PopBlock

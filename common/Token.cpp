@@ -8,6 +8,7 @@
 #include <strings.h>
 
 #include "common/MemMgr.h"
+#include "common/utils.h"
 
 char *const pTokenLine = reinterpret_cast<char *>(intptr_t{-1});
 
@@ -295,10 +296,8 @@ static char *SortTokensMin(char *text, char delim, int flNoCase) {
     return smallest;
 }
 
-void SortTokens(char *list, char delim, int flNoCase) {
-    if (!list) return;
-    while (delim && *list == delim) list++;
-    char *copy = SaveStr_(list);
+// Moves the smallest token of the copy to the list until the copy is empty.
+static void SortTokensSelect(char *list, char *copy, char delim, int flNoCase) {
     while (*copy) {
         char *token = SortTokensMin(copy, delim, flNoCase);
         char *end = SortTokensEnd(token, delim);
@@ -308,5 +307,57 @@ void SortTokens(char *list, char delim, int flNoCase) {
         if (!flDelim && *copy) *list++ = delim;
     }
     *list = '\0';
+}
+
+struct SortToken {
+    const char *text; // with its delimiter
+    size_t length;
+};
+
+// The tokens that have a delimiter, up to the capacity; rest is set to the text behind the last of them.
+static size_t SortTokensSplit(const char *copy, char delim, SortToken *tokens, size_t capacity,
+                              const char **rest) {
+    size_t count = 0;
+    for (const char *end; (end = StrChr(copy, delim)); copy = end + 1, count++)
+        if (count < capacity) tokens[count] = {copy, static_cast<size_t>(end + 1 - copy)};
+    *rest = copy;
+    return count;
+}
+
+// What the selection gives, without its quadratic time. Tokens with their delimiter are never the beginning
+// of one another, so that they have one order, equal ones by their place. Only the last token can lack the
+// delimiter; it comes when the smallest of the others is larger over its own length.
+static void SortTokensArray(char *list, const char *copy, char delim, int flNoCase) {
+    auto compare = flNoCase ? strncasecmp : strncmp;
+    const char *rest;
+    size_t count = SortTokensSplit(copy, delim, nullptr, 0, &rest), restLength = strlen(rest);
+    auto tokens = static_cast<SortToken *>(GetMem((count + 1) * sizeof(SortToken)));
+    if (!tokens) SysError("%s", OutOfMem);
+    SortTokensSplit(copy, delim, tokens, count, &rest);
+    std::sort(tokens, tokens + count, [=](const SortToken &a, const SortToken &b) {
+        int order = compare(a.text, b.text, std::min(a.length, b.length));
+        return order ? order < 0 : a.text < b.text;
+    });
+    for (size_t i = 0; i < count; i++) {
+        if (restLength && compare(rest, tokens[i].text, restLength) < 0) {
+            list = std::copy(rest, rest + restLength, list);
+            *list++ = delim;
+            restLength = 0;
+        }
+        list = std::copy(tokens[i].text, tokens[i].text + tokens[i].length, list);
+    }
+    *std::copy(rest, rest + restLength, list) = '\0';
+    PutMem(tokens);
+}
+
+// A letter as the delimiter could equal a letter of a token when case is ignored.
+void SortTokens(char *list, char delim, int flNoCase) {
+    if (!list) return;
+    while (delim && *list == delim) list++;
+    char *copy = SaveStr_(list);
+    if (flNoCase && isalpha(static_cast<unsigned char>(delim)))
+        SortTokensSelect(list, copy, delim, flNoCase);
+    else
+        SortTokensArray(list, copy, delim, flNoCase);
     PutMem(copy);
 }
