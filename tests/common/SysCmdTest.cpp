@@ -15,12 +15,6 @@
 #include "common/utils.h"
 #include "tests/lib/Capture.h"
 
-static std::string Take(char *managed) {
-    std::string text = managed ? managed : "(null)";
-    PutMem(managed);
-    return text;
-}
-
 // Paths as on a plain host, logging by the table set up, and a log of this test's own.
 class Commands : public testing::Test {
 protected:
@@ -49,14 +43,10 @@ TEST_F(Commands, Lines) {
     } cases[] = {
         {CMD_QUIET, 0, 1, "a b" + null, "", ""},
         {CMD_QUIET, 1, 1, "a b", "", ""},
-        {CMD_QUIET, 2, 1, "a b", "", ""},
         {CMD_LINE, 0, 1, "a b" + null, "", ""},
         {CMD_LINE, 1, 1, "a b" + to, ".", "a b\n"},
-        {CMD_LINE, 2, 1, "a b" + to, ".", "a b\n"},
         {CMD_LINE, 1, 0, "a b" + nulls, "", ""},
-        {CMD_LINE, 5, 1, "a b", "", ""},
         {CMD_TOUCH, 0, 1, touch + null + "\"", "", ""},
-        {CMD_TOUCH, 1, 1, touch + to + "\"", ".", touch + "\n"},
         {CMD_TOUCH, 2, 1, touch + to + "\"", ".", touch + "\n"},
         {CMD_TOUCH, 2, 0, touch + nulls + "\"", "", ""},
         {-CMD_TOUCH, 2, 1, touch + "\"", "", ""},
@@ -93,17 +83,14 @@ TEST_F(Commands, Statuses) {
         int mode, result, error, status, exit;
         const char *out, *logged;
     } cases[] = {
-        {"works", 2, 0, ENOENT, 0, 0, ".", "x\n"},
         {"fails without errno", 1, 256, 0, 0, 0, ".", "x\n"},
         {"fails without errno, fatal", 2, 256, 0, 0, 1, ".ERROR: Input/output error\n",
          "x\nERROR: Input/output error\n"},
         {"warning", 1, 256, EBUSY, EBUSY, 0, ".", "x\nWARNING_MSG: Device or resource busy\n"},
         {"fatal", 2, -1, ENOMEM, 0, 1, ".ERROR: Cannot allocate memory\n",
          "x\nERROR: Cannot allocate memory\n"},
-        {"quiet", 0, 256, EBUSY, EBUSY, 0, "", ""},
         {"interrupted", 2, -1, EINTR, EINTR, 0, ".", "x\n"},
-        {"last one reported", 1, -1, 151, 151, 0, ".", "x\nWARNING_MSG: Unknown error 151\n"},
-        {"beyond", 2, -1, 152, 152, 0, ".", "x\n"},
+        {"beyond those reported", 2, -1, 152, 152, 0, ".", "x\n"},
     };
     for (const Case &c : cases) {
         CreateTextFile(log.c_str(), "w", 0, "%s", "");
@@ -141,41 +128,32 @@ TEST_F(Commands, Delays) {
     ComList[CMD_LPSCHED].delay = 1;
 }
 
+// A value reaches the command whole by every road, and nothing else happens; so does the command's own
+// directory.
 TEST_F(Commands, ShellWords) {
     for (const char *plain : {"", "lp", "a.b-c_d/e:1@h%+=,"}) EXPECT_EQ(ShArg(plain), plain);
-    const char *values[] = {"it's",     "a b",     "$(id)",    "`id`", "a\\b",
-                            "a\\\\\"c", "\"q\"",   "$HOME",    "a\nb", "\xc3\xa4\xe2\x82\xac",
-                            "*",        "a;b&c|d", "~",        "#x",   "a!b",
-                            "{a,b}",    "(a)<b>",  "\xff\x01", "'",    "''\\''",
-                            "\\",       "?[a]",    "$'x'",     "a\tb", " "};
+    const char *values[] = {"it's",    "''\\''",  "$(id) `id`", "$HOME $'x'",
+                            "a\\b\\",  "\\\"\"q", "a\n\tb",     "*?[a]{a,b}",
+                            "a;b&c|d", "(a)<b>",  "~ #x !",     "\xc3\xa4\xe2\x82\xac\xff\x01"};
     Scratch scratch;
-    std::vector<std::pair<const char *, std::function<void(const std::string &)>>> roads = {
-        {"row of a command", [](const std::string &word) { SysCmd(-CMD_TOUCH, 1, "%s", word.c_str()); }},
-        {"complete line", [](const std::string &word) { SysCmd(CMD_QUIET, 1, "touch %s", word.c_str()); }},
-        {"asked",
-         [](const std::string &word) { PutMem(GetCmdResponse(CMD_TOUCH, nullptr, "%s", word.c_str())); }},
-    };
-    for (const auto &[road, run] : roads)
-        for (const char *value : values) {
-            std::string file = scratch.Path("a") + value;
-            run(ShArg(file));
-            EXPECT_TRUE(std::filesystem::remove(file)) << road << ": " << value;
-        }
-    EXPECT_EQ(Take(SearchDirFileList(scratch.Path().c_str(), nullptr)), "(null)") << "nothing else was made";
-}
-
-TEST_F(Commands, PathOfTheCommandIsQuoted) {
-    Scratch scratch;
-    const std::string dir = scratch.MakeDir("it's $x `y`");
-    for (const char *command : {"sh", "touch"})
-        std::filesystem::create_symlink(std::string("/bin/") + command, dir + "/" + command);
+    const std::string dir = scratch.MakeDir("it's $x `y`"), made = scratch.MakeDir("made");
+    for (std::string command : {"sh", "touch"})
+        std::filesystem::create_symlink("/bin/" + command, dir + "/" + command);
     ComList[CMD_SH].path = ComList[CMD_TOUCH].path = dir.c_str();
-    SysCmd(-CMD_TOUCH, 1, "%s", scratch.Path("made").c_str());
-    EXPECT_TRUE(FindFile_(nullptr, scratch.Path("made").c_str()));
-    EXPECT_EQ(Take(GetCmd(CMD_TOUCH)), ShArg(dir) + "/touch ");
-    EXPECT_EQ(Take(GetCmdNoFlags(CMD_TOUCH)), ShArg(dir) + "/touch");
-    EXPECT_EQ(GetCmdNoFlags(CMD_END), nullptr);
-    EXPECT_EQ(GetCmd(CMD_LINE), nullptr);
+    std::function<void(const char *)> roads[] = {
+        [](const char *word) { SysCmd(-CMD_TOUCH, 1, "%s", word); },
+        [](const char *word) { SysCmd(CMD_QUIET, 1, "touch %s", word); },
+        [](const char *word) { FreeResponseList(GetCmdResponse(CMD_TOUCH, nullptr, "%s", word)); },
+    };
+    for (const auto &road : roads)
+        for (const char *value : values) {
+            std::string file = made + "/a" + value;
+            road(ShArg(file).c_str());
+            EXPECT_TRUE(std::filesystem::remove(file)) << &road - roads << ": " << value;
+        }
+    EXPECT_EQ(TakeText(SearchDirFileList(made.c_str(), nullptr)), "(null)") << "nothing else was made";
+    EXPECT_EQ(TakeText(GetCmd(CMD_TOUCH)), ShArg(dir) + "/touch ");
+    EXPECT_EQ(TakeText(GetCmdNoFlags(CMD_TOUCH)), ShArg(dir) + "/touch");
 }
 
 TEST_F(Commands, SharesTheTerminal) {
@@ -192,26 +170,22 @@ TEST_F(Commands, SharesTheTerminal) {
 }
 
 TEST_F(Commands, MissingCommand) {
-    struct Case {
-        const char *name;
-        void (*function)();
-    } cases[] = {
-        {"run", [] { SysCmd(CMD_YPCAT, 1, "x"); }},
-        {"run, negative row", [] { SysCmd(-CMD_YPCAT, 0, "x"); }},
-        {"asked", [] { PutMem(GetCmdResponseStr(CMD_YPCAT, nullptr, "x")); }},
+    void (*calls[])() = {
+        [] { SysCmd(CMD_YPCAT, 1, "x"); },
+        [] { SysCmd(-CMD_YPCAT, 0, "x"); },
+        [] { PutMem(GetCmdResponseStr(CMD_YPCAT, nullptr, "x")); },
     };
     ComList[CMD_YPCAT].path = nullptr;
-    EXPECT_EQ(TestCmd(CMD_YPCAT), 0);
-    EXPECT_EQ(GetCmd(CMD_YPCAT), nullptr);
-    for (const Case &c : cases) {
-        ChildEnd end = RunForked([&c] {
-            c.function();
+    for (auto call : calls) {
+        ChildEnd end = RunForked([call] {
+            call();
             exit(5);
         });
-        EXPECT_EQ(end.status, 0) << c.name;
-        EXPECT_EQ(end.err, "ERROR: unable to locate system command 'ypcat'\n") << c.name;
+        EXPECT_EQ(end.status, 0);
+        EXPECT_EQ(end.err, "ERROR: unable to locate system command 'ypcat'\n");
     }
-    for (int row : {-1, 0, 1, int(CMD_END), 1000}) EXPECT_EQ(TestCmd(row), 0) << row;
+    for (int row : {-1, 0, 1, int(CMD_YPCAT), int(CMD_END), 1000})
+        EXPECT_TRUE(TestCmd(row) == 0 && !GetCmd(row) && !GetCmdNoFlags(row)) << row;
 }
 
 static std::string Join(ResponseNode *list) {
@@ -228,16 +202,14 @@ TEST_F(Commands, Answers) {
         std::string list, text;
     } cases[] = {
         {"all lines", "echo a; echo b", nullptr, "[a\n][b\n]", "a\nb\n"},
-        {"empty filter", "echo a; echo b", "", "[a\n][b\n]", "a\nb\n"},
         {"filter", "printf 'ab\\nc\\ncab'", "ab", "[ab\n][cab]", "ab\ncab\n"},
         {"nothing", "echo a", "z", "", "(null)"},
-        {"no such command", "/no/such/command 2>/dev/null", nullptr, "", "(null)"},
         {"long line", "printf '%05000d' 0 | tr 0 x", nullptr, "[" + x4095 + "][" + x905 + "]",
          x4095 + x905 + "\n"},
     };
     for (const Case &c : cases) {
         EXPECT_EQ(Join(GetCmdResponse(CMD_QUIET, c.filter, "%s", c.line)), c.list) << c.name;
-        EXPECT_EQ(Take(GetCmdResponseStr(CMD_LINE, c.filter, "%s", c.line)), c.text) << c.name;
+        EXPECT_EQ(TakeText(GetCmdResponseStr(CMD_LINE, c.filter, "%s", c.line)), c.text) << c.name;
     }
     SystemSpy spy;
     spy.popenFails = true;
@@ -297,7 +269,7 @@ TEST_F(Commands, OneRowBeforeTheTableIsFilled) {
     for (SysCommand &command : ComList) command.path = nullptr;
     EXPECT_EQ(FillCmdPath(CMD_LPSCHED), 0);
     flInitSysCmd = 1;
-    EXPECT_EQ(Take(GetCmdResponseStr(CMD_YPCAT, nullptr, "hosts")), "hosts\n");
+    EXPECT_EQ(TakeText(GetCmdResponseStr(CMD_YPCAT, nullptr, "hosts")), "hosts\n");
     EXPECT_EQ(ComList[CMD_YPCAT].path, scratch.Path("bin"));
     EXPECT_EQ(TestCmd(CMD_SH), 1);
 }
@@ -309,30 +281,29 @@ TEST_F(Commands, ProcessLists) {
     spy.answers = {{"/bin/ps -e ",
                     "  PID TTY          TIME CMD\n   12 ?        00:00:00 lpsched\n  13 ? 0:00 lpsched2\n"
                     "345 pts/0 0:00 lpsched <defunct>\n  7 ? 0:00 cupsd\n 8 lpsched\n"}};
-    EXPECT_EQ(Take(GetSysPsIdList("lpsched")), " 12 345 ");
-    EXPECT_EQ(Take(GetSysPsIdList("lps")), "(null)");
-    EXPECT_EQ(Take(CheckProcTableForExecs("cupsd,lpd,lpsched")), "cupsd ( 7 )\nlpsched ( 12 345 )\n");
-    EXPECT_EQ(Take(CheckProcTableForExecs("lpd")), "(null)");
+    EXPECT_EQ(TakeText(GetSysPsIdList("lpsched")), " 12 345 ");
+    EXPECT_EQ(TakeText(GetSysPsIdList("lps")), "(null)");
+    EXPECT_EQ(TakeText(CheckProcTableForExecs("cupsd,lpd,lpsched")), "cupsd ( 7 )\nlpsched ( 12 345 )\n");
     spy.answers = {{"/bin/pkginfo  ", "system SUNWcsr core\napplication TVprn deck\nTVx\n"}};
-    EXPECT_EQ(Take(GetSysPkgList("TV")), " TVprn ");
+    EXPECT_EQ(TakeText(GetSysPkgList("TV")), " TVprn ");
 }
 
 TEST_F(Commands, Kill) {
-    pid_t child = fork();
-    if (child == 0) {
-        pause();
-        _exit(0);
-    }
-    SystemSpy spy;
-    spy.answers = {{"ps -e", "PID TTY TIME CMD\n" + std::to_string(INT_MAX) + " ? 0:00 victim\n" +
-                                 std::to_string(child) + " ? 0:00 victim\n1 ? 0:00 victim\n"}};
-    EXPECT_EQ(KillProcessByName("CMD"), 0) << "the heading names no process";
-    EXPECT_EQ(waitpid(child, nullptr, WNOHANG), 0);
-    EXPECT_EQ(KillProcessByName("victim"), 0);
-    int status = 0;
-    EXPECT_EQ(waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
-    EXPECT_EQ(spy.slept, 2u);
+    ChildEnd end = RunForked([] {
+        setpgid(0, 0); // what a heading line reads as, 0, would name this group
+        pid_t child = fork();
+        if (child == 0) pause();
+        SystemSpy spy;
+        spy.answers = {{"ps -e", "PID TTY TIME CMD\n" + std::to_string(INT_MAX) + " ? 0:00 victim\n" +
+                                     std::to_string(child) + " ? 0:00 victim\n"}};
+        KillProcessByName("CMD");
+        if (waitpid(child, nullptr, WNOHANG) != 0) exit(1);
+        KillProcessByName("victim");
+        int status = 0;
+        waitpid(child, &status, 0);
+        exit(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL && spy.slept == 2 ? 0 : 2);
+    });
+    EXPECT_EQ(end.status, 0);
 }
 
 TEST_F(Commands, Disks) {

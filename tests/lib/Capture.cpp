@@ -11,6 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "common/MemMgr.h"
 #include "common/SysCmd.h"
 
 enum { CHILD_SECONDS = 60 };
@@ -44,6 +45,12 @@ std::string Scratch::MakeDir(const std::string &name) const {
 std::string ReadWhole(const std::string &path) {
     std::ifstream in(path, std::ios::binary);
     return {std::istreambuf_iterator<char>(in), {}};
+}
+
+std::string TakeText(char *managed) {
+    std::string text = managed ? managed : "(null)";
+    PutMem(managed);
+    return text;
 }
 
 static int NewCatcher(const std::string &text = "") {

@@ -29,6 +29,9 @@ private:
 // The whole file as it stands, empty if it can't be read.
 std::string ReadWhole(const std::string &path);
 
+// Takes a managed text over: its contents, or "(null)".
+std::string TakeText(char *managed);
+
 // Catches descriptors 1 and 2 while it lives, of this process and of its children.
 class Capture {
 public:
