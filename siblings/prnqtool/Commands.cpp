@@ -1,0 +1,445 @@
+// The commands: add, copy, modify, delete, default banner, list.
+#include "siblings/prnqtool/Commands.h"
+
+#include "siblings/prnqtool/Child.h"
+#include "siblings/prnqtool/FileStore.h"
+#include "siblings/prnqtool/Files.h"
+#include "siblings/prnqtool/Host.h"
+#include "siblings/prnqtool/Queue.h"
+#include "siblings/prnqtool/Records.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <sys/stat.h>
+#include <unistd.h>
+
+enum { LOCK_SECONDS = 30, DB_MODE = 0777 };
+
+static const char LockPath[] = "db/.prnq_lock";
+
+static Host TheHost; // what the host told at the start of this run
+
+static int Tell(const std::string &error) {
+    if (error.empty()) return 0;
+    fprintf(stderr, "prnqtool: %s\n", error.c_str());
+    PutLog("prnqtool: " + error);
+    return 1;
+}
+
+// ---- Frame of a change
+
+// A key that interrupts the caller's terminal must not part the host from the records.
+static void HoldSignals() {
+    sigset_t held;
+    sigemptyset(&held);
+    for (int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) sigaddset(&held, number);
+    sigprocmask(SIG_BLOCK, &held, nullptr);
+}
+
+static std::string MakeDatabaseDirectory() {
+    if (mkdir("db", DB_MODE) && errno != EEXIST) return "can't make the directory db";
+    return "";
+}
+
+static std::string BeginChange() {
+    std::string error = MakeDatabaseDirectory();
+    if (error.empty()) error = TakeLock(LockPath, LOCK_SECONDS);
+    if (error.empty()) error = HostOpen(TheHost);
+    if (error.empty()) error = RecordsOpen();
+    HoldSignals();
+    return error;
+}
+
+static std::string PrepareChange() {
+    std::string error = RecordsPrepare();
+    if (error.empty()) error = FileStorePrepare();
+    if (!error.empty()) RecordsDrop();
+    // Queues that a killed run left behind would be found by everybody; the host answers, or this is not
+    // reached.
+    for (const std::string &name : TheHost.leftovers) CupsDelete(name);
+    return error;
+}
+
+static std::string CommitChange() {
+    std::string error = FileStoreCommit();
+    return error.empty() ? RecordsCommit() : error;
+}
+
+static void DropChange() {
+    FileStoreDrop();
+    RecordsDrop();
+}
+
+// ---- Values of one queue
+
+static Titles TitlesOf(const Queue &queue, const std::string &systemBanner) {
+    return ReadTitles(queue.banner.empty() ? systemBanner : queue.banner);
+}
+
+// The database is open to everybody: a queue read from it goes back to the host only if it could have been
+// made so.
+static bool IsSound(const Queue &queue) {
+    return CheckQueueTarget(queue).empty();
+}
+
+static std::string ReadText(const std::string &path, size_t limit, std::string &text) {
+    std::string error = ReadWholeFile(path, limit, text);
+    if (error.empty() && text.find('\0') != text.npos) return path + " is no text";
+    return error;
+}
+
+// A settings file is named in every add line, whether the front end has left one or not.
+static std::string ReadSettings(const Options &options, Queue &queue) {
+    if (options.settings.empty()) return "";
+    if (access(options.settings.c_str(), F_OK) && errno == ENOENT) return "";
+    return ReadText(options.settings, SETTINGS_MAX, queue.settings);
+}
+
+static std::string ReadBanner(const Options &options, std::string &banner) {
+    if (options.banner.empty()) return "";
+    std::string error = ReadText(options.banner, BANNER_MAX, banner);
+    return error.empty() && !HasTitle(banner) ? options.banner + " holds no title" : error;
+}
+
+static std::string ReadTarget(const Options &options, Queue &queue) {
+    static constexpr struct {
+        const char *word;
+        int hostType, deviceType;
+    } Models[] = {
+        {"wp", QUEUE_PRINTER_HOST, QUEUE_PRINTER_DEVICE},
+        {"wps", QUEUE_SERVER, QUEUE_SERVER},
+        {"psp", QUEUE_SERVER_HOST, QUEUE_SERVER_DEVICE},
+    };
+    std::string model = options.model.empty() ? "wp" : options.model;
+    auto row =
+        std::find_if(std::begin(Models), std::end(Models), [&](auto &each) { return model == each.word; });
+    if (row == std::end(Models))
+        return "printing model \"" + model.substr(0, 80) + "\" is none of wp, wps, psp";
+    queue.name = options.queues.front();
+    queue.type = options.flDevice ? row->deviceType : row->hostType;
+    queue.printer = options.flDevice ? options.device : options.host;
+    queue.remote = options.flRemote ? options.remote : "lp";
+    queue.flDefault = options.flDefault;
+    if (queue.type == QUEUE_SERVER && options.flDevice) return "a print server is told by -hn";
+    if (queue.type == QUEUE_SERVER && !options.flRemote) return "option -psqn is needed for a print server";
+    return CheckQueueName(queue.name);
+}
+
+static std::string CheckPpdFile(const Queue &queue) {
+    std::string content, error = CheckQueueTarget(queue);
+    return error.empty() ? ReadWholeFile("ppd/" + queue.ppd, 4 * 1024 * 1024, content) : error;
+}
+
+static std::string CheckCase(const std::string &name) {
+    for (const std::string &other : HostQueues(TheHost))
+        if (DiffersByCase(name, other))
+            return "queue name \"" + name + "\" differs from queue \"" + other +
+                   "\" by upper and lower case only";
+    return "";
+}
+
+// ---- The default queue
+
+// The host's default follows the record: it names the queue, or nothing if the queue is none of the
+// scheduler's.
+static std::string FollowDefault(const std::string &before, const std::string &now) {
+    if (before == now || TheHost.state != CUPS_UP) return "";
+    if (HostFind(TheHost, now) == PLACE_CUPS) return CupsSetDefault(now);
+    bool flOwned = !before.empty() && HostFind(TheHost, before) == PLACE_CUPS;
+    return flOwned ? CupsClearDefault() : "";
+}
+
+// ---- Add, copy
+
+struct Put {
+    Queue queue, old;
+    Place place;
+    bool flOnHost;      // the host has a queue of this name
+    bool flRecorded;    // and it has records
+    bool flTouched;     // the host has changed
+    std::string before; // default queue
+};
+
+static std::string PutOnHost(Put &put) {
+    if (put.place == PLACE_FILE) return "";
+    Titles titles = TitlesOf(put.queue, RecordsBanner());
+    std::string error;
+    if (put.flOnHost)
+        error = CupsReplace(put.queue, titles, put.flTouched);
+    else {
+        error = CupsAdd(put.queue, titles);
+        put.flTouched = error.empty();
+        if (put.flTouched) TheHost.queues.push_back(put.queue.name);
+    }
+    return error;
+}
+
+static void UndoPut(const Put &put) {
+    bool flAgain;
+    if (put.place == PLACE_CUPS && put.flTouched) {
+        if (!put.flOnHost)
+            CupsDelete(put.queue.name);
+        else if (put.flRecorded && IsSound(put.old))
+            CupsReplace(put.old, TitlesOf(put.old, RecordsBanner()), flAgain);
+    }
+    FollowDefault(RecordsDefault(), put.before);
+}
+
+static std::string FinishPut(Put &put) {
+    std::string error = PrepareChange();
+    if (!error.empty()) return error;
+    error = PutOnHost(put);
+    if (error.empty()) error = FollowDefault(put.before, RecordsDefault());
+    if (error.empty()) error = CommitChange();
+    if (error.empty()) return "";
+    UndoPut(put);
+    DropChange();
+    return "queue \"" + put.queue.name + "\" " + (put.flOnHost ? "not replaced: " : "not made: ") + error;
+}
+
+static std::string PutQueue(const Queue &queue) {
+    Put put = {.queue = queue,
+               .old = {},
+               .place = HostFind(TheHost, queue.name),
+               .flOnHost = false,
+               .flRecorded = false,
+               .flTouched = false,
+               .before = RecordsDefault()};
+    if (put.place == PLACE_UNKNOWN) return TheHost.error;
+    std::string error = CheckCase(queue.name);
+    if (!error.empty()) return error;
+    put.flOnHost = put.place != PLACE_NONE;
+    if (!put.flOnHost) put.place = HostChoose(TheHost, error);
+    if (put.place == PLACE_UNKNOWN) return error;
+    put.flRecorded = RecordsRead(queue.name, put.old);
+    RecordsPut(queue);
+    if (put.place == PLACE_FILE) FileStorePut(queue);
+    return FinishPut(put);
+}
+
+static std::string AddQueue(const Options &options) {
+    Queue queue;
+    queue.ppd = options.ppd;
+    queue.flBanner = options.flBanner;
+    queue.flFeatures = options.flFeatures;
+    queue.flUserInterface = options.flUserInterface;
+    queue.flLpd = options.flLpd;
+    std::string error = ReadTarget(options, queue);
+    if (error.empty()) error = CheckPpdFile(queue);
+    if (error.empty()) error = ReadSettings(options, queue);
+    if (error.empty()) error = ReadBanner(options, queue.banner);
+    if (error.empty()) error = BeginChange();
+    return error.empty() ? PutQueue(queue) : error;
+}
+
+static std::string CopyQueue(const Options &options) {
+    Queue target, queue;
+    std::string error = ReadTarget(options, target);
+    if (error.empty()) error = CheckHostQueueName(options.source);
+    if (error.empty()) error = BeginChange();
+    if (!error.empty()) return error;
+    if (!RecordsRead(options.source, queue)) return "queue \"" + options.source + "\" has no record to copy";
+    queue.name = target.name;
+    queue.type = target.type;
+    queue.printer = target.printer;
+    queue.remote = target.remote;
+    queue.flDefault = target.flDefault;
+    error = CheckPpdFile(queue);
+    return error.empty() ? PutQueue(queue) : error;
+}
+
+// ---- Modify
+
+static std::string FinishModify(const Queue &queue, const Queue &old, Place place) {
+    std::string before = RecordsDefault(), banner = RecordsBanner();
+    RecordsPut(queue);
+    std::string error = PrepareChange();
+    if (!error.empty()) return error;
+    if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner));
+    bool flModified = error.empty();
+    if (error.empty()) error = FollowDefault(before, RecordsDefault());
+    if (error.empty()) error = CommitChange();
+    if (error.empty()) return "";
+    if (flModified && place == PLACE_CUPS) {
+        CupsModify(old, TitlesOf(old, banner));
+        FollowDefault(RecordsDefault(), before);
+    }
+    DropChange();
+    return "queue \"" + queue.name + "\" not changed: " + error;
+}
+
+static std::string ModifyQueue(const Options &options) {
+    const std::string &name = options.queues.front();
+    Queue queue, old, given;
+    std::string error = CheckHostQueueName(name);
+    if (error.empty()) error = ReadSettings(options, given);
+    if (error.empty()) error = ReadBanner(options, given.banner);
+    if (error.empty()) error = BeginChange();
+    if (!error.empty()) return error;
+    Place place = HostFind(TheHost, name);
+    if (place == PLACE_UNKNOWN) return TheHost.error;
+    if (place == PLACE_NONE) return "queue \"" + name + "\" does not exist";
+    if (!RecordsRead(name, old)) return "queue \"" + name + "\" has no record; add it anew";
+    if (!IsSound(old)) return "the record of queue \"" + name + "\" is damaged; add it anew";
+    queue = old;
+    queue.flBanner = options.flBanner;
+    queue.flFeatures = options.flFeatures;
+    queue.flUserInterface = options.flUserInterface;
+    queue.flDefault = options.flDefault;
+    if (!options.settings.empty()) queue.settings = given.settings;
+    // The caller always tells the queue's own titles: without them it takes the system's.
+    queue.banner = given.banner;
+    return FinishModify(queue, old, place);
+}
+
+// ---- Delete
+
+static std::string CheckDeletion(const std::vector<std::string> &names) {
+    for (const std::string &name : names) {
+        std::string error = CheckHostQueueName(name);
+        if (!error.empty()) return error;
+        if (HostFind(TheHost, name) == PLACE_UNKNOWN) return TheHost.error;
+    }
+    return "";
+}
+
+// Removes the host's part of each queue; those that it keeps come back.
+static std::vector<std::string> DeleteFromHost(const std::vector<std::string> &names) {
+    std::vector<std::string> kept;
+    for (const std::string &name : names) {
+        if (HostFind(TheHost, name) != PLACE_CUPS) continue;
+        std::string error = CupsDelete(name);
+        if (error.empty()) continue;
+        Tell("queue \"" + name + "\" not removed: " + error);
+        kept.push_back(name);
+    }
+    return kept;
+}
+
+static void EditDeletion(const std::vector<std::string> &names, const std::vector<std::string> &kept) {
+    for (const std::string &name : names) {
+        if (std::find(kept.begin(), kept.end(), name) != kept.end()) continue;
+        RecordsDelete(name);
+        FileStoreDelete(name);
+    }
+}
+
+static std::string DeleteQueues(const std::vector<std::string> &names) {
+    std::vector<std::string> places;
+    bool flFailed = false;
+    for (const std::string &name : names) {
+        bool flThere = HostFind(TheHost, name) != PLACE_NONE || RecordsHave(name);
+        if (flThere)
+            places.push_back(name);
+        else
+            flFailed |= Tell("queue \"" + name + "\" does not exist") != 0;
+    }
+    // The host's list is asked before the lines go, so the names keep their place.
+    std::vector<std::string> hosted;
+    for (const std::string &name : places)
+        if (HostFind(TheHost, name) == PLACE_CUPS) hosted.push_back(name);
+    EditDeletion(places, {});
+    std::string error = places.empty() ? "" : PrepareChange();
+    if (!error.empty()) return error;
+    std::vector<std::string> kept = DeleteFromHost(hosted);
+    if (!kept.empty()) {
+        // The records of queues that are still there must stay.
+        error = RecordsOpen();
+        EditDeletion(places, kept);
+        if (error.empty()) error = RecordsPrepare();
+    }
+    if (error.empty() && !places.empty()) error = CommitChange();
+    return !error.empty() || (!flFailed && kept.empty()) ? error : "not all queues were removed";
+}
+
+static std::string DeleteNamed(const Options &options) {
+    std::vector<std::string> names;
+    for (const std::string &name : options.queues)
+        if (std::find(names.begin(), names.end(), name) == names.end()) names.push_back(name);
+    std::string error = BeginChange();
+    if (error.empty()) error = CheckDeletion(names);
+    return error.empty() ? DeleteQueues(names) : error;
+}
+
+static std::string DeleteAll() {
+    std::string error = BeginChange();
+    if (!error.empty()) return error;
+    if (TheHost.state == CUPS_DOWN && !TheHost.flStandAlone) return TheHost.error;
+    std::vector<std::string> names = HostQueues(TheHost);
+    if (TheHost.state != CUPS_DOWN)
+        for (const std::string &name : RecordsQueues())
+            if (HostFind(TheHost, name) == PLACE_NONE) names.push_back(name);
+    return DeleteQueues(names);
+}
+
+// ---- Default banner
+
+// Queues of the scheduler that print the system's titles.
+static std::vector<Queue> QueuesWithSystemBanner() {
+    std::vector<Queue> queues;
+    for (const std::string &name : RecordsQueues()) {
+        Queue queue;
+        if (RecordsRead(name, queue) && queue.flBanner && queue.banner.empty() &&
+            HostFind(TheHost, name) != PLACE_FILE && HostFind(TheHost, name) != PLACE_NONE)
+            queues.push_back(queue);
+    }
+    return queues;
+}
+
+static std::string ShowBanner(const std::vector<Queue> &queues, const std::string &banner) {
+    for (const Queue &queue : queues) {
+        std::string error = CupsSetBanner(queue, ReadTitles(banner));
+        if (!error.empty()) return error;
+    }
+    return "";
+}
+
+static std::string SetSystemBanner(const std::string &banner) {
+    std::string error = BeginChange();
+    if (!error.empty()) return error;
+    std::string before = RecordsBanner();
+    std::vector<Queue> queues = QueuesWithSystemBanner();
+    if (!queues.empty() && TheHost.state == CUPS_DOWN) return TheHost.error;
+    RecordsSetBanner(banner);
+    error = PrepareChange();
+    if (!error.empty()) return error;
+    error = ShowBanner(queues, banner);
+    if (error.empty()) error = CommitChange();
+    if (error.empty()) return "";
+    ShowBanner(queues, before);
+    DropChange();
+    return error;
+}
+
+static std::string SetBanner(const Options &options) {
+    std::string banner, error = ReadBanner(options, banner);
+    return error.empty() ? SetSystemBanner(banner) : error;
+}
+
+// ---- List
+
+static std::string ListQueues() {
+    std::string error = HostOpen(TheHost);
+    for (const std::string &name : HostQueues(TheHost)) printf("%s:\n", name.c_str());
+    if (error.empty() && TheHost.state == CUPS_DOWN && !TheHost.flStandAlone) error = TheHost.error;
+    return error;
+}
+
+int RunCommand(const Options &options) {
+    switch (options.command) { // ORDER Command
+    case COMMAND_ADD: return Tell(AddQueue(options));
+    case COMMAND_COPY: return Tell(CopyQueue(options));
+    case COMMAND_MODIFY: return Tell(ModifyQueue(options));
+    case COMMAND_DELETE: return Tell(DeleteNamed(options));
+    case COMMAND_DELETE_ALL: return Tell(DeleteAll());
+    case COMMAND_SET_BANNER: return Tell(SetBanner(options));
+    case COMMAND_CLEAR_BANNER: return Tell(SetSystemBanner(""));
+    case COMMAND_LIST: return Tell(ListQueues());
+    case COMMAND_HELP:
+    case COMMAND_VERSION:
+    case COMMAND_COUNT: break;
+    }
+    return 1;
+}

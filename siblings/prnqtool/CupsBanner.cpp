@@ -1,0 +1,167 @@
+// The banner template, how it gets to the scheduler, and the coding of its titles.
+#include "siblings/prnqtool/CupsBanner.h"
+
+#include "siblings/prnqtool/Child.h"
+#include "siblings/prnqtool/Files.h"
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <sys/stat.h>
+#include <tuple>
+#include <unistd.h>
+
+enum { RELOAD_POLLS = 100, RELOAD_POLL_NS = 20000000, PID_FILE_MAX = 32, COMM_MAX = 64 };
+
+static const char DataDirectory[] = "/usr/share/cups";
+static const char SocketPath[] = "/run/cups/cups.sock";
+
+// The scheduler puts a job's values for {name}, escaped for PostScript; {?name} may be absent. An empty size
+// leaves the 0, an empty title no line.
+static const char Template[] = R"(%!PS-Adobe-3.0
+%%Title: Banner page of a print queue
+%%Pages: 1
+%%BoundingBox: 0 0 595 842
+%%EndComments
+%%Page: 1 1
+/Row 620 def
+/Centered {
+  /Points exch def /Text exch def
+  Text length 0 gt {
+    /Helvetica-Bold findfont Points scalefont setfont
+    Text dup stringwidth pop 2 div 297 exch sub Row moveto show
+    /Row Row Points 1.6 mul sub def
+  } if
+} bind def
+({?prnq-ha}) 0{?prnq-sa} Centered
+({?prnq-hb}) 0{?prnq-sb} Centered
+({?prnq-hc}) 0{?prnq-sc} Centered
+({job-originating-user-name}  {printer-name}-{job-id}  {?job-name}) 14 Centered
+showpage
+%%Trailer
+%%EOF
+)";
+
+static std::string DataPath() {
+    const char *data = getenv("PRNQ_DATADIR");
+    return data && *data == '/' ? data : DataDirectory;
+}
+
+static std::string Socket() {
+    const char *server = getenv("CUPS_SERVER");
+    return server ? server : SocketPath;
+}
+
+// The scheduler's number stands beside its socket; 0 for none, or if the number is some other process's by
+// now.
+static pid_t SchedulerPid() {
+    std::string socket = Socket(), text, name;
+    if (socket.front() != '/') return 0;
+    if (!ReadWholeFile(socket.substr(0, socket.rfind('/')) + "/cupsd.pid", PID_FILE_MAX, text).empty())
+        return 0;
+    int pid = atoi(text.c_str());
+    if (pid <= 1 || !ReadWholeFile("/proc/" + std::to_string(pid) + "/comm", COMM_MAX, name).empty())
+        return 0;
+    return name == "cupsd\n" ? pid : 0;
+}
+
+static bool IsIdle() {
+    Ran ran = RunChild({"lpstat", "-o"});
+    return ran.flStarted && !ran.flTimedOut && ran.status == 0 && ran.output.empty();
+}
+
+// The scheduler makes its socket anew whenever it reads its files, so a banner older than the socket is known
+// to it.
+static bool IsKnown(const std::string &banner) {
+    struct stat socket, file;
+    if (stat(banner.c_str(), &file) || stat(Socket().c_str(), &socket)) return false;
+    return std::tie(file.st_ctim.tv_sec, file.st_ctim.tv_nsec) <
+           std::tie(socket.st_ctim.tv_sec, socket.st_ctim.tv_nsec);
+}
+
+// Where the socket belongs to the host's service manager it stays; then the answer is all there is to wait
+// for.
+static bool Reload(pid_t pid, const std::string &banner) {
+    struct timespec pause = {0, RELOAD_POLL_NS};
+    if (kill(pid, SIGHUP)) return false;
+    for (int poll = 0; poll < RELOAD_POLLS && !IsKnown(banner); poll++) nanosleep(&pause, nullptr);
+    for (int poll = 0; poll < RELOAD_POLLS; poll++) {
+        Ran ran = RunChild({"lpstat", "-r"});
+        if (ran.status == 0 && ran.output.find("is running") != ran.output.npos) return true;
+        if (ran.flTimedOut) return false;
+        nanosleep(&pause, nullptr);
+    }
+    return false;
+}
+
+// The new file is written beside the directory of banners, not in it: the scheduler takes every name there
+// for one.
+static std::string WriteTemplate(const std::string &path) {
+    std::string beside = DataPath() + "/.prnq";
+    if (mkdir((DataPath() + "/banners").c_str(), 0755) && errno != EEXIST)
+        return "can't make " + DataPath() + "/banners";
+    std::string error = PrepareFile(beside, Template, 0644);
+    if (!error.empty()) return error;
+    if (!rename((beside + "_new").c_str(), path.c_str())) return "";
+    DropFile(beside);
+    return "can't write " + path;
+}
+
+static std::string InstallBanner() {
+    std::string path = DataPath() + "/banners/prnq", error;
+    bool flThere = !access(path.c_str(), R_OK);
+    if (flThere && IsKnown(path)) return "";
+    pid_t pid = SchedulerPid();
+    if (!pid) return "the scheduler's process isn't known";
+    if (!IsIdle()) return "jobs are waiting";
+    if (!flThere) error = WriteTemplate(path);
+    if (!error.empty()) return error;
+    // A queue that asks for an unknown banner would refuse every job.
+    return Reload(pid, path) ? "" : "the scheduler doesn't read its files again";
+}
+
+bool CupsBannerReady() {
+    static int state = -1;
+    if (state >= 0) return state;
+    std::string error = InstallBanner();
+    state = error.empty();
+    if (!state) {
+        std::string text = "warning: no banner page yet, its file can't be installed: " + error;
+        fprintf(stderr, "prnqtool: %s\n", text.c_str());
+        PutLog(text);
+    }
+    return state;
+}
+
+// Bytes of the UTF-8 character at the start of the text, or 0 for a byte that begins none.
+static size_t Utf8Length(std::string_view text) {
+    unsigned char lead = (unsigned char)text.front();
+    size_t length = lead < 0x80 ? 1 : lead >= 0xc2 && lead < 0xe0 ? 2 : (lead & 0xf0) == 0xe0 ? 3 : 0;
+    if (lead >= 0xf0 && lead < 0xf5) length = 4;
+    if (!length || length > text.size()) return 0;
+    for (size_t at = 1; at < length; at++)
+        if (((unsigned char)text[at] & 0xc0) != 0x80) return 0;
+    unsigned char second = length > 2 ? (unsigned char)text[1] : 0x90;
+    bool flOdd = (lead == 0xe0 && second < 0xa0) || (lead == 0xed && second > 0x9f) ||
+                 (lead == 0xf0 && second < 0x90) || (lead == 0xf4 && second > 0x8f);
+    return flOdd ? 0 : length;
+}
+
+std::string CupsText(std::string_view text, size_t limit) {
+    std::string clean;
+    while (!text.empty()) {
+        size_t length = Utf8Length(text);
+        unsigned char lead = (unsigned char)text.front();
+        std::string character(text.substr(0, length));
+        if (length == 1 && (lead < ' ' || lead == 127)) character = " ";
+        // A byte that is no UTF-8 was typed in a single-byte locale.
+        if (!length) character = {(char)(0xc0 | lead >> 6), (char)(0x80 | (lead & 0x3f))};
+        if (clean.size() + character.size() > limit) break;
+        clean += character;
+        text.remove_prefix(length ? length : 1);
+    }
+    return clean;
+}

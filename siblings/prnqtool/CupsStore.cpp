@@ -1,0 +1,189 @@
+// CUPS by lpadmin and lpstat: each change of a queue is one request to the scheduler, so that it is whole or
+// not at all.
+#include "siblings/prnqtool/CupsStore.h"
+
+#include "common/utils.h"
+#include "siblings/prnqtool/Child.h"
+#include "siblings/prnqtool/CupsBanner.h"
+#include "siblings/prnqtool/Files.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+enum { PPD_MAX = 4 * 1024 * 1024, TITLE_MAX = 240 }; // a name at the scheduler holds 255 bytes
+
+using Words = std::vector<std::string>;
+
+static const char ProbeQueue[] = "_prnq_probe";
+static const char NoDefaultQueue[] = "_prnq_nodef";
+static const char BannerLetters[] = "abc"; // the scheduler's templates take no digit in a name
+
+static std::string RunAdmin(Words words) {
+    words.insert(words.begin(), "lpadmin");
+    Ran ran = RunChild(words);
+    return ran.flStarted && !ran.flTimedOut && ran.status == 0 ? "" : ComplaintOf(ran);
+}
+
+// ---- Lists
+
+static CupsState WithoutAnswer(const Ran &ran, std::string &error) {
+    bool flInstalled = !FindProgram("cupsd").empty() || getenv("CUPS_SERVER");
+    error = ran.flTimedOut ? ComplaintOf(ran) : "the scheduler isn't running";
+    return flInstalled || ran.flTimedOut ? CUPS_DOWN : CUPS_ABSENT;
+}
+
+CupsState CupsList(Words &queues, Words &leftovers, std::string &error) {
+    if (FindProgram("lpadmin").empty()) return CUPS_ABSENT;
+    Ran ran = RunChild({"lpstat", "-a"});
+    bool flNone = ran.status == 1 && ran.errors.find("No destinations added") != ran.errors.npos;
+    if (!ran.flStarted || ran.flTimedOut || (ran.status && !flNone)) return WithoutAnswer(ran, error);
+    for (size_t at = 0; at < ran.output.size();) {
+        size_t end = std::min(ran.output.find('\n', at), ran.output.size());
+        std::string name = ran.output.substr(at, ran.output.find_first_of(" \t\n", at) - at);
+        // A line led by a blank goes on about the queue of the line before.
+        if (name == ProbeQueue || name == NoDefaultQueue)
+            leftovers.push_back(name);
+        else if (!name.empty())
+            queues.push_back(name);
+        at = end + 1;
+    }
+    return CUPS_UP;
+}
+
+// ---- Words of one lpadmin call
+
+// One option; in double quotes, so that no byte of the value can end it or begin another.
+static void AddOption(Words &words, const std::string &option, const std::string &value) {
+    std::string quoted;
+    for (char byte : value) {
+        if (byte == '"' || byte == '\\') quoted += '\\';
+        quoted += (unsigned char)byte < ' ' || byte == 127 ? ' ' : byte;
+    }
+    words.insert(words.end(), {"-o", option + "=\"" + quoted + "\""});
+}
+
+// All in one request, and an absent title as an empty one: to remove an option is a request of its own, which
+// would also make a queue of an unknown name.
+static void AddBanner(Words &words, const Queue &queue, const Titles &titles) {
+    bool flBanner = queue.flBanner && CupsBannerReady();
+    words.insert(words.end(),
+                 {"-o", flBanner ? "job-sheets-default=prnq,none" : "job-sheets-default=none,none"});
+    for (size_t row = 0; row < titles.size(); row++) {
+        bool flTitle = flBanner && !titles[row].text.empty();
+        std::string letter(1, BannerLetters[row]);
+        AddOption(words, "prnq-h" + letter + "-default",
+                  flTitle ? CupsText(titles[row].text, TITLE_MAX) : "");
+        AddOption(words, "prnq-s" + letter + "-default", flTitle ? std::to_string(titles[row].size) : "");
+    }
+}
+
+static std::string PpdPath(const Queue &queue) {
+    return std::string(pToolPath) + "/ppd/" + queue.ppd;
+}
+
+static void AddPpd(Words &words, const Queue &queue) {
+    std::string ppdText;
+    words.insert(words.end(), {"-P", PpdPath(queue)});
+    if (!queue.flFeatures || !ReadWholeFile(PpdPath(queue), PPD_MAX, ppdText).empty()) return;
+    for (const std::string &setting : OfferedSettings(queue.settings, ppdText))
+        words.insert(words.end(), {"-o", setting});
+}
+
+// The model's name as the list of printers shows it.
+static std::string ModelOf(const Queue &queue) {
+    std::string ppdText, model;
+    if (ReadWholeFile(PpdPath(queue), PPD_MAX, ppdText).empty()) model = PpdText(ppdText, "ModelName");
+    return CupsText(model.empty() ? queue.ppd : model, 127);
+}
+
+static Words TargetWords(const Queue &queue, const std::string &name) {
+    std::string uri = QueueUri(queue);
+    // The backends would else ask the printer by SNMP for its supplies, which holds up each job for seconds.
+    if (!IsDeviceType(queue.type)) uri += uri.starts_with("socket:") ? "/?snmp=false" : "?snmp=false";
+    return {"-p", name,
+            "-v", uri,
+            "-D", ModelOf(queue),
+            "-L", CupsText(queue.printer, 255),
+            "-o", "printer-is-shared=false",
+            "-o", "printer-error-policy=retry-job"};
+}
+
+static Words PutWords(const Queue &queue, const std::string &name, const Titles &titles, bool flPpd) {
+    Words words = TargetWords(queue, name);
+    if (flPpd) AddPpd(words, queue);
+    AddBanner(words, queue, titles);
+    return words;
+}
+
+static bool IsPpdComplaint(const std::string &error) {
+    return error.find("PPD") != error.npos;
+}
+
+static void WarnWithoutPpd(const Queue &queue, const std::string &error) {
+    std::string text = "warning: queue \"" + queue.name + "\" goes without its PPD file: " + error;
+    fprintf(stderr, "prnqtool: %s\n", text.c_str());
+    PutLog(text);
+}
+
+// ---- Operations
+
+std::string CupsAdd(const Queue &queue, const Titles &titles) {
+    Words words = PutWords(queue, queue.name, titles, true);
+    words.push_back("-E"); // last: in front it means encryption
+    std::string error = RunAdmin(words);
+    if (IsPpdComplaint(error)) {
+        WarnWithoutPpd(queue, error);
+        words = PutWords(queue, queue.name, titles, false);
+        words.push_back("-E");
+        error = RunAdmin(words);
+    }
+    if (!error.empty()) CupsDelete(queue.name);
+    return error;
+}
+
+std::string CupsReplace(const Queue &queue, const Titles &titles, bool &flTouched) {
+    std::string error = RunAdmin(PutWords(queue, ProbeQueue, titles, true));
+    CupsDelete(ProbeQueue);
+    if (!error.empty()) return error;
+    Words words = PutWords(queue, queue.name, titles, true);
+    words.insert(words.end(), {"-u", "allow:all", "-E"});
+    flTouched = true;
+    return RunAdmin(words);
+}
+
+std::string CupsModify(const Queue &queue, const Titles &titles) {
+    Words words = {"-p", queue.name}, plain = words;
+    // The whole PPD file again: a setting that is no longer told goes back to the model's own.
+    if (!access(PpdPath(queue).c_str(), R_OK)) AddPpd(words, queue);
+    AddBanner(words, queue, titles);
+    std::string error = RunAdmin(words);
+    if (!IsPpdComplaint(error)) return error;
+    WarnWithoutPpd(queue, error);
+    AddBanner(plain, queue, titles);
+    return RunAdmin(plain);
+}
+
+std::string CupsSetBanner(const Queue &queue, const Titles &titles) {
+    Words words = {"-p", queue.name};
+    AddBanner(words, queue, titles);
+    return RunAdmin(words);
+}
+
+std::string CupsDelete(const std::string &name) {
+    return RunAdmin({"-x", name});
+}
+
+std::string CupsSetDefault(const std::string &name) {
+    return RunAdmin({"-d", name});
+}
+
+// No command clears the default, but a default queue that is deleted takes it along.
+std::string CupsClearDefault() {
+    std::string error = RunAdmin({"-p", NoDefaultQueue, "-v", "file:/dev/null"});
+    if (error.empty()) error = CupsSetDefault(NoDefaultQueue);
+    std::string left = CupsDelete(NoDefaultQueue);
+    return error.empty() ? left : error;
+}

@@ -1,0 +1,92 @@
+// The lines of "db/hostq".
+#include "siblings/prnqtool/FileStore.h"
+
+#include "common/utils.h"
+#include "siblings/prnqtool/Files.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+#include <unistd.h>
+
+enum { HOSTQ_MAX = 4 * 1024 * 1024, HOSTQ_MODE = 0644 };
+
+static const char HostQueues[] = "db/hostq";
+static const char SpoolRoot[] = "/var/spool/Tarvo";
+
+static std::vector<std::string> Lines; // without their newline
+static std::string Loaded;             // the file as it was read
+
+static std::string Joined() {
+    std::string text;
+    for (const std::string &line : Lines) text += line + "\n";
+    return text;
+}
+
+static std::string NameOf(const std::string &line) {
+    return line.substr(0, line.find(':'));
+}
+
+std::string FileStoreOpen() {
+    Lines.clear();
+    Loaded.clear();
+    if (access(HostQueues, F_OK)) return "";
+    std::string error = ReadWholeFile(HostQueues, HOSTQ_MAX, Loaded);
+    for (size_t at = 0; at < Loaded.size();) {
+        size_t end = std::min(Loaded.find('\n', at), Loaded.size());
+        std::string line = Loaded.substr(at, end - at);
+        if (CheckHostQueueName(NameOf(line)).empty()) Lines.push_back(line);
+        at = end + 1;
+    }
+    Loaded = Joined();
+    return error;
+}
+
+std::vector<std::string> FileStoreQueues() {
+    std::vector<std::string> names;
+    for (const std::string &line : Lines) names.push_back(NameOf(line));
+    return names;
+}
+
+static std::vector<std::string>::iterator FindLine(const std::string &name) {
+    return std::find_if(Lines.begin(), Lines.end(),
+                        [&](const std::string &line) { return NameOf(line) == name; });
+}
+
+bool FileStoreHas(const std::string &name) {
+    return FindLine(name) != Lines.end();
+}
+
+// Queues of one printer share a spool directory, as the whole family of tools finds it.
+static std::string SpoolDirectory(const Queue &queue) {
+    const char *root = getenv("PRNQ_SPOOL");
+    const char *tool = strrchr(pToolPath, '/');
+    return std::string(root && *root == '/' ? root : SpoolRoot) + "/" + (tool ? tool + 1 : pToolPath) + "/" +
+           queue.printer;
+}
+
+void FileStorePut(const Queue &queue) {
+    std::string line = queue.name + ": " + QueueUri(queue) + " " + SpoolDirectory(queue);
+    auto found = FindLine(queue.name);
+    if (found == Lines.end())
+        Lines.push_back(line);
+    else
+        *found = line;
+}
+
+void FileStoreDelete(const std::string &name) {
+    auto found = FindLine(name);
+    if (found != Lines.end()) Lines.erase(found);
+}
+
+std::string FileStorePrepare() {
+    return Joined() == Loaded ? "" : PrepareFile(HostQueues, Joined(), HOSTQ_MODE);
+}
+
+std::string FileStoreCommit() {
+    return Joined() == Loaded ? "" : CommitFile(HostQueues);
+}
+
+void FileStoreDrop() {
+    if (Joined() != Loaded) DropFile(HostQueues);
+}

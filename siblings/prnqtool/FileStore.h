@@ -1,0 +1,22 @@
+// The queue store of a host without a print system: the text file "db/hostq", a line "NAME: URI SPOOLDIR" a
+// queue.
+//
+// It is edited in memory, then written and put in place in two steps, as the records are.
+#pragma once
+
+#include "siblings/prnqtool/Queue.h"
+
+#include <string>
+#include <vector>
+
+// Loads the file; a missing one is empty. Answers an empty text, or what is wrong.
+std::string FileStoreOpen();
+std::vector<std::string> FileStoreQueues(); // in the order of the file
+bool FileStoreHas(const std::string &name);
+void FileStorePut(const Queue &queue); // adds the queue or changes its line in place
+void FileStoreDelete(const std::string &name);
+
+// Both do nothing if no line changed since FileStoreOpen.
+std::string FileStorePrepare();
+std::string FileStoreCommit();
+void FileStoreDrop();

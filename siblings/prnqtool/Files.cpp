@@ -1,0 +1,91 @@
+// Whole-file reads and replacements, and the lock of a change.
+#include "siblings/prnqtool/Files.h"
+
+#include <cerrno>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/file.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+enum { LOCK_POLL_NS = 20000000 };
+
+static std::string Failed(const char *what, const std::string &path) {
+    return std::string("can't ") + what + " " + path + ": " + strerror(errno);
+}
+
+static bool ReadAll(int file, size_t limit, std::string &content) {
+    char buffer[8192];
+    ssize_t count;
+    content.clear();
+    while ((count = read(file, buffer, sizeof buffer)) > 0) {
+        content.append(buffer, (size_t)count);
+        if (content.size() > limit) {
+            errno = EFBIG;
+            return false;
+        }
+    }
+    return count == 0;
+}
+
+std::string ReadWholeFile(const std::string &path, size_t limit, std::string &content) {
+    struct stat status;
+    int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (file < 0) return Failed("open", path);
+    std::string error;
+    if (fstat(file, &status) || !S_ISREG(status.st_mode))
+        error = path + " is no regular file";
+    else if (!ReadAll(file, limit, content))
+        error = Failed("read", path);
+    close(file);
+    return error;
+}
+
+static bool WriteAll(int file, std::string_view content) {
+    while (!content.empty()) {
+        ssize_t count = write(file, content.data(), content.size());
+        if (count < 0 && errno == EINTR) continue;
+        if (count <= 0) return false;
+        content.remove_prefix((size_t)count);
+    }
+    return true;
+}
+
+std::string PrepareFile(const std::string &path, std::string_view content, unsigned mode) {
+    std::string name = path + "_new", error;
+    unlink(name.c_str());
+    int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
+    if (file < 0) return Failed("write", name);
+    // fchmod: the mode is meant as told, whatever the caller's umask.
+    bool flWritten = WriteAll(file, content) && !fchmod(file, mode) && !fsync(file);
+    if (!flWritten) error = Failed("write", name);
+    if (close(file) && flWritten) error = Failed("write", name);
+    if (!error.empty()) unlink(name.c_str());
+    return error;
+}
+
+std::string CommitFile(const std::string &path) {
+    if (!rename((path + "_new").c_str(), path.c_str())) return "";
+    std::string error = Failed("replace", path);
+    DropFile(path);
+    return error;
+}
+
+void DropFile(const std::string &path) {
+    unlink((path + "_new").c_str());
+}
+
+std::string TakeLock(const char *path, int seconds) {
+    // Only root and the owner may open it: anybody else who could would hold up every change.
+    int file = open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
+    if (file < 0) return Failed("write", path);
+    struct timespec pause = {0, LOCK_POLL_NS};
+    time_t end = time(nullptr) + seconds;
+    while (flock(file, LOCK_EX | LOCK_NB)) {
+        if (errno != EWOULDBLOCK && errno != EINTR) return Failed("lock", path);
+        if (time(nullptr) > end) return "another queue change is still under way";
+        nanosleep(&pause, nullptr);
+    }
+    return ""; // the descriptor stays open on purpose: the lock ends with the process
+}

@@ -1,0 +1,28 @@
+// The host's queues as a whole: those of the print system and those of the tool's own store.
+#pragma once
+
+#include "siblings/prnqtool/CupsStore.h"
+
+#include <string>
+#include <vector>
+
+enum Place {
+    PLACE_NONE,    // the host answered, and doesn't know the queue
+    PLACE_FILE,    // the tool's own store
+    PLACE_CUPS,    // the host's scheduler
+    PLACE_UNKNOWN, // the scheduler doesn't answer: the queue may be there or not
+};
+
+struct Host {
+    CupsState state = CUPS_ABSENT;
+    std::vector<std::string> queues, leftovers; // of CUPS
+    std::string error;                          // why CUPS is down
+    bool flStandAlone = false;                  // the marker file says that queues are the tool's own
+};
+
+// Reads both lists. Answers an empty text, or what is wrong. A scheduler that is down is no error here.
+std::string HostOpen(Host &host);
+std::vector<std::string> HostQueues(const Host &host);
+Place HostFind(const Host &host, const std::string &name);
+// Where a new queue goes; PLACE_UNKNOWN with the reason in error.
+Place HostChoose(const Host &host, std::string &error);

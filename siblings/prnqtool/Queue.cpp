@@ -1,0 +1,223 @@
+// Rules for queue values, the device URI, banner titles and the options that a PPD file offers.
+#include "siblings/prnqtool/Queue.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <sys/stat.h>
+
+enum { PORT_MAX = 65535, BANNER_SIZE_MAX = 400 };
+
+static const char ReservedPrefix[] = "_prnq_";
+
+static bool IsWordByte(char byte) {
+    return isalnum((unsigned char)byte) && (unsigned char)byte < 128;
+}
+
+static bool HasOnly(std::string_view text, std::string_view others) {
+    return std::all_of(text.begin(), text.end(),
+                       [=](char byte) { return IsWordByte(byte) || others.find(byte) != others.npos; });
+}
+
+static std::string Wrong(const char *what, std::string_view value, const char *why) {
+    return std::string(what) + " \"" + std::string(value.substr(0, 80)) + "\" " + why;
+}
+
+std::string CheckQueueName(std::string_view name) {
+    if (name.empty()) return "the queue name is empty";
+    if (name.size() > QUEUE_NAME_MAX) return Wrong("queue name", name, "has more than 14 characters");
+    if (name.front() == '-' || !HasOnly(name, "_-"))
+        return Wrong("queue name", name,
+                     "may hold letters, digits, \"_\" and \"-\" only, and no \"-\" first");
+    if (name.starts_with(ReservedPrefix)) return Wrong("queue name", name, "is kept for the tool itself");
+    return "";
+}
+
+std::string CheckHostQueueName(std::string_view name) {
+    bool flPlain = !name.empty() && name.size() <= 127 && name.front() != '-' &&
+                   std::all_of(name.begin(), name.end(), [](char byte) {
+                       return (unsigned char)byte > ' ' && byte != '/' && byte != 127;
+                   });
+    return flPlain ? "" : Wrong("queue name", name, "can't be the name of a queue");
+}
+
+bool DiffersByCase(std::string_view left, std::string_view right) {
+    return left != right && left.size() == right.size() &&
+           std::equal(left.begin(), left.end(), right.begin(),
+                      [](char l, char r) { return tolower((unsigned char)l) == tolower((unsigned char)r); });
+}
+
+bool IsDeviceType(int type) {
+    return type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE;
+}
+
+// HOST, HOST:PORT, an IPv6 address, or [ADDRESS]:PORT; port stays empty where none is told.
+static bool SplitHost(std::string_view host, std::string &name, std::string &port) {
+    size_t colons = (size_t)std::count(host.begin(), host.end(), ':');
+    if (host.starts_with("[")) {
+        size_t end = host.find(']');
+        if (end == host.npos) return false;
+        name = host.substr(0, end + 1);
+        host.remove_prefix(end + 1);
+        if (!host.empty() && host.front() != ':') return false;
+        port = host.empty() ? "" : host.substr(1);
+        return host.empty() || !port.empty();
+    }
+    if (colons > 1) {
+        name = "[" + std::string(host) + "]";
+        return true;
+    }
+    name = host.substr(0, host.find(':'));
+    port = colons ? host.substr(host.find(':') + 1) : "";
+    return !name.empty() && (!colons || !port.empty());
+}
+
+static bool IsPort(const std::string &port) {
+    bool flDigits = !port.empty() && port.size() <= 5 && port.find_first_not_of("0123456789") == port.npos;
+    return flDigits && atoi(port.c_str()) >= 1 && atoi(port.c_str()) <= PORT_MAX;
+}
+
+static std::string CheckHost(const std::string &host) {
+    std::string name, port;
+    if (host.empty()) return "the host name is empty";
+    if (host.size() > QUEUE_PRINTER_MAX) return Wrong("host name", host, "has more than 255 characters");
+    if (host == "0.0.0.0" || host == "255.255.255.255") return Wrong("host", host, "is no printer's address");
+    if (!SplitHost(host, name, port)) return Wrong("host name", host, "can't be read");
+    bool flBrackets = name.front() == '[';
+    std::string_view inside =
+        flBrackets ? std::string_view(name).substr(1, name.size() - 2) : std::string_view(name);
+    if (inside.empty() || inside.front() == '-' || !HasOnly(inside, flBrackets ? ":." : "._-"))
+        return Wrong("host name", host, "holds a character that no host name has");
+    if (!port.empty() && !IsPort(port)) return Wrong("host name", host, "has no port from 1 to 65535");
+    return "";
+}
+
+// A plain file as a "device" would be overwritten with print data; a path that isn't there yet may be plugged
+// in later.
+static std::string CheckDevice(const std::string &device) {
+    struct stat status;
+    if (device.empty()) return "the device name is empty";
+    if (device.size() > QUEUE_PRINTER_MAX) return Wrong("device", device, "has more than 255 characters");
+    if (device.front() != '/') return Wrong("device", device, "is no absolute path");
+    for (char byte : device)
+        if ((unsigned char)byte <= ' ' || byte == 127) return Wrong("device", device, "holds a blank");
+    if (("/" + device + "/").find("/../") != std::string::npos)
+        return Wrong("device", device, "leads through \"..\"");
+    if (!stat(device.c_str(), &status) && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)))
+        return Wrong("device", device, "is a file or directory, no device");
+    return "";
+}
+
+static std::string CheckPpdName(const std::string &ppd) {
+    if (ppd.empty()) return "the PPD file name is empty";
+    if (ppd.size() > QUEUE_PPD_MAX) return Wrong("PPD file name", ppd, "has more than 41 characters");
+    for (char byte : ppd)
+        if ((unsigned char)byte <= ' ' || byte == '/' || byte == 127)
+            return Wrong("PPD file name", ppd, "must be a file name in \"ppd\", without a blank");
+    return ppd == "." || ppd == ".." ? Wrong("PPD file name", ppd, "is a directory") : "";
+}
+
+std::string CheckQueueTarget(const Queue &queue) {
+    if (queue.type < QUEUE_PRINTER_HOST || queue.type > QUEUE_SERVER_DEVICE)
+        return "the queue type is unknown";
+    std::string error = IsDeviceType(queue.type) ? CheckDevice(queue.printer) : CheckHost(queue.printer);
+    if (!error.empty()) return error;
+    if (queue.remote.empty()) return "the name at the print server is empty";
+    if (queue.remote.size() > QUEUE_REMOTE_MAX)
+        return Wrong("print server queue", queue.remote, "has more than 14 characters");
+    if (queue.remote.front() == '-' || queue.remote.front() == '.' || !HasOnly(queue.remote, "_-."))
+        return Wrong("print server queue", queue.remote,
+                     "may hold letters, digits, \"_\", \"-\" and \".\" only");
+    return CheckPpdName(queue.ppd);
+}
+
+static std::string EscapeUri(std::string_view path) {
+    static const char Digits[] = "0123456789ABCDEF";
+    std::string escaped;
+    for (char byte : path) {
+        if (IsWordByte(byte) || strchr("/._-~", byte)) {
+            escaped += byte;
+            continue;
+        }
+        escaped += '%';
+        escaped += Digits[(unsigned char)byte >> 4];
+        escaped += Digits[(unsigned char)byte & 15];
+    }
+    return escaped;
+}
+
+std::string QueueUri(const Queue &queue) {
+    if (IsDeviceType(queue.type)) {
+        bool flSerial = queue.printer.starts_with("/dev/tty");
+        return (flSerial ? "serial:" : "parallel:") + EscapeUri(queue.printer) +
+               (flSerial ? "?baud=9600" : "");
+    }
+    std::string name, port;
+    SplitHost(queue.printer, name, port);
+    if (queue.type == QUEUE_SERVER || (queue.type == QUEUE_PRINTER_HOST && queue.flLpd))
+        return "lpd://" + name + (port.empty() ? "" : ":" + port) + "/" + EscapeUri(queue.remote);
+    return "socket://" + name + ":" + (port.empty() ? "9100" : port);
+}
+
+// The next line of a text, which loses it.
+static std::string_view CutLine(std::string_view &text) {
+    std::string_view line = text.substr(0, text.find('\n'));
+    text.remove_prefix(std::min(text.size(), line.size() + 1));
+    return line.ends_with('\r') ? line.substr(0, line.size() - 1) : line;
+}
+
+Titles ReadTitles(std::string_view banner) {
+    Titles titles;
+    while (!banner.empty()) {
+        std::string_view line = CutLine(banner);
+        size_t first = line.find(' '), second = line.find(' ', first == line.npos ? first : first + 1);
+        if (second == line.npos || !line.starts_with(".h") || first != 3) continue;
+        size_t row = (size_t)(line[2] - '1');
+        int size = atoi(std::string(line.substr(first + 1, second - first - 1)).c_str());
+        if (row >= titles.size() || size < 1 || size > BANNER_SIZE_MAX) continue;
+        titles[row] = {std::string(line.substr(second + 1)), size};
+    }
+    return titles;
+}
+
+bool HasTitle(std::string_view banner) {
+    Titles titles = ReadTitles(banner);
+    return std::any_of(titles.begin(), titles.end(), [](const Title &title) { return !title.text.empty(); });
+}
+
+// True if a line of the text starts with lead and goes on with one of the ends.
+static bool HasPpdLine(std::string_view text, const std::string &lead, std::string_view ends) {
+    while (!text.empty()) {
+        std::string_view line = CutLine(text);
+        if (line.starts_with(lead) && line.size() > lead.size() && ends.find(line[lead.size()]) != ends.npos)
+            return true;
+    }
+    return false;
+}
+
+std::vector<std::string> OfferedSettings(std::string_view settings, std::string_view ppdText) {
+    std::vector<std::string> offered;
+    while (!settings.empty()) {
+        std::string_view line = CutLine(settings);
+        size_t equal = line.find('=');
+        if (equal == line.npos || equal == 0 || !HasOnly(line.substr(0, equal), "_-.")) continue;
+        std::string option(line.substr(0, equal)), value(line.substr(equal + 1));
+        if (value.empty() || !HasOnly(value, "_-.+")) continue;
+        bool flOffered = HasPpdLine(ppdText, "*OpenUI *" + option, "/: ") ||
+                         HasPpdLine(ppdText, "*JCLOpenUI *" + option, "/: ");
+        if (flOffered && HasPpdLine(ppdText, "*" + option + " " + value, "/:")) offered.emplace_back(line);
+    }
+    return offered;
+}
+
+std::string PpdText(std::string_view ppdText, std::string_view keyword) {
+    std::string lead = "*" + std::string(keyword) + ":";
+    while (!ppdText.empty()) {
+        std::string_view line = CutLine(ppdText);
+        if (!line.starts_with(lead)) continue;
+        size_t first = line.find('"'), last = line.rfind('"');
+        return last > first ? std::string(line.substr(first + 1, last - first - 1)) : "";
+    }
+    return "";
+}

@@ -1,0 +1,125 @@
+"""Printers that keep what they get: a listener as on port 9100, and a receiver of the line printer protocol.
+
+    with FakePrinter(directory) as printer:
+        ... send to 127.0.0.1:printer.port ...
+        data = printer.wait(1)[0]
+
+Both write one file a connection (socket) or a job (LPD) into their directory; wait(n) returns their contents.
+"""
+import os
+import re
+import socket
+import threading
+import time
+
+
+class FakePrinter:
+    """Reads each connection to its end and keeps the bytes as job000, job001, ..."""
+
+    def __init__(self, directory, port=0):
+        self.directory = directory
+        self.problems = []
+        os.makedirs(directory, exist_ok=True)
+        self.count = 0
+        self.listener = socket.create_server(("127.0.0.1", port))
+        self.port = self.listener.getsockname()[1]
+        self.thread = threading.Thread(target=self._serve, daemon=True)
+
+    def _serve(self):
+        while True:
+            try:
+                connection, _ = self.listener.accept()
+            except OSError:
+                return
+            with connection:
+                connection.settimeout(30)
+                try:
+                    self._receive(connection)
+                except (OSError, ValueError) as error:
+                    self.problems.append(str(error))
+
+    def _keep(self, data):
+        path = os.path.join(self.directory, "job%03d" % self.count)
+        with open(path + ".part", "wb") as out:
+            out.write(data)
+        os.rename(path + ".part", path)
+        self.count += 1
+
+    def _receive(self, connection):
+        data = b""
+        while chunk := connection.recv(65536):
+            data += chunk
+        if data:  # a probe connects and goes
+            self._keep(data)
+
+    def wait(self, count, seconds=20):
+        """Contents of the first count jobs, or what came in time."""
+        end = time.monotonic() + seconds
+        while self.count < count and time.monotonic() < end:
+            time.sleep(0.01)
+        jobs = []
+        for number in range(self.count):
+            with open(os.path.join(self.directory, "job%03d" % number), "rb") as job:
+                jobs.append(job.read())
+        return jobs
+
+    def close(self):
+        self.listener.close()
+
+    def __enter__(self):
+        self.thread.start()
+        return self
+
+    def __exit__(self, *ignored):
+        self.close()
+
+
+class FakeLpd(FakePrinter):
+    """Receives jobs by the line printer protocol; queues and control files stand in .queues and .controls."""
+
+    def __init__(self, directory, port=0):
+        super().__init__(directory, port)
+        self.queues = []
+        self.controls = []
+
+    def _receive(self, connection):
+        stream = connection.makefile("rwb", buffering=0)
+        line = self._line(stream)
+        if not line.startswith(b"\2"):
+            raise ValueError("command %r" % line)
+        self.queues.append(line[1:].decode())
+        self._acknowledge(stream)
+        while line := self._line(stream):
+            match = re.fullmatch(rb"([\2\3])(\d+) (.*)", line)
+            if not match:
+                raise ValueError("subcommand %r" % line)
+            self._acknowledge(stream)
+            data = self._exactly(stream, int(match[2]))
+            if self._exactly(stream, 1) != b"\0":
+                raise ValueError("file doesn't end in NUL")
+            if match[1] == b"\2":
+                self.controls.append(data.decode())
+            else:
+                self._keep(data)
+            self._acknowledge(stream)
+
+    @staticmethod
+    def _acknowledge(stream):
+        stream.write(b"\0")
+
+    @staticmethod
+    def _line(stream):
+        line = b""
+        while (byte := stream.read(1)) and byte != b"\n":
+            line += byte
+        return line
+
+    @staticmethod
+    def _exactly(stream, count):
+        data = b""
+        while len(data) < count:
+            chunk = stream.read(count - len(data))
+            if not chunk:
+                raise ValueError("cut at %d of %d bytes" % (len(data), count))
+            data += chunk
+        return data
