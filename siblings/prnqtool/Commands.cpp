@@ -207,6 +207,8 @@ static std::string PutQueue(const Queue &queue) {
                .flRecorded = false,
                .flTouched = false,
                .before = RecordsDefault()};
+    // Where the tool's own store is wanted, a scheduler that is down has no say.
+    if (put.place == PLACE_UNKNOWN && TheHost.flStandAlone) put.place = PLACE_NONE;
     if (put.place == PLACE_UNKNOWN) return TheHost.error;
     std::string error = CheckCase(queue.name);
     if (!error.empty()) return error;

@@ -30,7 +30,7 @@ static const char Template[] = R"(%!PS-Adobe-3.0
 /Row 620 def
 /Centered {
   /Points exch def /Text exch def
-  Text length 0 gt {
+  Points 0 gt {
     /Helvetica-Bold findfont Points scalefont setfont
     Text dup stringwidth pop 2 div 297 exch sub Row moveto show
     /Row Row Points 1.6 mul sub def

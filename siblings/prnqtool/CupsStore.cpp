@@ -65,18 +65,19 @@ static void AddOption(Words &words, const std::string &option, const std::string
     words.insert(words.end(), {"-o", option + "=\"" + quoted + "\""});
 }
 
-// All in one request, and an absent title as an empty one: to remove an option is a request of its own, which
-// would also make a queue of an unknown name.
+// All in one request, and an absent title as one without a size: to remove an option is a request of its own,
+// which would also make a queue of an unknown name, and an empty value is a line that the scheduler can't
+// read back.
 static void AddBanner(Words &words, const Queue &queue, const Titles &titles) {
     bool flBanner = queue.flBanner && CupsBannerReady();
     words.insert(words.end(),
                  {"-o", flBanner ? "job-sheets-default=prnq,none" : "job-sheets-default=none,none"});
-    for (size_t row = 0; row < titles.size(); row++) {
-        bool flTitle = flBanner && !titles[row].text.empty();
+    for (size_t row = 0; flBanner && row < titles.size(); row++) {
+        bool flTitle = !titles[row].text.empty();
         std::string letter(1, BannerLetters[row]);
         AddOption(words, "prnq-h" + letter + "-default",
-                  flTitle ? CupsText(titles[row].text, TITLE_MAX) : "");
-        AddOption(words, "prnq-s" + letter + "-default", flTitle ? std::to_string(titles[row].size) : "");
+                  flTitle ? CupsText(titles[row].text, TITLE_MAX) : "-");
+        AddOption(words, "prnq-s" + letter + "-default", std::to_string(flTitle ? titles[row].size : 0));
     }
 }
 

@@ -9,10 +9,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-enum { LOCK_POLL_NS = 20000000 };
+enum { LOCK_POLL_NS = 20000000, SHOWN_MAX = 120 };
 
 static std::string Failed(const char *what, const std::string &path) {
-    return std::string("can't ") + what + " " + path + ": " + strerror(errno);
+    return std::string("can't ") + what + " " + path.substr(0, SHOWN_MAX) + ": " + strerror(errno);
 }
 
 static bool ReadAll(int file, size_t limit, std::string &content) {

@@ -76,7 +76,7 @@ struct Reader {
     const std::vector<std::string> &words;
     size_t at = 0;
     const CommandRow *command = nullptr;
-    std::string error;
+    std::string error = "";
 };
 
 template <typename Row, size_t count>

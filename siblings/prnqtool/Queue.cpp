@@ -176,7 +176,8 @@ Titles ReadTitles(std::string_view banner) {
         size_t row = (size_t)(line[2] - '1');
         int size = atoi(std::string(line.substr(first + 1, second - first - 1)).c_str());
         if (row >= titles.size() || size < 1 || size > BANNER_SIZE_MAX) continue;
-        titles[row] = {std::string(line.substr(second + 1)), size};
+        bool flBlank = line.find_first_not_of(" \t", second) == line.npos;
+        if (!flBlank) titles[row] = {std::string(line.substr(second + 1)), size};
     }
     return titles;
 }

@@ -4,7 +4,7 @@
         cups.run("lpadmin", "-p", "q", "-v", "socket://127.0.0.1:9100", "-E")
 
 The tree lies under /tmp because the scheduler's helpers run as another user and must be able to reach it.  Where
-the host lacks the backends for sockets, LPD or local devices, small ones of our own stand in for them.
+the host lacks the backends for sockets, LPD or local devices, or the PostScript filter, small ones of our own stand in for them.
 """
 import os
 import shutil
@@ -41,19 +41,22 @@ DefaultShared No
 WebInterface No
 DirtyCleanInterval 0
 LogLevel info
-<Location />
+"""
+
+# Without a location nobody may administer: a client then asks for a password, if it finds a terminal.
+OPEN_CONF = """<Location />
   Allow localhost
 </Location>
 """
 
-# A backend: argv is job, user, title, copies, options and perhaps a file; the target stands in DEVICE_URI.
+# A backend: argv is job, user, title, copies, options and perhaps files; the target stands in DEVICE_URI.
 BACKEND = r'''#!{python} -IB
 import os, socket, sys, urllib.parse
 if len(sys.argv) == 1:
     print('network {scheme} "Unknown" "{scheme}"')
     sys.exit(0)
 uri = urllib.parse.urlsplit(os.environ["DEVICE_URI"])
-data = open(sys.argv[6], "rb").read() if len(sys.argv) > 6 else sys.stdin.buffer.read()
+data = b"".join(open(name, "rb").read() for name in sys.argv[6:]) or sys.stdin.buffer.read()
 if "{scheme}" in ("parallel", "serial"):
     with open(urllib.parse.unquote(uri.path), "wb", buffering=0) as device:
         device.write(data)
@@ -76,18 +79,25 @@ else:
 sock.close()
 '''
 
+# Stands in for the filters of a PostScript queue: the document goes through as it is.
+FILTER = """#!/bin/sh
+shift 5
+exec cat "$@"
+"""
+CONVS = "application/postscript application/vnd.cups-postscript 66 pstops\n"
+
 
 class Scheduler:
-    def __init__(self):
+    def __init__(self, locked=False):
         self.root = tempfile.mkdtemp(prefix="prncups.", dir="/tmp")
         os.chmod(self.root, 0o755)
         self.socket = self.root + "/run/cups.sock"
         self.data = self.root + "/data"
-        for name in ("etc", "spool/tmp", "cache", "run", "bin", "data/banners"):
+        for name in ("etc", "spool/tmp", "cache", "run", "data/banners"):
             os.makedirs(os.path.join(self.root, name))
         self._link_tree()
         self._write("etc/cups-files.conf", FILES_CONF)
-        self._write("etc/cupsd.conf", CUPSD_CONF)
+        self._write("etc/cupsd.conf", CUPSD_CONF + ("" if locked else OPEN_CONF))
 
     @staticmethod
     def missing():
@@ -101,21 +111,30 @@ class Scheduler:
         with open(os.path.join(self.root, name), "w") as out:
             out.write(text.format(root=self.root))
 
+    def _link(self, source, directory, stand_ins=()):
+        """The host's files below our directory, and a stand-in for each that the host lacks."""
+        target = os.path.join(self.root, directory)
+        os.makedirs(target, exist_ok=True)
+        for name in os.listdir(source) if os.path.isdir(source) else ():
+            if not os.path.lexists(os.path.join(target, name)):
+                os.symlink(os.path.join(source, name), os.path.join(target, name))
+        for name, text, mode in stand_ins:
+            if not os.path.exists(os.path.join(target, name)):
+                with open(os.path.join(target, name), "w") as out:
+                    out.write(text)
+                os.chmod(os.path.join(target, name), mode)
+
     def _link_tree(self):
-        for source, target in ((SERVER_BIN, "bin"), (DATA_DIR, "data")):
-            for name in os.listdir(source):
-                if name not in ("backend", "banners"):
-                    os.symlink(os.path.join(source, name), os.path.join(self.root, target, name))
-        backends = os.path.join(self.root, "bin/backend")
-        os.mkdir(backends)
-        for name in os.listdir(SERVER_BIN + "/backend"):
-            os.symlink(os.path.join(SERVER_BIN, "backend", name), os.path.join(backends, name))
-        for scheme in ("socket", "lpd", "parallel", "serial"):
-            path = os.path.join(backends, scheme)
-            if not os.path.lexists(path):
-                with open(path, "w") as out:
-                    out.write(BACKEND.format(python=os.path.realpath(sys.executable), scheme=scheme))
-                os.chmod(path, 0o700)  # not for others: the scheduler then runs it as root
+        python = os.path.realpath(sys.executable)
+        # A backend that others can't run is run as root: LPD and local devices need it.
+        self._link(SERVER_BIN + "/backend", "bin/backend",
+                   [(scheme, BACKEND.format(python=python, scheme=scheme), 0o700)
+                    for scheme in ("socket", "lpd", "parallel", "serial")])
+        self._link(SERVER_BIN + "/filter", "bin/filter",
+                   [(name, FILTER, 0o755) for name in ("pstops", "commandtops", "gziptoany")])
+        self._link(DATA_DIR + "/mime", "data/mime", [("mime.convs", CONVS, 0o644)])
+        self._link(SERVER_BIN, "bin")
+        self._link(DATA_DIR, "data")
 
     def env(self, **more):
         env = dict(os.environ, CUPS_SERVER=self.socket, PRNQ_DATADIR=self.data, LC_ALL="C")
@@ -182,15 +201,17 @@ class Scheduler:
         return answer.split(": ", 1)[1] if ": " in answer else None
 
     def options(self, queue):
-        """The queue's own lines "Option NAME VALUE" of printers.conf."""
+        """What printers.conf keeps of the queue: its options by name, and the other lines by their keyword."""
         found, inside = {}, False
         with open(self.root + "/etc/printers.conf") as conf:
-            for line in conf:
+            for line in conf.read().splitlines():
                 if line.startswith("<"):
-                    inside = line.split(" ", 1)[1].strip("> \n") == queue if " " in line else False
-                elif inside and line.startswith(("Option ", "JobSheets ")):
-                    words = line.rstrip("\n").split(" ", 2)
-                    found[words[1] if words[0] == "Option" else words[0]] = line.rstrip("\n").split(" ", 1 if words[0] != "Option" else 2)[-1]
+                    inside = line[1:-1].split(" ")[1:] == [queue]
+                elif inside:
+                    keyword, _, value = line.partition(" ")
+                    if keyword == "Option":
+                        keyword, _, value = value.partition(" ")
+                    found[keyword] = value
         return found
 
     def ppd(self, queue):

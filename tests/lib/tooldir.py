@@ -1,0 +1,126 @@
+"""A tool directory of a test's own, with real programs, and an independent reader of the queue database.
+
+    with ToolDir("prnqtool") as tool:
+        done = tool.run("prnqtool", "-LQ")
+"""
+import os
+import shutil
+import struct
+import subprocess
+import tempfile
+
+SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
+
+# The smallest PPD with options that a scheduler without further filters takes.
+PPD = """*PPD-Adobe: "4.3"
+*FormatVersion: "4.3"
+*FileVersion: "1.0"
+*LanguageVersion: English
+*LanguageEncoding: ISOLatin1
+*PCFileName: "TEST.PPD"
+*Manufacturer: "Tarvo"
+*Product: "(Tarvo Test)"
+*PSVersion: "(3010.000) 0"
+*ModelName: "{model}"
+*ShortNickName: "{model}"
+*NickName: "{model}"
+*cupsSNMPSupplies: False
+*OpenUI *PageSize/Page Size: PickOne
+*DefaultPageSize: A4
+*PageSize A4/A4: "<</PageSize[595 842]>>setpagedevice"
+*PageSize Letter/Letter: "<</PageSize[612 792]>>setpagedevice"
+*CloseUI: *PageSize
+*OpenUI *PageRegion: PickOne
+*DefaultPageRegion: A4
+*PageRegion A4/A4: "<</PageSize[595 842]>>setpagedevice"
+*PageRegion Letter/Letter: "<</PageSize[612 792]>>setpagedevice"
+*CloseUI: *PageRegion
+*DefaultImageableArea: A4
+*ImageableArea A4/A4: "12 12 583 830"
+*ImageableArea Letter/Letter: "12 12 600 780"
+*DefaultPaperDimension: A4
+*PaperDimension A4/A4: "595 842"
+*PaperDimension Letter/Letter: "612 792"
+*OpenUI *Duplex/Two-Sided: PickOne
+*DefaultDuplex: None
+*Duplex None/Off: "<</Duplex false>>setpagedevice"
+*Duplex DuplexNoTumble/Long Edge: "<</Duplex true>>setpagedevice"
+*CloseUI: *Duplex
+"""
+
+
+def built(program):
+    return os.path.join(os.environ["PRN_BUILD"], "siblings", program)
+
+
+def unscramble(run):
+    plain = bytearray(run)
+    for at in range(len(plain) - 2, -1, -1):
+        plain[at] ^= plain[at + 1]
+    return bytes(plain)
+
+
+def read_records(path):
+    """Key -> data of a headerless database; ValueError for anything that isn't whole."""
+    records = {}
+    try:
+        with open(path, "rb") as database:
+            image = database.read()
+    except FileNotFoundError:
+        return records
+    while image:
+        (length,) = struct.unpack_from("=H", image)
+        body = unscramble(image[2:2 + length])
+        (key_length,) = struct.unpack_from("=H", body)
+        key = body[2:2 + key_length]
+        if len(body) != length or len(key) != key_length or key[-1:] != b"\0" or key in records:
+            raise ValueError("broken record %r" % body)
+        records[key[:-1].decode()] = body[2 + key_length:]
+        image = image[2 + length:]
+    return records
+
+
+class ToolDir:
+    def __init__(self, *programs):
+        self.path = tempfile.mkdtemp(prefix="prntool.", dir="/tmp")
+        os.chmod(self.path, 0o755)
+        os.makedirs(self.path + "/ppd")
+        os.makedirs(self.path + "/db")
+        self.env = dict(os.environ)
+        for program in programs:
+            shutil.copy(built(program), self.path)
+        self.write("ppd/tv_a.ppd", PPD.format(model="Tarvo A"))
+        self.write("ppd/tv_b.ppd", PPD.format(model="Tarvo B"))
+        self.write("ppd/broken.ppd", "this is no PPD file\n")
+
+    def write(self, name, text):
+        with open(os.path.join(self.path, name), "wb") as out:
+            out.write(text if isinstance(text, bytes) else text.encode())
+
+    def command(self, program, *words):
+        return [os.path.join(self.path, program), *words]
+
+    def run(self, program, *words, timeout=120, **env):
+        """Runs a program from another directory than its own, without standard input."""
+        return subprocess.run(self.command(program, *words), env=dict(self.env, **env), cwd="/",
+                              stdin=subprocess.DEVNULL, capture_output=True, text=True, timeout=timeout)
+
+    def records(self):
+        return read_records(self.path + "/db/que.xdb")
+
+    def image(self):
+        """The database as bytes, and the file store's list, to show that nothing changed."""
+        found = []
+        for name in ("que.xdb", "hostq"):
+            try:
+                with open(os.path.join(self.path, "db", name), "rb") as file:
+                    found.append(file.read())
+            except FileNotFoundError:
+                found.append(None)
+        return found
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *ignored):
+        shutil.rmtree(self.path, ignore_errors=True)

@@ -1,0 +1,301 @@
+"""The queue tool on a real scheduler: jobs arrive, refusals keep the old queue, faults of the scheduler change nothing."""
+import os
+import pty
+import select
+import shutil
+import subprocess
+import sys
+import time
+import unittest
+
+from cups import Scheduler
+from fakeprinter import FakeLpd, FakePrinter
+from tooldir import PPD, ToolDir
+
+DOCUMENT = b"%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%Page: 1 1\n(prnqtool) pop showpage\n%%EOF\n"
+PAGE = b"(prnqtool) pop showpage"  # what a host's own PostScript filter leaves of it
+# Passes PostScript on without any filter of the host: what is printed is what was sent. The scheduler can't print a
+# banner on such a queue.
+PLAIN_PPD = PPD.format(model="Tarvo Plain") + '*cupsFilter: "application/postscript 0 -"\n'
+
+
+class OnScheduler(unittest.TestCase):
+    locked = False
+
+    def setUp(self):
+        if Scheduler.missing():
+            self.skipTest(Scheduler.missing())
+        self.cups = self.enterContext(Scheduler(self.locked))
+        self.tool = self.enterContext(ToolDir("prnqtool"))
+        self.tool.env = self.cups.env()
+        self.tool.write("ppd/plain.ppd", PLAIN_PPD)
+        self.tool.write("job.ps", DOCUMENT)
+
+    def tool_run(self, line, status=0, **env):
+        done = self.tool.run("prnqtool", *line.split(), **env)
+        self.assertEqual(done.returncode, status, (line, done.stderr))
+        return done
+
+    def add(self, name, tail="-pm psp -hn h1", ppd="plain.ppd", **more):
+        return self.tool_run("%s -log prntest -fs .settings -ppd %s %s" % (name, ppd, tail), **more)
+
+    def lp(self, queue, *words):
+        done = self.cups.run("lp", "-s", "-d", queue, *words, self.tool.path + "/job.ps")
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
+    def printer(self, kind=FakePrinter):
+        return self.enterContext(kind(self.tool.path + "/got." + kind.__name__))
+
+    def leftovers(self):
+        return [name for name in self.cups.queues() if name.startswith("_prnq_")]
+
+
+class Jobs(OnScheduler):
+    def test_jobs_arrive(self):
+        socket, lpd = self.printer(), self.printer(FakeLpd)
+        self.add("s", "-pm psp -lpd -hn 127.0.0.1:%d" % socket.port)
+        self.add("l", "-pm wps -lpd -hn 127.0.0.1:%d -psqn remote1" % lpd.port)
+        self.lp("s")
+        self.lp("l")
+        self.assertEqual((socket.wait(1), lpd.wait(1)), ([DOCUMENT], [DOCUMENT]))
+        self.assertEqual((lpd.queues, lpd.problems), (["remote1"], []))
+
+    def test_banner_page_and_firmware(self):
+        printer = self.printer()
+        target = "-pm psp -hn 127.0.0.1:%d -bp" % printer.port
+        self.tool.write(".bsettings", ".h1 40 Dept (A) \"x\" \\ 100% {y} it's\n.h3 12 \u00d6l\n".encode())
+        self.add("own", target + " -bps .bsettings", ppd="tv_a.ppd")
+        self.add("all", target, ppd="tv_a.ppd")
+        self.tool.write("sys", ".h2 20 Everybody\n".encode("latin-1"))
+        self.tool_run("-dbps sys")
+        for number, (queue, shown, hidden) in enumerate((
+                ("own", b"(Dept \\(A\\) \"x\" \\\\ 100% {y} it's) 040", b"Everybody"),
+                ("all", b"(Everybody) 020", b"Dept")), 1):
+            self.lp(queue)
+            page = printer.wait(number)[number - 1]
+            self.assertIn(shown, page)
+            self.assertNotIn(hidden, page)
+            self.assertIn(PAGE, page)
+        self.tool_run("-xdbps")
+        self.lp("all")
+        self.assertNotIn(b"Everybody", printer.wait(3)[2])
+        self.lp("own", "-o", "raw", "-o", "job-sheets=none,none")
+        self.assertEqual(printer.wait(4)[3], DOCUMENT)
+        self.tool_run("own -mq")
+        self.lp("own")
+        self.assertTrue(printer.wait(5)[4].count(b"showpage") == 1 and PAGE in printer.wait(5)[4])
+        self.assertNotIn("printers.conf.", "".join(line for line in self.cups.log().splitlines() if "Syntax error" in line))
+
+    def test_no_banner_while_jobs_wait(self):
+        self.add("busy", "-pm psp -hn 127.0.0.1:9")  # nobody listens: the job stays
+        self.lp("busy")
+        done = self.add("q", "-pm psp -hn h1 -bp")
+        self.assertIn("jobs are waiting", done.stderr)
+        self.assertEqual(self.cups.options("q")["JobSheets"], "none none")
+        self.cups.run("cancel", "-a", "busy")
+        self.assertEqual(self.tool_run("q -mq -bp").stderr, "")
+        self.assertEqual(self.cups.options("q")["JobSheets"], "prnq none")
+
+    def test_settings_reach_the_ppd(self):
+        self.tool.write(".settings", "Duplex=DuplexNoTumble\nPageSize=Nowhere\nprinter-op-policy=x\njunk\nX=`id`\n")
+        self.add("q", "-pm psp -hn h1 -fe")
+        self.assertIn("*DefaultDuplex: DuplexNoTumble", self.cups.ppd("q"))
+        self.assertIn("*DefaultPageSize: A4", self.cups.ppd("q"))
+        self.tool_run("q -mq")  # features off: the model's own choice again
+        self.assertIn("*DefaultDuplex: None", self.cups.ppd("q"))
+
+
+class Refusals(OnScheduler):
+    def setUp(self):
+        super().setUp()
+        self.fake = self.printer()
+        self.tool.write(".settings", "Duplex=DuplexNoTumble\n")
+        self.tool.write(".bsettings", ".h1 40 Old\n")
+        self.add("q", "-pm psp -hn 127.0.0.1:%d -fe -bp -d -bps .bsettings" % self.fake.port, ppd="tv_a.ppd")
+        os.unlink(self.tool.path + "/.settings")
+
+    def state(self):
+        with open(self.cups.root + "/etc/printers.conf") as conf:
+            kept = [line for line in conf if not line.startswith(("#", "NextPrinterId", "StateTime", "ConfigTime"))]
+        return self.tool.image(), kept, self.cups.ppd("q"), self.cups.run("lpstat", "-l", "-p", "q").stdout
+
+    def assert_kept(self, before):
+        self.assertEqual(self.state(), before)
+        self.lp("q")
+        page = self.fake.wait(1)[0]
+        self.assertIn(b"(Old) 040", page)
+        self.assertIn(PAGE, page)
+
+    def test_refused_ppd_on_replace(self):
+        before = self.state()
+        self.assertIn("Missing asterisk", self.add("q", "-pm psp -hn h2", ppd="broken.ppd", status=1).stderr)
+        self.assert_kept(before)
+
+    def test_refused_uri_on_replace(self):
+        before = self.state()
+        os.unlink(self.cups.root + "/bin/backend/lpd")
+        self.assertIn("scheme", self.add("q", "-pm wps -lpd -hn h2 -psqn x", status=1).stderr)
+        self.add("new", "-pm wps -lpd -hn h2 -psqn x", status=1)
+        self.assertEqual(list(self.cups.queues()), ["q"])
+        self.assert_kept(before)
+
+    def test_replace_keeps_no_old_value(self):
+        self.tool.write(".settings", "PageSize=Letter\n")
+        self.add("q", "-pm wps -lpd -hn h2 -psqn x -fe", ppd="tv_b.ppd")
+        self.assertEqual(self.cups.queues(), {"q": "lpd://h2/x?snmp=false"})
+        self.assertIn("*DefaultDuplex: None", self.cups.ppd("q"))
+        self.assertIn("*DefaultPageSize: Letter", self.cups.ppd("q"))
+        self.assertEqual((self.cups.options("q")["JobSheets"], self.cups.default()), ("none none", None))
+        self.assertEqual(self.cups.options("q")["Info"], "Tarvo B")
+
+    def test_new_queue_goes_without_a_refused_ppd(self):
+        done = self.add("raw", "-pm psp -hn h1", ppd="broken.ppd")
+        self.assertIn("warning: queue \"raw\" goes without its PPD file", done.stderr)
+        self.assertEqual((self.cups.ppd("raw"), "raw" in self.cups.queues()), (None, True))
+        self.tool_run("raw -mq -ui")
+
+    def test_leftovers_of_a_killed_run_go(self):
+        for name in ("_prnq_probe", "_prnq_nodef"):
+            self.cups.run("lpadmin", "-p", name, "-v", "file:/dev/null")
+        self.assertEqual(self.tool_run("-LQ").stdout, "q:\n")
+        self.tool_run("q -mq")
+        self.assertEqual(self.leftovers(), [])
+
+    def test_full_or_read_only_disk(self):
+        database = self.tool.path + "/db"
+        shutil.copytree(database, database + ".kept")
+        if subprocess.run(["mount", "-t", "tmpfs", "-o", "size=64k", "none", database], capture_output=True).returncode:
+            self.skipTest("can't mount a small file system here")
+        self.addCleanup(subprocess.run, ["umount", "-l", database])
+        shutil.copytree(database + ".kept", database, dirs_exist_ok=True)
+        self.tool.write(".settings", "x" * 20000)
+        filler = open(database + "/filler", "wb", buffering=0)
+        try:
+            while filler.write(b"x" * 4096):
+                pass
+        except OSError:
+            filler.close()
+        lines = ["new -ppd plain.ppd -pm psp -hn h1 -fs .settings", "q -ppd plain.ppd -pm psp -hn h2",
+                 "new -cl q -pm psp -hn h2", "q -mq -ui -fs .settings", "-dbps .bsettings"]
+        before = self.state()
+        # A deletion needs no room.
+        for name, refused in (("full", lines), ("read-only", lines + ["q -x", "-x all", "-xdbps"])):
+            for line in refused:
+                self.assertIn("can't write db/", self.tool_run(line, status=1).stderr, (name, line))
+                self.assertEqual(self.state(), before, (name, line))
+            subprocess.run(["mount", "-o", "remount,ro", database], check=True)
+        self.assert_kept(before)
+
+
+class Faults(OnScheduler):
+    LINES = ("new -ppd plain.ppd -pm psp -hn h1", "q -ppd plain.ppd -pm psp -hn h2", "new -cl q -pm psp -hn h2",
+             "q -mq -ui -d", "q -x", "-xl q r", "-x all", "-dbps .bsettings")
+
+    def all_refused(self, text, **env):
+        before = self.tool.image()
+        for line in self.LINES:
+            started = time.monotonic()
+            self.assertIn(text, self.tool_run(line, status=1, **env).stderr, line)
+            self.assertLess(time.monotonic() - started, 8, line)
+        self.assertIn(text, self.tool_run("-LQ", status=1, **env).stderr)
+        self.assertEqual(self.tool.image(), before)
+
+    def test_scheduler_down_or_frozen(self):
+        self.tool.write(".bsettings", ".h1 40 All\n")
+        self.add("q", "-pm psp -hn h1 -bp -d")
+        self.add("r")
+        queues = self.cups.queues()
+        self.cups.freeze()
+        self.all_refused("doesn't answer", PRNQ_LIMIT="2")
+        self.cups.thaw()
+        self.assertEqual((self.cups.queues(), self.cups.default()), (queues, "q"))
+        self.cups.stop()
+        self.all_refused("isn't running")
+        self.cups.start()
+        self.assertEqual((self.cups.queues(), self.cups.default()), (queues, "q"))
+        self.tool_run("-x all")
+        self.assertEqual((self.cups.queues(), self.tool.records()), ({}, {}))
+
+    def test_language_and_printer_of_the_caller(self):
+        env = dict(LANGUAGE="de", LANG="de_DE.UTF-8", LPDEST="nosuch", PRINTER="nosuch")
+        env.update(LC_ALL="", LC_MESSAGES="de_DE.UTF-8")
+        self.assertEqual(self.tool_run("-LQ", **env).stdout, "")
+        self.add("q", "-pm psp -hn h1 -d", **env)
+        self.assertEqual(self.tool_run("-LQ", **env).stdout, "q:\n")
+        self.assertEqual(self.cups.default(), "q")
+        self.tool_run("q -mq", **env)
+        self.assertEqual(self.cups.default(), None)
+        self.cups.stop()
+        self.assertIn("the scheduler isn't running", self.tool_run("q -x", status=1, **env).stderr)
+
+    def test_queues_of_others(self):
+        self.cups.run("lpadmin", "-p", "foreign", "-v", "socket://h1:9100", "-E")
+        self.assertEqual(self.tool_run("-LQ").stdout, "foreign:\n")
+        self.assertIn("has no record", self.tool_run("foreign -mq -bp", status=1).stderr)
+        self.add("q")
+        self.cups.run("lpadmin", "-x", "q")  # a stale record goes with -x
+        self.tool_run("q -x")
+        self.assertEqual(self.tool.records(), {})
+        self.tool_run("foreign -x")
+        self.assertEqual(self.cups.queues(), {})
+
+    def test_both_stores_side_by_side(self):
+        self.add("mine", PRNQ_STORE="file")
+        self.add("theirs")
+        self.assertEqual(sorted(self.tool_run("-LQ").stdout.split()), ["mine:", "theirs:"])
+        self.add("Theirs", status=1)
+        self.tool_run("mine -mq -d")
+        self.tool_run("theirs -mq -d")
+        self.assertEqual(self.cups.default(), "theirs")
+        self.tool_run("mine -mq -d")
+        self.assertEqual((self.cups.default(), self.tool.records()[" default"]), (None, b"mine\0"))
+        self.cups.stop()
+        self.tool_run("mine -x")
+        self.tool_run("theirs -x", status=1)
+
+    def test_killed_at_any_moment(self):
+        self.add("q")
+        start = time.monotonic()
+        self.add("q")
+        whole = time.monotonic() - start
+        for turn in range(24):
+            child = subprocess.Popen(self.tool.command("prnqtool", "q", "-ppd", "plain.ppd", "-pm", "psp", "-hn",
+                                                       "host%d" % turn, "-d"), env=self.tool.env,
+                                     stderr=subprocess.DEVNULL)
+            time.sleep(whole * turn / 20)
+            child.kill()
+            child.wait()
+            record = self.tool.records()["q"].split()  # raises if the database isn't whole
+            self.assertIn(record[1].decode() + " count", self.tool.records())
+            self.assertIn("q", self.cups.queues())
+        self.add("q", "-pm psp -hn last")
+        self.assertEqual(self.cups.queues(), {"q": "socket://last:9100/?snmp=false"})
+
+
+class Locked(OnScheduler):
+    locked = True
+
+    def test_never_asks_on_the_terminal(self):
+        pid, terminal = pty.fork()
+        if pid == 0:
+            os.execve(self.tool.path + "/prnqtool", ["prnqtool", "q", "-ppd", "plain.ppd", "-pm", "psp", "-hn", "h1"],
+                      self.tool.env)
+        shown, end = b"", time.monotonic() + 20
+        while time.monotonic() < end and select.select([terminal], [], [], 20)[0]:
+            try:
+                shown += os.read(terminal, 4096)
+            except OSError:
+                break
+        _, status = os.waitpid(pid, 0)
+        os.close(terminal)
+        self.assertEqual(os.waitstatus_to_exitcode(status), 1)
+        self.assertIn(b"Unauthorized", shown)
+        self.assertNotIn(b"assword", shown)
+        self.assertEqual((self.cups.queues(), self.tool.records()), ({}, {}))
+
+
+if __name__ == "__main__":
+    if Scheduler.missing():
+        print("skipped: " + Scheduler.missing())
+        sys.exit(77)
+    unittest.main()

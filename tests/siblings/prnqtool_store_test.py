@@ -1,0 +1,207 @@
+"""The queue tool's commands on both stores: the same scenario on a private scheduler and on the tool's own file."""
+import os
+import struct
+import unittest
+
+from cups import Scheduler
+from tooldir import ToolDir
+
+# name, words of the add line, main record behind the name, words of the count record, URI in CUPS and in the file.
+ADDED = [
+    ("printer", "-pm wp -lpd -hn h1 -psqn lp -fe -bp -ui", "h1 lp tv_a.ppd 0 1 1 1 0 1 ", "h1 lp", "lpd://h1/lp"),
+    ("direct", "-pm wp -hn h1:9101", "h1:9101 lp tv_a.ppd 0 0 0 0 0 0 ", "h1:9101 lp", "socket://h1:9101"),
+    ("server", "-pm wps -lpd -hn s1 -psqn rem-1 -ui", "s1 rem-1 tv_a.ppd 1 0 1 0 0 1 ", "s1 rem-1", "lpd://s1/rem-1"),
+    ("device", "-pm wp -lpd -dn /dev/lp7 -psqn lp -fe", "/dev/lp7 lp tv_a.ppd 2 0 0 1 0 1 ", "/dev/lp7 lp",
+     "parallel:/dev/lp7"),
+    ("serial", "-pm wp -lpd -dn /dev/ttyS9 -psqn lp", "/dev/ttyS9 lp tv_a.ppd 2 0 0 0 0 1 ", "/dev/ttyS9 lp",
+     "serial:/dev/ttyS9?baud=9600"),
+    ("psphost", "-pm psp -lpd -hn 10.1.2.3", "10.1.2.3 lp tv_a.ppd 3 0 0 0 0 1 ", "10.1.2.3 lp", "socket://10.1.2.3:9100"),
+    ("pspdev", "-pm psp -lpd -dn /dev/usb/lp7", "/dev/usb/lp7 lp tv_a.ppd 4 0 0 0 0 1 ", "/dev/usb/lp7 lp",
+     "parallel:/dev/usb/lp7"),
+    ("ip6", "-pm psp -lpd -hn fe80::1", "fe80::1 lp tv_a.ppd 3 0 0 0 0 1 ", "fe80::1 lp", "socket://[fe80::1]:9100"),
+]
+
+
+class Scenario:
+    """What holds for either store; self.uris() tells the host's queues."""
+
+    def tool_run(self, line, status=0, **env):
+        done = self.tool.run("prnqtool", *line.split(), **env)
+        self.assertEqual(done.returncode, status, (line, done.stderr))
+        self.assertEqual(bool(done.stderr), status != 0, (line, done.stderr))
+        self.assertNotIn("runtime error", done.stderr)
+        return done
+
+    def add(self, name, tail="-pm wp -lpd -hn h1 -psqn lp", **more):
+        return self.tool_run("%s -log prntest -fs .settings -ppd tv_a.ppd %s" % (name, tail), **more)
+
+    def listed(self):
+        return sorted(line.split(":")[0] for line in self.tool_run("-LQ").stdout.splitlines())
+
+    def text(self, key):
+        return self.tool.records().get(key, b"").decode()
+
+    def count(self, printer):
+        record = self.tool.records().get(printer + " count")
+        return (struct.unpack("=i", record[:4])[0], record[4:].decode()) if record else None
+
+    def setUp(self):
+        self.tool_run("-x all")
+        for name in (".settings", ".bsettings"):
+            if os.path.exists(os.path.join(self.tool.path, name)):
+                os.unlink(os.path.join(self.tool.path, name))
+        self.assertEqual((self.listed(), self.tool.records()), ([], {}))
+
+    def test_add_of_every_type(self):
+        for name, tail, record, count, uri in ADDED:
+            with self.subTest(name):
+                self.add(name, tail)
+                self.assertEqual(self.text(name), name + " " + record + "\0")
+                self.assertEqual(self.count(count.split()[0]), (1, count + "\0"))
+                self.assertEqual(self.uris()[name], self.in_store(uri))
+        self.assertEqual(self.listed(), sorted(row[0] for row in ADDED))
+        self.assertEqual({key for key in self.tool.records() if "**" in key or key[0] == " "}, set())
+
+    def test_settings_and_banner_are_kept_byte_for_byte(self):
+        settings, banner = "Duplex=DuplexNoTumble\nnot a line 100% $(x)", ".h3 40 It's \"x\" {y}\n"
+        self.tool.write(".settings", settings)
+        self.tool.write(".bsettings", banner)
+        self.add("q", "-pm wp -lpd -hn h1 -psqn lp -fe -bp -ui -bps .bsettings")
+        self.assertEqual(self.tool.records()["q **"], settings.encode())
+        self.assertEqual(self.text("q **banner"), banner + "\0")
+        self.add("q")  # replaced: the titles of the old queue are gone, the settings file still stands
+        self.assertEqual((self.text("q **"), self.text("q **banner")), (settings, ""))
+        with open(self.tool.path + "/.bsettings") as kept:
+            self.assertEqual(kept.read(), banner)
+
+    def test_queues_of_one_printer_share_its_count(self):
+        self.add("a")
+        self.add("b", "-pm wps -lpd -hn h1 -psqn rem")
+        self.assertEqual(self.count("h1"), (2, "h1 rem\0"))
+        self.add("b", "-pm wp -lpd -hn h2 -psqn lp")
+        self.assertEqual((self.count("h1"), self.count("h2")), ((1, "h1 lp\0"), (1, "h2 lp\0")))
+        self.tool_run("a -x -log prntest")
+        self.assertEqual((self.count("h1"), self.count("h2")), (None, (1, "h2 lp\0")))
+
+    def test_copy(self):
+        self.tool.write(".settings", "PageSize=Letter\n")
+        self.tool.write(".bsettings", ".h1 20 Own\n")
+        self.add("src", "-pm wp -lpd -hn h1 -psqn lp -fe -bp -ui -d -bps .bsettings")
+        self.tool_run("new -log prntest -cl src -pm wps -hn s9 -psqn rem")
+        self.assertEqual(self.text("new"), "new s9 rem tv_a.ppd 1 1 1 1 0 1 \0")
+        self.assertEqual((self.text("new **"), self.text("new **banner")), ("PageSize=Letter\n", ".h1 20 Own\n\0"))
+        self.assertEqual(self.text(" default"), "src\0")
+        self.assertEqual(self.uris()["new"], self.in_store("lpd://s9/rem"))
+        before = self.tool.image()
+        self.tool_run("new2 -log prntest -cl nosuch -pm wp -hn h1 -psqn lp", status=1)
+        self.assertEqual(self.tool.image(), before)
+
+    def test_modify(self):
+        self.tool.write(".settings", "PageSize=Letter\n")
+        self.tool.write(".bsettings", ".h1 20 Own\n")
+        self.add("q", "-pm psp -lpd -hn h1")
+        self.tool_run("q -mq -log prntest -ui -fe -bp -d -fs .settings -bps .bsettings")
+        self.assertEqual(self.text("q"), "q h1 lp tv_a.ppd 3 1 1 1 1 1 \0")
+        self.assertEqual((self.text("q **"), self.text("q **banner")), ("PageSize=Letter\n", ".h1 20 Own\n\0"))
+        self.assertEqual(self.text(" default"), "q\0")
+        self.tool_run("q -mq -log prntest")
+        self.assertEqual(self.text("q"), "q h1 lp tv_a.ppd 3 0 0 0 0 1 \0")
+        self.assertEqual((self.text("q **"), self.text("q **banner"), self.text(" default")),
+                         ("PageSize=Letter\n", "", ""))
+        self.assertEqual(self.uris(), {"q": self.in_store("socket://h1:9100")})
+
+    def test_default_moves_and_goes(self):
+        self.add("a", "-pm psp -hn h1 -d")
+        self.add("b", "-pm psp -hn h1 -d")
+        self.assertEqual((self.text(" default"), self.host_default()), ("b\0", self.in_store("b", "")))
+        self.add("b", "-pm psp -hn h1")  # replaced without -d: no longer
+        self.assertEqual((self.text(" default"), self.host_default()), ("", self.in_store(None, "")))
+        self.tool_run("a -mq -d")
+        self.tool_run("a -x")
+        self.assertEqual((self.text(" default"), self.host_default()), ("", self.in_store(None, "")))
+        self.assertEqual(self.listed(), ["b"])
+
+    def test_delete_one_several_all(self):
+        for name in "abcdef":
+            self.add(name)
+        self.tool_run("a -x -log prntest")
+        self.tool_run("-x b")
+        self.assertEqual((self.listed(), self.count("h1")[0]), (["c", "d", "e", "f"], 4))
+        done = self.tool_run("-log prntest -xl c nosuch d", status=1)
+        self.assertIn('queue "nosuch" does not exist', done.stderr)
+        self.assertEqual(self.listed(), ["e", "f"])
+        self.tool_run("-log prntest -x all")
+        self.assertEqual((self.listed(), self.tool.records()), ([], {}))
+        self.tool_run("e -x", status=1)
+
+    def test_default_banner(self):
+        self.tool.write(".bsettings", ".h1 40 All of us\n")
+        self.tool_run("-dbps .bsettings")
+        self.assertEqual(self.text(" banner"), ".h1 40 All of us\n\0")
+        self.tool_run("-xdbps")
+        self.assertEqual(self.tool.records(), {})
+        self.tool_run("-dbps nosuch", status=1)
+        self.tool.write(".bsettings", "no title\n")
+        self.tool_run("-dbps .bsettings", status=1)
+
+    def test_names_that_differ_by_case(self):
+        self.add("Lp1")
+        before = self.tool.image()
+        self.assertIn("upper and lower case", self.add("lP1", status=1).stderr)
+        self.tool_run("LP1 -cl Lp1 -pm psp -hn h2", status=1)
+        self.tool_run("LP1 -mq -bp", status=1)
+        self.tool_run("LP1 -x", status=1)
+        self.assertEqual((self.tool.image(), self.listed()), (before, ["Lp1"]))
+
+    def test_modify_of_an_unknown_queue_creates_nothing(self):
+        self.tool_run("ghost -mq -ui -bp -d", status=1)
+        self.assertEqual((self.listed(), self.uris(), self.tool.records()), ([], {}, {}))
+
+
+class OnCups(Scenario, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        if Scheduler.missing():
+            raise unittest.SkipTest(Scheduler.missing())
+        cls.cups = cls.enterClassContext(Scheduler())
+        cls.tool = cls.enterClassContext(ToolDir("prnqtool"))
+        cls.tool.env = cls.cups.env()
+
+    def uris(self):
+        return self.cups.queues()
+
+    def host_default(self):
+        return self.cups.default()
+
+    @staticmethod
+    def in_store(value, *other):
+        snmp = {"l": "?snmp=false", "s": "/?snmp=false"}
+        return value + snmp[value[0]] if value and "://" in value else value
+
+
+class OnFile(Scenario, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        cls.tool = cls.enterClassContext(ToolDir("prnqtool"))
+        cls.tool.env.update(PRNQ_STORE="file", PRNQ_SPOOL=cls.tool.path + "/spool")
+
+    def uris(self):
+        with open(self.tool.path + "/db/hostq") as lines:
+            return {line.split(": ")[0]: line.split()[1] for line in lines}
+
+    def host_default(self):
+        return ""  # the record is all there is
+
+    @staticmethod
+    def in_store(value, *other):
+        return other[0] if other else value
+
+    def test_spool_directory(self):
+        self.add("q", "-pm wp -dn /dev/lp7")
+        with open(self.tool.path + "/db/hostq") as lines:
+            self.assertEqual(lines.read(), "q: parallel:/dev/lp7 %s/spool/%s//dev/lp7\n" %
+                             (self.tool.path, os.path.basename(self.tool.path)))
+
+
+if __name__ == "__main__":
+    unittest.main()
