@@ -109,6 +109,7 @@ char *GetKeyWord(HtmlFile *file) {
 static HtmlLink *ReadLink(char *attributes) {
     HtmlLink *link = static_cast<HtmlLink *>(GetMem(sizeof(HtmlLink)));
     if (!link) SysError("%s", OutOfMem);
+    link->End = -1; // until the layout has met its end tag
     for (char *word = GetTokenParse(attributes, " \t\n\r"); word; word = GetTokenParse(nullptr, " \t\n\r")) {
         char *value = strchr(word, '=');
         if (!value) continue;
@@ -134,6 +135,7 @@ void AddAtribute(HtmlItems *items, char *tag, char *value) {
     *item = HtmlItem{};
     item->Tag = tag;
     item->Key = tag ? FindHtmlKey(tag) : KEY_NONE;
+    if (item->Key == KEY_FITAB) item->Key = KEY_NONE; // the layout's own name: in a page it is an unknown tag
     item->Length = static_cast<int>(strlen(value));
     if (item->Key == KEY_A)
         item->Value.Link = ReadLink(value);
@@ -305,23 +307,32 @@ static void ReadPages(HtmlFile *file) {
     }
 }
 
-static void FreeHtmlFile(HtmlFile *file) {
-    PutMem(file->Name);
-    PutMem(file->Content);
-    PutMem(file);
-}
-
-// The tokens have done their work when the image stands; links and images stay.
+// The tokens have done their work when the image stands; what the anchors hold and the image stay.
 static void FreeItems(HtmlItems *items) {
     for (int i = 0; i < items->count; i++) {
-        if (items->items[i].Key != KEY_FITAB) continue;
-        HtmlTable *table = items->items[i].Value.Table;
-        PutMem(table->RowHeights);
-        PutMem(table->ColWidths);
-        PutMem(table);
+        const HtmlItem &item = items->items[i];
+        if (item.Key == KEY_A && item.Value.Link->End < 0) PutMem(item.Value.Link);
+        if (item.Key != KEY_FITAB) continue;
+        PutMem(item.Value.Table->RowHeights);
+        PutMem(item.Value.Table->ColWidths);
+        PutMem(item.Value.Table);
     }
     PutMem(items->items);
     *items = HtmlItems{};
+}
+
+void FreeHtmlFile(HtmlFile *file) {
+    for (HtmlPage *page = file->Pages; page;) {
+        HtmlPage *next = page->next;
+        for (int i = 0; i < page->AnchorCount; i++) PutMem(page->Anchors[i]);
+        PutMem(page->Anchors);
+        PutMem(page->TextImage);
+        PutMem(page);
+        page = next;
+    }
+    PutMem(file->Name);
+    PutMem(file->Content);
+    PutMem(file);
 }
 
 // Reads and lays out the content; null and all released if it has no page.

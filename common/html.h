@@ -131,6 +131,8 @@ extern const char HtmlKeys[];                   // the tags the layout knows, a 
 HtmlFile *ParseHtmlFile(const char *name, const char *buffer);
 // The loaded file of exactly that name, made current, or null.
 HtmlFile *FindHtmlFile(const char *name);
+// Releases a file that is in no table any more, with its pages. The program keeps its files; tests do not.
+void FreeHtmlFile(HtmlFile *file);
 // The text of the next tag, cut out of the content, or null. Moves Cursor behind the tag.
 char *GetKeyWord(HtmlFile *file);
 // Reads tokens from Cursor up to the end tag ("head" for </head>) or the end of the content.
