@@ -1,0 +1,84 @@
+// The terminal's prompts: a line of input, a question, a message.
+#include "common/TextMenu.h"
+
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/utils.h"
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstring>
+#include <string>
+#include <unistd.h>
+
+enum { PROMPT_LINE = 4096, PROMPT_COPY = 1024, INPUT_END = -1, INPUT_END_MARK = 0xFF, TXT_CONTINUE = 1001 };
+
+// Descriptor 0 itself and not the stream: a buffered stream would take lines that belong to the next child.
+static int GetInputChar() {
+    unsigned char ch;
+    ssize_t got;
+    do {
+        got = read(STDIN_FILENO, &ch, 1);
+    } while (got < 0 && errno == EINTR);
+    return got == 1 ? int{ch} : int{INPUT_END};
+}
+
+char *Gets(char *buffer, int size) {
+    if (size < 1) return nullptr;
+    fflush(stdout);
+    errno = 0;
+    int length = 0;
+    int ch = '\n';
+    while (length < size - 1) {
+        ch = GetInputChar();
+        if (ch == '\n' || ch == INPUT_END || ch == INPUT_END_MARK) break;
+        buffer[length++] = static_cast<char>(ch);
+    }
+    buffer[length] = '\0';
+    return length == 0 && ch != '\n' ? nullptr : buffer;
+}
+
+[[gnu::format(printf, 1, 0)]] static std::string FormatText(const char *format, va_list args) {
+    va_list again;
+    va_copy(again, args);
+    int length = vsnprintf(nullptr, 0, format, again);
+    va_end(again);
+    if (length < 0) return format;
+    std::string text(static_cast<size_t>(length) + 1, '\0');
+    vsnprintf(text.data(), text.size(), format, args);
+    text.pop_back();
+    return text;
+}
+
+int PromptYN(const char *format, ...) {
+    // Made once: the arguments may lie in LineBuf, which the answers overwrite.
+    va_list args;
+    va_start(args, format);
+    std::string question = FormatText(format, args) + "? [y/n] ";
+    va_end(args);
+    do {
+        fputs(question.c_str(), stdout);
+        if (Gets(LineBuf, LINEBUF_SIZE) == nullptr) return 0;
+    } while (LineBuf[0] != 'y' && LineBuf[0] != 'n');
+    return LineBuf[0] == 'y';
+}
+
+// The whole line is taken even where less of it is wanted, so that its rest is no answer to the next
+// question.
+char *PromptUser(const char *prompt, char *buffer, size_t capacity) {
+    fputs(prompt, stdout);
+    char line[PROMPT_LINE];
+    if (Gets(line, buffer != nullptr ? PROMPT_LINE : PROMPT_COPY) == nullptr) line[0] = '\0';
+    if (buffer == nullptr) return SaveStr_(line);
+    if (capacity > 0) snprintf(buffer, capacity, "%s", line);
+    return buffer;
+}
+
+void PostMsg(const char *format, ...) {
+    va_list args;
+    va_start(args, format);
+    vprintf(format, args);
+    va_end(args);
+    Nlsfprintf(stdout, pDrvCoreDB, NLS_TTY_SET, TXT_CONTINUE);
+    Gets(LineBuf, LINEBUF_SIZE);
+}
