@@ -70,22 +70,23 @@ static char *FindChoice(TextMenuItem *item, int index) {
     return *at != '\0' ? at : nullptr;
 }
 
-static void SetCurrentChoice(TextMenuItem *item, const char *choice) {
+const char *FetchCurrentChoice(TextMenuItem *item) {
+    char token[TOKEN_SIZE];
+    const char *choice = GetChoice(item, item->value.i, token);
     PutMem(item->current);
     item->current = choice != nullptr ? SaveStr_(choice) : nullptr;
+    return item->current;
 }
 
 void UpdateStateSelection(TextMenuItem *item) {
-    char token[TOKEN_SIZE];
     int count = item->choices != nullptr ? GetTokenCount(item->choices, ",") : 0;
-    char *choice = GetChoice(item, item->value.i, token);
+    const char *choice = FetchCurrentChoice(item);
     // A bit set has no next choice to move to.
     for (int i = 0; i < count && item->type == ITEM_PICK && choice != nullptr && choice[0] == ' '; i++) {
         item->previous = item->value.i;
         item->value.i = (item->value.i + 1) % count;
-        choice = GetChoice(item, item->value.i, token);
+        choice = FetchCurrentChoice(item);
     }
-    SetCurrentChoice(item, choice);
 }
 
 void HideStateSelection(TextMenuItem *item, int choice) {

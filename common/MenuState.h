@@ -27,6 +27,9 @@ void ShowStateSelection(TextMenuItem *item, int choice);
 // Choice number index (from 0) with its marker, copied into token (TOKEN_SIZE bytes, at most 127 characters);
 // null if there is none. Leaves the token state alone but for chTokenDel.
 char *GetChoice(const TextMenuItem *item, intptr_t index, char *token);
+// Fetches the choice of the value into current: a managed copy that the next fetch or FreeMenu releases; null
+// for none.
+const char *FetchCurrentChoice(TextMenuItem *item);
 
 // The submenu that an item of type 8 opens: its value, or with a format the array's entry at the place of the
 // first condition that holds. Null if the item is not in the normal state, no condition holds, or it is no

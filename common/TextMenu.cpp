@@ -178,9 +178,8 @@ static std::string GetItemKey(const TextMenuItem *item) {
     return key;
 }
 
-static void PrintPickValue(const TextMenuItem *item) {
-    char token[TOKEN_SIZE];
-    const char *choice = GetChoice(item, item->value.i, token);
+static void PrintPickValue(TextMenuItem *item) {
+    const char *choice = FetchCurrentChoice(item);
     if (choice == nullptr || choice[0] == ' ') {
         fputs(" [ ]", stdout);
         return;
@@ -201,7 +200,7 @@ static void PrintBitsValue(const TextMenuItem *item) {
     putchar(']');
 }
 
-static void PrintItemValue(const TextMenuItem *item, int longest) {
+static void PrintItemValue(TextMenuItem *item, int longest) {
     if (item->type < ITEM_PICK || item->type > ITEM_FLOAT) return;
     for (int i = item->length; i < longest; i++) putchar('.');
     switch (item->type) { // 9 to 14

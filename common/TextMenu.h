@@ -72,7 +72,7 @@ struct TextMenuItem {
     int state = STATE_NORMAL;
     const char *prompt = nullptr; // question of an entry item, without the colon
     char *choices = nullptr;      // writable comma list; each choice led by _ (visible) or a blank (hidden)
-    char *current = nullptr;      // managed copy of the choice of the value; kept by UpdateStateSelection
+    char *current = nullptr;      // managed copy of the choice of the value; fetched anew for each display
     MenuVal initial = {.i = 0};   // the default: what InitMenu sets
     MenuVal value = {.i = 0};     // types 11, 12: a buffer of MENU_TEXT_SIZE bytes, or null
     intptr_t previous = 0;        // number before the last change
