@@ -11,6 +11,8 @@
 #include <cstdlib>
 #include <cstring>
 
+static const char Whitespace[] = " \t\r\n\v\f";
+
 // A line of the file, taken apart: INDEX[VALUE] TYPE STATE, or INDEX{ in front of a submenu's lines.
 struct SettingsLine {
     int index;
@@ -66,8 +68,8 @@ static int ParseSettingsLine(const char *line, SettingsLine *parsed) {
     parsed->index = ParseNumber(line, &at);
     if (at == line || *at == '\0') return 0;
     parsed->separator = *at++;
-    at += strspn(at, " \t\r\n");
-    size_t length = strcspn(at, " \t\r\n");
+    at += strspn(at, Whitespace);
+    size_t length = strcspn(at, Whitespace);
     if (length >= sizeof parsed->value) length = sizeof parsed->value - 1;
     memcpy(parsed->value, at, length);
     if (length > 0 && parsed->value[length - 1] == ']') length--;
