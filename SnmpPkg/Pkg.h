@@ -167,7 +167,7 @@ const char *PkgErrName(int code);
 // Where agents listen. Tests move the ports and shorten the limit; the program never does.
 extern uint16_t SnmpAgentPort; // 161
 extern uint16_t SnmpTrapPort;  // 162
-extern int SnmpBroadcastLimit; // 60: seconds after which a broadcast is no longer listened to, silence or not
+extern int SnmpBroadcastLimit; // 60: seconds after which a broadcast or a trap is no longer listened to
 
 // Runs commands 1 to 23 until PKG_END. 0; 1 without a package; 3 at once for a 0 or a number above 23. A
 // command whose argument cannot be used (no room for a variable, a name or a value, a negative length, a
@@ -232,6 +232,7 @@ auto PkgArgument(T value) {
     if constexpr (std::is_null_pointer_v<T>) {
         return static_cast<const char *>(nullptr);
     } else if constexpr (std::is_pointer_v<T>) {
+        static_assert(!std::is_function_v<std::remove_pointer_t<T>> || std::is_same_v<T, PkgCallback>);
         return value;
     } else {
         static_assert((std::is_integral_v<T> || std::is_enum_v<T>)&&sizeof(T) <= sizeof(int));

@@ -1,0 +1,222 @@
+// The package beside net-snmp: the same requests byte for byte as its tools send them, and values from its
+// agent.
+#include "SnmpPkg/Encode.h"
+#include "SnmpPkg/Pkg.h"
+#include "tests/lib/Capture.h"
+
+#include <arpa/inet.h>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <netinet/in.h>
+#include <poll.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+// Starts a program of net-snmp that reads no configuration and no MIB, and writes nowhere but the scratch
+// directory.
+static pid_t Start(const Scratch &scratch, const std::string &line) {
+    pid_t child = fork();
+    if (child != 0) return child;
+    int null = open("/dev/null", O_RDWR);
+    for (int fd : {0, 1, 2}) dup2(null, fd);
+    setenv("MIBS", "", 1);
+    setenv("SNMPCONFPATH", scratch.Path().c_str(), 1);
+    setenv("SNMP_PERSISTENT_DIR", scratch.Path().c_str(), 1);
+    setenv("PATH", "/usr/bin:/usr/sbin:/bin:/sbin", 1);
+    execl("/bin/sh", "sh", "-c", ("exec " + line).c_str(), static_cast<char *>(nullptr));
+    _exit(127);
+}
+
+static bool Installed(const char *program) {
+    for (const char *directory : {"/usr/bin/", "/usr/sbin/", "/usr/local/bin/", "/usr/local/sbin/"})
+        if (access((std::string(directory) + program).c_str(), X_OK) == 0) return true;
+    return false;
+}
+
+static int BindLoopback(uint16_t *port) {
+    sockaddr_in at = {};
+    socklen_t size = sizeof at;
+    int fd = socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
+    at.sin_family = AF_INET;
+    at.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+    if (bind(fd, reinterpret_cast<sockaddr *>(&at), sizeof at) != 0) return -1;
+    getsockname(fd, reinterpret_cast<sockaddr *>(&at), &size);
+    *port = ntohs(at.sin_port);
+    return fd;
+}
+
+// The datagram that a tool sends for these arguments.
+static std::string ToolPacket(const Scratch &scratch, const std::string &tool, const std::string &arguments) {
+    uint16_t port = 0;
+    int fd = BindLoopback(&port);
+    pid_t child = Start(scratch, tool + " -v1 -On -c wrcommx -r 0 -t 0.1 127.0.0.1:" + std::to_string(port) +
+                                     " " + arguments);
+    pollfd wait = {fd, POLLIN, 0};
+    char bytes[2048];
+    ssize_t count = poll(&wait, 1, 10000) > 0 ? recv(fd, bytes, sizeof bytes, 0) : 0;
+    int status = 0;
+    waitpid(child, &status, 0);
+    close(fd);
+    return std::string(bytes, count > 0 ? static_cast<size_t>(count) : 0);
+}
+
+// The request id of a message: the first number of the PDU, behind the version and the community.
+static int32_t RequestId(const std::string &message) {
+    size_t at = message.find("wrcommx") + 7; // the PDU's tag
+    at += static_cast<uint8_t>(message[at + 1]) >= 0x80 ? 2 + (message[at + 1] & 0x7F) : 2;
+    int32_t id = 0;
+    for (int i = 0; i < message[at + 1]; i++)
+        id = id << 8 | static_cast<uint8_t>(message[at + 2 + static_cast<size_t>(i)]);
+    return id;
+}
+
+TEST(Interop, TheSameBytesAsTheTools) {
+    if (!Installed("snmpset"))
+        GTEST_SKIP() << "snmpget, snmpgetnext and snmpset of net-snmp are not installed";
+    static const char oid[] = "1.3.6.1.2.1.43.5.1.1.4.1";
+    std::string text(300, 't'), arguments = std::string(oid) + " ";
+    struct Case {
+        const char *name;
+        std::string tool, arguments;
+        int pdu;
+        int (*setUp)(SnmpPackage *package);
+    } cases[] = {
+        {"get", "snmpget", arguments, PDU_GET, [](SnmpPackage *p) { return SnmpSetup(p, PKG_EMPTY, oid); }},
+        {"get of three", "snmpget", arguments + "1.3.6.1.2.1.1.1.0 1.3.6.1.4.1.2147483647.128.16384", PDU_GET,
+         [](SnmpPackage *p) {
+             return SnmpSetup(p, PKG_EMPTY_LIST, oid, "1.3.6.1.2.1.1.1.0", "1.3.6.1.4.1.2147483647.128.16384",
+                              nullptr);
+         }},
+        {"get next", "snmpgetnext", arguments, PDU_GETNEXT,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_EMPTY, oid); }},
+        {"set 0", "snmpset", arguments + "i 0", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_NUMBER, oid, 0); }},
+        {"set 200", "snmpset", arguments + "i 200", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_NUMBER, oid, 200); }},
+        {"set 8388608", "snmpset", arguments + "i 8388608", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_NUMBER, oid, 8388608); }},
+        {"set gauge", "snmpset", arguments + "u 70000", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_GAUGE, oid, 70000); }},
+        {"set timeticks", "snmpset", arguments + "t 5", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_TIMETICKS, oid, 5); }},
+        {"set text", "snmpset", arguments + "s 'Second floor'", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_STRING, oid, "Second floor"); }},
+        {"set empty text", "snmpset", arguments + "s ''", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_STRING, oid, ""); }},
+        {"set 300 characters", "snmpset", arguments + "s " + text, PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_STRING, oid, std::string(300, 't').c_str()); }},
+        {"set object", "snmpset", arguments + "o 1.3.6.1.4.1.7717", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_OBJECT, oid, "1.3.6.1.4.1.7717"); }},
+        {"set address", "snmpset", arguments + "a 10.0.0.200", PDU_SET,
+         [](SnmpPackage *p) { return SnmpSetup(p, PKG_IPADDRESS_TEXT, oid, "10.0.0.200"); }},
+        {"set two", "snmpset", arguments + "i 4 1.3.6.1.2.1.1.6.0 s here", PDU_SET,
+         [](SnmpPackage *p) {
+             return SnmpSetup(p, PKG_NUMBER, oid, 4, PKG_STRING, "1.3.6.1.2.1.1.6.0", "here");
+         }},
+    };
+    Scratch scratch;
+    for (const Case &c : cases) {
+        std::string want = ToolPacket(scratch, c.tool, c.arguments);
+        ASSERT_FALSE(want.empty()) << c.name << ": the tool sent nothing";
+        SnmpPackage package;
+        PkgPacket packet;
+        ASSERT_EQ(SnmpSetup(&package, PKG_INIT), SUCCESS);
+        ASSERT_EQ(c.setUp(&package), SUCCESS) << c.name;
+        PkgStartPacket(&packet);
+        EncodeVars(&package, &packet, c.pdu == PDU_SET);
+        ASSERT_TRUE(PkgEncodePacketProlog(&packet, "wrcommx", RequestId(want), c.pdu)) << c.name;
+        std::string got(reinterpret_cast<char *>(packet.Data) + packet.Pos, static_cast<size_t>(packet.Len));
+        EXPECT_EQ(testing::PrintToString(got), testing::PrintToString(want)) << c.name;
+    }
+}
+
+// Net-snmp's agent on a free port of loopback, until the end of the test.
+struct Agent {
+    Scratch scratch;
+    pid_t child = 0;
+    Agent() {
+        uint16_t port = 0;
+        close(BindLoopback(&port));
+        scratch.Write("agent.conf", "rocommunity rdcomm 127.0.0.1\n"
+                                    "rwcommunity wrcommx 127.0.0.1\n"
+                                    "override .1.3.6.1.4.1.9999.1.0 integer -5\n"
+                                    "override .1.3.6.1.4.1.9999.2.0 uinteger 4000000000\n"
+                                    "override .1.3.6.1.4.1.9999.3.0 octet_str \"lobby\"\n"
+                                    "override .1.3.6.1.4.1.9999.4.0 object_id .1.3.6.1.2.1.2147483647\n"
+                                    "override .1.3.6.1.4.1.9999.5.0 counter 4294967295\n"
+                                    "override .1.3.6.1.4.1.9999.6.0 timeticks 77\n"
+                                    "override -rw .1.3.6.1.4.1.9999.7.0 integer 3\n"
+                                    "override -rw .1.3.6.1.4.1.9999.8.0 octet_str \"x\"\n");
+        child = Start(scratch, "snmpd -f -C -c " + scratch.Path("agent.conf") +
+                                   " -Ln udp:127.0.0.1:" + std::to_string(port));
+        SnmpAgentPort = port;
+    }
+    ~Agent() {
+        kill(child, SIGTERM);
+        int status = 0;
+        waitpid(child, &status, 0);
+    }
+    bool Answers() {
+        SnmpPackage package;
+        for (int i = 0; i < 15; i++) {
+            if (SnmpSetup(&package, PKG_INIT, PKG_EMPTY, "1.3.6.1.2.1.1.3.0") != SUCCESS) return false;
+            package.Timeout = 1;
+            SnmpSend(&package, PKG_SENDMODE, PKG_MODE_GET, PKG_PDU, PDU_GET, PKG_ADDRESSES, "127.0.0.1");
+            if (package.Vars[0].Status == SUCCESS) return true;
+        }
+        return false;
+    }
+};
+
+TEST(Interop, ValuesOfItsAgent) {
+    if (!Installed("snmpd")) GTEST_SKIP() << "snmpd of net-snmp is not installed";
+    Agent agent;
+    ASSERT_TRUE(agent.Answers());
+    SnmpPackage package;
+    auto send = [&](int pdu) {
+        package.Timeout = 1;
+        return SnmpSend(&package, PKG_SENDMODE, PKG_MODE_GET, PKG_PDU, pdu, PKG_ADDRESSES, "127.0.0.1");
+    };
+    struct Case {
+        const char *name;
+        int status, type;
+        const char *text;
+    } cases[] = {
+        {"1.3.6.1.4.1.9999.1.0", SUCCESS, VT_NUMBER, "-5"},
+        {"1.3.6.1.4.1.9999.2.0", SUCCESS, VT_GAUGE, "4000000000"},
+        {"1.3.6.1.4.1.9999.3.0", SUCCESS, VT_STRING, "lobby"},
+        {"1.3.6.1.4.1.9999.4.0", SUCCESS, VT_OBJECT, "1.3.6.1.2.1.2147483647"},
+        {"1.3.6.1.4.1.9999.5.0", SUCCESS, VT_COUNTER, "4294967295"},
+        {"1.3.6.1.4.1.9999.6.0", SUCCESS, VT_TIMETICKS, "77"},
+        {"1.3.6.1.2.1.4.20.1.1.127.0.0.1", SUCCESS, VT_IPADDRESS, "127.0.0.1"},
+        {"1.3.6.1.4.1.9999.99.0", SEND_DATA_NOT_FILLED, 0, "______________"}, // noSuchName
+    };
+    ASSERT_EQ(SnmpSetup(&package, PKG_INIT), SUCCESS);
+    for (const Case &c : cases) ASSERT_EQ(SnmpSetup(&package, PKG_EMPTY, c.name), SUCCESS);
+    EXPECT_EQ(send(PDU_GET), SUCCESS);
+    for (size_t i = 0; i < std::size(cases); i++) {
+        EXPECT_EQ(package.Vars[i].Status, cases[i].status) << cases[i].name;
+        EXPECT_EQ(package.Vars[i].RecType, cases[i].type) << cases[i].name;
+        EXPECT_STREQ(package.Vars[i].RecText, cases[i].text) << cases[i].name;
+    }
+    // Writing takes the right community, and is confirmed by the value that comes back.
+    for (const char *community : {"rdcomm", "wrcommx"}) {
+        ASSERT_EQ(SnmpSetup(&package, PKG_INIT, PKG_COMMUNITY, community, PKG_NUMBER, "1.3.6.1.4.1.9999.7.0",
+                            4, PKG_STRING, "1.3.6.1.4.1.9999.8.0", "Second floor"),
+                  SUCCESS);
+        EXPECT_EQ(send(PDU_SET), SUCCESS);
+        int want = strcmp(community, "rdcomm") == 0 ? SEND_DATA_NOT_FILLED : SUCCESS;
+        EXPECT_EQ(package.Vars[0].Status, want) << community;
+        EXPECT_EQ(package.Vars[1].Status, want) << community;
+    }
+    EXPECT_EQ(package.Vars[0].RecValue, 4);
+    EXPECT_STREQ(package.Vars[1].RecText, "Second floor");
+    ASSERT_EQ(SnmpSetup(&package, PKG_INIT, PKG_EMPTY, "1.3.6.1.4.1.9999.2.0"), SUCCESS);
+    EXPECT_EQ(send(PDU_GETNEXT), SUCCESS);
+    ASSERT_EQ(package.NumRecVars, 2);
+    EXPECT_STREQ(package.Vars[1].Name, "1.3.6.1.4.1.9999.3.0");
+    EXPECT_STREQ(package.Vars[1].RecText, "lobby");
+}
