@@ -1,0 +1,60 @@
+// An exchange with hosts that answer anything: each part of the input, a length byte pair ahead of it, is one
+// datagram read into the same package, as the engine does it; a part of no length ends a host. Where a part
+// does not begin like a message its bytes are taken for bindings, so that the walk is reached without a
+// prolog.
+#include "SnmpPkg/Decode.h"
+#include "SnmpPkg/Filter.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <cstring>
+
+static void Check(bool holds) {
+    if (!holds) abort();
+}
+
+// Every text lies in the record and ends there, and the fill marks are in range.
+static void CheckPackage(const SnmpPackage &package) {
+    const char *begin = reinterpret_cast<const char *>(&package);
+    auto inside = [&](const char *text) {
+        return text >= begin && text < begin + sizeof package &&
+               memchr(text, 0, static_cast<size_t>(begin + sizeof package - text)) != nullptr;
+    };
+    Check(package.NumRecVars >= package.NumVars && package.NumRecVars <= PKG_VARS);
+    Check(package.RecNameUsed <= PKG_NAMES_SIZE && package.RecValueUsed <= PKG_VALUES_SIZE);
+    for (int i = 0; i < package.NumRecVars; i++) {
+        const PkgVar &var = package.Vars[i];
+        Check(inside(var.Name) && inside(var.RecText));
+        if (var.Status != SUCCESS || var.RecData == nullptr) continue;
+        Check(inside(var.RecData) && (var.RecType == VT_BITSTRING || inside(var.RecData + var.RecValue)));
+    }
+}
+
+static void ReadDatagram(SnmpPackage *package, const uint8_t *data, size_t size) {
+    PkgPacket packet = {};
+    PkgProlog prolog;
+    PkgPrologText text;
+    memcpy(packet.Data, data, std::min<size_t>(size, PKG_DATA_SIZE));
+    packet.Len = static_cast<int32_t>(std::min<size_t>(size, PKG_DATA_SIZE));
+    bool message = packet.Data[0] == BER_SEQUENCE && packet.Data[2] == BER_INTEGER;
+    if (!message || PkgReadProlog(&packet, &prolog, &text)) DecodeVariables(&packet, package, 0);
+    CheckPackage(*package);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
+    SnmpPackage package;
+    SnmpSetup(&package, PKG_INIT, PKG_EMPTY, "1.3.6.1.2.1.1.5.0", PKG_TABLE_NAME,
+              "1.3.6.1.2.1.43.8.2.1.13.1.1");
+    InitRecVars(&package);
+    while (size >= 2) {
+        size_t part = std::min<size_t>(static_cast<size_t>(data[0]) << 8 | data[1], size - 2);
+        if (part > 0)
+            ReadDatagram(&package, data + 2, part);
+        else
+            InitRecVars(&package);
+        PassFilter("(($0) && ((Tarvo IN $1) || (!($2))))", &package);
+        data += part + 2;
+        size -= part + 2;
+    }
+    return 0;
+}
