@@ -19,6 +19,7 @@
 #include "common/DbmT.h"
 
 static const std::string_view EndLine = "$end";
+static FILE *pFaults = stderr; // where faults of sources and databases are told
 
 struct Record {
     std::string key;
@@ -82,7 +83,7 @@ struct Compiler {
 };
 
 static void Fault(Compiler *c, size_t line, const std::string &text) {
-    fprintf(stderr, "%s:%zu: %s\n", c->name, line + 1, text.c_str());
+    fprintf(pFaults, "%s:%zu: %s\n", c->name, line + 1, text.c_str());
     c->faults++;
 }
 
@@ -448,10 +449,10 @@ static int DumpImage(const char *name, DbTHandle *handle, std::string *out) {
         if (TakeRecord(handle, walked, &record))
             *out += RecordSource(record, &set);
         else
-            faults += fprintf(stderr, "%s: the record before byte %zu has no key\n", name, handle->walk) > 0;
+            faults += fprintf(pFaults, "%s: the record before byte %zu has no key\n", name, handle->walk) > 0;
     }
     if (handle->size != size || (handle->type == DBT_HEADER && size < DBT_HEADER_SIZE))
-        faults += fprintf(stderr, "%s: damaged from byte %zu on\n", name, handle->size) > 0;
+        faults += fprintf(pFaults, "%s: damaged from byte %zu on\n", name, handle->size) > 0;
     return faults;
 }
 
