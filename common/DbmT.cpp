@@ -34,6 +34,7 @@ struct DbTPrivate {
     int flUnread;                 // that file could not be read
     IndexSlot *slots;
     size_t slotCount; // a power of 2, 0 without an index
+    int flSearched;   // this image was searched before: an index will pay
     const char *indexImage;
     size_t indexSize;
     int indexType;
@@ -70,6 +71,7 @@ static void DropIndex(DbTHandle *h) {
     PutMem(h->priv->slots);
     h->priv->slots = nullptr;
     h->priv->slotCount = 0;
+    h->priv->flSearched = 0;
 }
 
 void DbmTPutData(DbTHandle *handle, const void *bytes, size_t count) {
@@ -337,13 +339,19 @@ static void FillIndex(DbTHandle *h) {
     }
 }
 
-// False if there is no memory for one; the search then walks.
+static bool IndexHolds(const DbTHandle *h) {
+    const DbTPrivate *p = h->priv;
+    return p->slots && p->indexImage == h->image && p->indexSize == h->size && p->indexType == h->type;
+}
+
+// False for the first search of an image, and if there is no memory for an index; the search then walks.
 static bool BuildIndex(DbTHandle *h) {
     DbTPrivate *p = h->priv;
-    if (p->slots && p->indexImage == h->image && p->indexSize == h->size && p->indexType == h->type)
-        return true;
+    if (IndexHolds(h)) return true;
+    bool flPays = p->flSearched != 0;
     DropIndex(h);
-    if (!h->image || h->size >= UINT32_MAX) return false;
+    p->flSearched = 1;
+    if (!flPays || !h->image || h->size >= UINT32_MAX) return false;
     p->slotCount = std::bit_ceil(2 * CountRecords(h) + 2);
     p->slots = static_cast<IndexSlot *>(GetMem(p->slotCount * sizeof(IndexSlot)));
     if (!p->slots) return false;

@@ -4,10 +4,10 @@
 // back in the format it came in; a new file gets the header. doc/xdb.md tells both, with a worked example.
 //
 // Every read first asks for the file's state (one stat) and reloads the image if the file is another one or
-// was changed, unless the flags hold DBT_NO_RELOAD. Found records cost one look-up in an index of the keys,
-// which the first search after a load builds in one walk; a write drops it. A write makes the whole file
-// anew, with the safety that Dbm.h tells, unless the flags hold DBT_NO_WRITE: then it waits for
-// DbmTArchiveDb, and a reload before that loses it.
+// was changed, unless the flags hold DBT_NO_RELOAD. The first search of an image walks it; the second builds
+// an index of the keys, and from then on a record costs one look-up, until a write or a reload drops the
+// index. A write makes the whole file anew, with the safety that Dbm.h tells, unless the flags hold
+// DBT_NO_WRITE: then it waits for DbmTArchiveDb, and a reload before that loses it.
 //
 // Files are not trusted: a record that runs past the end of the image, or a key past its record, ends the
 // walk there, and what lies behind it is cut off the image. A record without a whole key is kept but never

@@ -45,8 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     pToolPath = ToolDirectory().data();
     std::string text(reinterpret_cast<const char *>(data), size);
     size_t end = std::min(text.find('\n'), text.length());
-    std::ofstream(ToolDirectory() + "/trans.conf", std::ios::binary)
-        << text.substr(std::min(end + 1, text.length()));
+    WriteTable(text.substr(std::min(end + 1, text.length())));
     setenv("LANG", text.substr(0, end).c_str(), 1);
 
     const char *language = GetDesiredNLSLang();

@@ -13,8 +13,7 @@
 namespace fs = std::filesystem;
 
 static std::string RunXdb(const std::string &arguments) {
-    fs::path script = fs::path(__FILE__).parent_path() / "xdb.py";
-    FILE *stream = popen(("python3 -B '" + script.string() + "' " + arguments + " 2>&1").c_str(), "r");
+    FILE *stream = popen(("python3 -B '" TESTS_LIB "/xdb.py' " + arguments + " 2>&1").c_str(), "r");
     if (!stream) throw std::runtime_error("popen");
     std::string text;
     for (int ch; (ch = getc(stream)) != EOF;) text += static_cast<char>(ch);
