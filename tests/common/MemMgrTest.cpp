@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fstream>
 #include <map>
 #include <random>
 #include <string>
@@ -21,11 +22,15 @@
 static bool IsHidden(const void *address) {
     return __asan_address_is_poisoned(address);
 }
+static void Show(const void *address, size_t size) {
+    __asan_unpoison_memory_region(address, size);
+}
 static constexpr bool flHides = true;
 #else
 static bool IsHidden(const void *) {
     return true;
 }
+static void Show(const void *, size_t) {}
 static constexpr bool flHides = false;
 #endif
 
@@ -290,6 +295,8 @@ TEST_F(MemMgr, AdjustsDownOverFreeNodes) {
     EXPECT_STREQ(CheckMem(), nullptr);
     PutMem(moved);
     EXPECT_EQ(pMemB->freeCount, MEM_BLOCK_NODES - 8) << "its old address is none any more";
+    PutMem(low);
+    EXPECT_EQ(Adjust(target, 223), low) << "down to the first node";
 }
 
 TEST_F(MemMgr, AdjustsNullAndZero) {
@@ -309,6 +316,8 @@ TEST_F(MemMgr, KeepsADedicatedBlockHoweverSmall) {
     ASSERT_EQ(Adjust(address, 100), address);
     EXPECT_EQ(pMemB->size, 262144);
     EXPECT_TRUE(IsAll(address, 'x', 100));
+    Show(address, 200000);
+    EXPECT_TRUE(IsZero(address + 128, 200000 - 128)) << "cleared at once";
     ASSERT_EQ(Adjust(address, 150000), address);
     EXPECT_TRUE(IsZero(address + 128, 150000 - 128));
     memset(address, 'y', 150000);
@@ -323,12 +332,21 @@ TEST_F(MemMgr, KeepsADedicatedBlockHoweverSmall) {
 
 // ---- failures
 
-static int mapsLeft, mapsLive;
+static int mapsLeft;
 
 static void *FailingMap(void *address, size_t size, int protection, int flags, int descriptor, off_t offset) {
     if (mapsLeft-- <= 0) return errno = ENOMEM, MAP_FAILED;
-    mapsLive++;
     return mmap(address, size, protection, flags, descriptor, offset);
+}
+
+// Bytes of the regions that the manager holds.
+static size_t MappedBytes() {
+    std::ifstream maps("/proc/self/maps");
+    size_t sum = 0, low, high;
+    for (std::string line; std::getline(maps, line);)
+        if (line.ends_with("/dev/zero") && sscanf(line.c_str(), "%zx-%zx", &low, &high) == 2)
+            sum += high - low;
+    return sum;
 }
 
 static int FailingOpen(const char *, int, ...) {
@@ -338,6 +356,8 @@ static int FailingOpen(const char *, int, ...) {
 TEST_F(MemMgr, ReportsAFailedMappingAndKeepsTheOldContents) {
     char *kept = Get(65535);
     strcpy(kept, "kept");
+    size_t mapped = MappedBytes();
+    ASSERT_GT(mapped, size_t{MEM_BLOCK_SIZE});
     pMemMap = FailingMap;
     for (int fails = 0; fails < 2; fails++) {
         for (size_t size : {size_t{1}, size_t{100000}}) {
@@ -354,6 +374,7 @@ TEST_F(MemMgr, ReportsAFailedMappingAndKeepsTheOldContents) {
         EXPECT_EQ(testing::internal::GetCapturedStderr(), "ERROR: Unable to allocate memory\n");
         EXPECT_STREQ(kept, "kept");
     }
+    EXPECT_EQ(MappedBytes(), mapped) << "one region of two is given back";
 }
 
 TEST_F(MemMgr, RefusesSizesBeyondItsFields) {

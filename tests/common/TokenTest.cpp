@@ -132,11 +132,14 @@ TEST(Scan, EndsLinesInLineMode) {
         EXPECT_STREQ(GetToken(pTokenLine, " \n"), wanted);
         EXPECT_STREQ(GetTokenD(pTokenLine, " \n", &position, buffer), wanted);
         EXPECT_EQ(position, szIn);
+        if (!wanted && *szIn) {
+            EXPECT_STREQ(szTokenIn, szIn - 2) << "only a call that ends normally moves the copy";
+        }
     }
     SetTokenBuf(text.data());
     EXPECT_STREQ(GetTokenParse(pTokenLine, " \n"), "a");
     EXPECT_EQ(GetTokenParse(pTokenLine, " \n"), nullptr);
-    EXPECT_STREQ(szTokenIn, "b") << "only a call that ends normally moves the copy";
+    EXPECT_STREQ(szTokenIn, "b");
     EXPECT_STREQ(GetTokenParse(nullptr, " \n"), "c");
 }
 
@@ -244,6 +247,7 @@ TEST(Words, AreSorted) {
         EXPECT_EQ(Sorted(c.list, ',', 1), c.noCase) << c.name;
     }
     EXPECT_EQ(Sorted("b a c ", ' ', 0), "a b c ");
+    EXPECT_EQ(Sorted("bbAbBbbBAb", 'b', 1), "bbAbBAbBbb") << "a delimiter that equals a letter without case";
     SortTokens(nullptr, ',', 0);
 }
 
@@ -274,7 +278,7 @@ TEST(Words, AreSortedAsASelectionSortWould) {
     for (int round = 0; round < 20000; round++) {
         std::string list(random() % 24, ' ');
         for (char &ch : list) ch = letters[random() % (sizeof(letters) - 1)];
-        char delim = delims[random() % 16 ? 0 : random() % 5];
+        char delim = delims[random() % 3 ? 0 : random() % 5];
         bool flNoCase = random() % 2;
         ASSERT_EQ(Sorted(list, delim, flNoCase), SelectionSort(list, delim, flNoCase))
             << list << " by " << delim << (flNoCase ? " without case" : "");
