@@ -130,19 +130,6 @@ TEST(MenuState, LeavesInactiveItemsAlone) {
     EXPECT_EQ(Show(state), "100000");
 }
 
-TEST(MenuState, FollowsTheApplicationsFeatureFormat) {
-    // With features off the banner item is hidden first, so the P group finds it inactive and item 5 keeps
-    // its state.
-    StateMenu state;
-    state.items[0].format = "H0{1,2} P0|1{1}";
-    state.items[1].format = "H0{5}";
-    ProcessStateFormat(&state.menu, 0);
-    EXPECT_EQ(Show(state), "022000");
-    state.items[0].value.i = 1;
-    ProcessStateFormat(&state.menu, 0);
-    EXPECT_EQ(Show(state), "000002");
-}
-
 // ---- conditions
 
 struct ConditionCase {
