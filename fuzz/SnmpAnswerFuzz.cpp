@@ -4,31 +4,11 @@
 // prolog.
 #include "SnmpPkg/Decode.h"
 #include "SnmpPkg/Filter.h"
+#include "tests/lib/PkgCheck.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-
-static void Check(bool holds) {
-    if (!holds) abort();
-}
-
-// Every text lies in the record and ends there, and the fill marks are in range.
-static void CheckPackage(const SnmpPackage &package) {
-    const char *begin = reinterpret_cast<const char *>(&package);
-    auto inside = [&](const char *text) {
-        return text >= begin && text < begin + sizeof package &&
-               memchr(text, 0, static_cast<size_t>(begin + sizeof package - text)) != nullptr;
-    };
-    Check(package.NumRecVars >= package.NumVars && package.NumRecVars <= PKG_VARS);
-    Check(package.RecNameUsed <= PKG_NAMES_SIZE && package.RecValueUsed <= PKG_VALUES_SIZE);
-    for (int i = 0; i < package.NumRecVars; i++) {
-        const PkgVar &var = package.Vars[i];
-        Check(inside(var.Name) && inside(var.RecText));
-        if (var.Status != SUCCESS || var.RecData == nullptr) continue;
-        Check(inside(var.RecData) && (var.RecType == VT_BITSTRING || inside(var.RecData + var.RecValue)));
-    }
-}
 
 static void ReadDatagram(SnmpPackage *package, const uint8_t *data, size_t size) {
     PkgPacket packet = {};
@@ -38,7 +18,7 @@ static void ReadDatagram(SnmpPackage *package, const uint8_t *data, size_t size)
     packet.Len = static_cast<int32_t>(std::min<size_t>(size, PKG_DATA_SIZE));
     bool message = packet.Data[0] == BER_SEQUENCE && packet.Data[2] == BER_INTEGER;
     if (!message || PkgReadProlog(&packet, &prolog, &text)) DecodeVariables(&packet, package, 0);
-    CheckPackage(*package);
+    if (PkgCheck(*package) != nullptr) abort();
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

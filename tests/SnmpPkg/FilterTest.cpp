@@ -89,34 +89,6 @@ TEST(Filter, BrandInTheDescription) {
     EXPECT_TRUE(PassFilter(Brand, &package));
 }
 
-TEST(Filter, TermsAndOperators) {
-    struct Case {
-        const char *expression;
-        int sign;
-        size_t position;
-        const char *left, *right;
-    } cases[] = {
-        {"(($5) && ($3))", OP_AND, 5, "($5)", "($3)"},
-        {"(($5) || ($3))", OP_OR, 5, "($5)", "($3)"},
-        {"(Tarvo IN $3)", OP_IN, 6, "Tarvo", "$3"},
-        {Brand, OP_AND, 5, "($3)", "((Tarvo IN $3) && (!(Vantor IN $3)))"},
-    };
-    for (const Case &c : cases) {
-        size_t position = 0;
-        std::string_view left, right;
-        EXPECT_EQ(GetOperator(c.expression), c.sign) << c.expression;
-        Term1(c.expression, &position, &left);
-        Term2(c.expression, position + 2, &right);
-        EXPECT_EQ(position, c.position) << c.expression;
-        EXPECT_EQ(left, c.left) << c.expression;
-        EXPECT_EQ(right, c.right) << c.expression;
-    }
-    EXPECT_EQ(GetOperator("(!(Vantor IN $3))"), OP_NOT);
-    EXPECT_EQ(GetOperator("(GETN $1)"), OP_GETN);
-    EXPECT_EQ(GetOperator("(TBL $1)"), OP_TBL);
-    EXPECT_EQ(GetOperator("($5)"), OP_NONE);
-}
-
 TEST(Filter, DeepNestingEnds) {
     SnmpPackage package = Package("x");
     std::string deep(200000, '('), many;

