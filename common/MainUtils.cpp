@@ -1,0 +1,217 @@
+// Queue records, queue lists and the marker file.
+#include "common/MainUtils.h"
+
+#include "common/Dbm.h"
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+#include "common/Token.h"
+#include "common/utils.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <string>
+#include <string_view>
+#include <unordered_set>
+
+static constexpr char QueDb[] = "que";
+static constexpr char OldConfig[] = "77yyprinters";
+static constexpr char QueWordDelims[] = " :\t\n";
+static constexpr char ConfigDelims[] = " \t\r\n";
+
+enum { COUNT_FIELD = 4 }; // bytes in front of the words of a count record
+
+int flToolCfg;
+
+static void SetField(char *field, size_t width, const char *value) {
+    size_t count = std::min(strlen(value), width - 1);
+    memcpy(field, value, count);
+    field[count] = '\0';
+}
+
+// ---- Records
+
+// Data of a record with a NUL behind it, in a buffer that the next call overwrites; null if absent or empty.
+static char *GetQueDbData(const std::string &key, size_t *size) {
+    static char Data[DBM_BUFFER + 1];
+    int count = DbmGetRecord(QueDb, key.c_str(), Data, DBM_BUFFER);
+    if (count <= 0) return nullptr;
+    *size = std::min<size_t>(static_cast<size_t>(count), DBM_BUFFER);
+    Data[*size] = '\0';
+    return Data;
+}
+
+size_t GetQueDbText(const char *key, char *buffer, size_t capacity) {
+    size_t size;
+    const char *data = GetQueDbData(key, &size);
+    SetField(buffer, capacity, data ? data : "");
+    return strlen(buffer);
+}
+
+int TestDefaultQueue(const char *name) {
+    size_t size;
+    const char *data = GetQueDbData(" default", &size);
+    return data && *name && strcmp(data, name) == 0;
+}
+
+static void GetQueField(char *field, size_t width) {
+    const char *token = GetToken(nullptr, " ");
+    SetField(field, width, token ? token : "");
+}
+
+static int GetQueNumber() {
+    const char *token = GetToken(nullptr, " ");
+    return token ? static_cast<int>(strtol(token, nullptr, 10)) : 0;
+}
+
+static void ReadQueFields(QueRecord *record) {
+    SetTokenBuf(Line);
+    GetQueField(record->name, sizeof record->name);
+    GetQueField(record->printer, sizeof record->printer);
+    GetQueField(record->lprQueue, sizeof record->lprQueue);
+    GetQueField(record->ppdFile, sizeof record->ppdFile);
+    record->type = GetQueNumber();
+    record->banner = static_cast<unsigned char>(GetQueNumber());
+    record->userInterface = static_cast<unsigned char>(GetQueNumber());
+    record->features = static_cast<unsigned char>(GetQueNumber());
+    GetQueNumber(); // its own default flag may be out of date
+    record->lpd = static_cast<unsigned char>(GetQueNumber());
+}
+
+int GetQueDbEntry(QueRecord *record, const char *name) {
+    if (!record || !name || strchr(name, ' ')) return 0;
+    memset(Line, 0, sizeof Line);
+    if (DbmGetRecord(QueDb, name, Line, LINE_SIZE) <= 0) return 0;
+    PutMem(record->settings);
+    memset(record, 0, sizeof *record);
+    ReadQueFields(record);
+    size_t size;
+    if (const char *data = GetQueDbData(std::string(name) + " **", &size)) {
+        record->settings = static_cast<char *>(GetMem(size + 1));
+        if (!record->settings) SysError("%s", OutOfMem);
+        memcpy(record->settings, data, size);
+    }
+    GetQueCountWords(record->printer, record->serverQueue, nullptr, sizeof record->serverQueue);
+    record->isDefault = static_cast<unsigned char>(TestDefaultQueue(record->name));
+    return 1;
+}
+
+int GenQueDbEntry(QueRecord *record) {
+    char *text = SaveStr("%s %s %s %s %i %i %i %i %i %i ", record->name, record->printer, record->lprQueue,
+                         record->ppdFile, record->type, record->banner, record->userInterface,
+                         record->features, record->isDefault, record->lpd);
+    int done = DbmPutRecord(QueDb, record->name, text, strlen(text) + 1);
+    PutMem(text);
+    if (!done || !record->settings || !*record->settings) return done;
+    std::string key = std::string(record->name) + " **";
+    return DbmPutRecord(QueDb, key.c_str(), record->settings, strlen(record->settings));
+}
+
+// Takes the next word off the text; empty at its end.
+static std::string TakeWord(std::string_view &text, const char *delims) {
+    size_t start = text.find_first_not_of(delims);
+    text.remove_prefix(start == text.npos ? text.size() : start);
+    std::string word(text.substr(0, text.find_first_of(delims)));
+    text.remove_prefix(word.size());
+    return word;
+}
+
+int GetQueCountWords(const char *printer, char *first, char *second, size_t capacity) {
+    size_t size = 0;
+    const char *data = GetQueDbData(std::string(printer) + " count", &size);
+    std::string_view words(data && size > COUNT_FIELD ? data + COUNT_FIELD : "");
+    std::string one = TakeWord(words, " "), two = TakeWord(words, " ");
+    if (first) SetField(first, capacity, one.c_str());
+    if (second) SetField(second, capacity, two.c_str());
+    return !one.empty();
+}
+
+// ---- Marker file
+
+static int GetHostKind(const char *words) {
+    if (FindToken("LPRng", words)) return CFG_LPRNG;
+    if (FindToken("AIX", words)) return CFG_AIX;
+    if (FindToken("BSD", words)) return CFG_BSD;
+    return FindToken("V5", words) || !FindToken("CUPS", words) ? CFG_V5 : CFG_CUPS;
+}
+
+void SetConfigFlags() {
+    if (!GetFileContent(pToolPath, ".pn_cfg")) {
+        flToolCfg = CFG_V5 | (SniffLprng() ? CFG_LPRNG : 0);
+        return;
+    }
+    size_t length = strlen(LineBuf);
+    while (length > 1 && strchr("\r\n", LineBuf[length - 1]))
+        LineBuf[--length] = '\0'; // an editor's final line feed
+    flToolCfg = GetHostKind(LineBuf);
+    if (FindToken("Direct", LineBuf) || FindToken("StandAlone", LineBuf)) flToolCfg |= CFG_DIRECT;
+    if (FindToken("NoDb", LineBuf)) flToolCfg |= CFG_NO_DB;
+}
+
+int TestConfigFlag(const char *file) {
+    return file && *file ? FindFile(pToolPath, file) : 0;
+}
+
+// ---- Queue lists
+
+char *GetQueList() {
+    ResponseNode *lines = GetCmdResponse(CMD_QUIET, nullptr, "%s/prnqtool -LQ", ShArg(pToolPath).c_str());
+    std::string names;
+    for (ResponseNode *line = lines; line; line = line->next)
+        if (const char *name = GetToken(line->text, QueWordDelims)) names += std::string(",") + name;
+    FreeResponseList(lines);
+    if (names.empty()) return nullptr;
+    char *list = SaveStr_(names.c_str());
+    SortTokens(list, ',', 1);
+    return list;
+}
+
+char *AddQToList(char *list, const char *name, size_t *length) {
+    if (list && FindToken(name, list)) return list;
+    size_t count = strlen(name); // a blank comes on top, a NUL, and the byte that sorting may take
+    list = static_cast<char *>(AdjustMem(list, *length + count + 2));
+    if (!list) SysError("%s", OutOfMem);
+    list[*length] = ' ';
+    memcpy(list + *length + 1, name, count + 1);
+    *length += count + 1;
+    return list;
+}
+
+typedef std::unordered_set<std::string> QueNames;
+
+static char *AddDbQueues(char *list, const QueNames &host, size_t *length) {
+    char *keys = DbmGetRecordList(QueDb, ",", "");
+    std::string_view rest(keys ? keys : "");
+    for (std::string key; !(key = TakeWord(rest, ",")).empty();)
+        if (key.find(' ') == key.npos && host.count(key)) list = AddQToList(list, key.c_str(), length);
+    PutMem(keys);
+    return list;
+}
+
+static char *AddConfigQueues(char *list, const QueNames &host, size_t *length) {
+    std::string parent = StripFn(pToolPath);
+    if (!FindFile(parent.c_str(), OldConfig)) return list;
+    if (!OpenInputFileF(ERR_SILENT, "%s/%s", parent.c_str(), OldConfig)) {
+        fprintf(stderr, "Error: couldn't open printer config file %s\n", OldConfig);
+        return list;
+    }
+    while (GetFileLine()) {
+        std::string_view line(LineBuf);
+        std::string name = TakeWord(line, ConfigDelims);
+        if (host.count(name)) list = AddQToList(list, name.c_str(), length);
+    }
+    return list;
+}
+
+char *GetQueueList() {
+    char *all = GetQueList();
+    if (!all) return nullptr;
+    QueNames host;
+    std::string_view rest(all);
+    for (std::string name; !(name = TakeWord(rest, ",")).empty();) host.insert(name);
+    PutMem(all);
+    size_t length = 0;
+    char *list = AddDbQueues(nullptr, host, &length);
+    return AddConfigQueues(list, host, &length);
+}
