@@ -1,0 +1,51 @@
+// Banner titles: the text that goes to prnqtool and stands in its database, and the banner menu of the
+// terminal.
+//
+// A banner text has up to three lines, one for each title that isn't empty, with the font size in points:
+//
+//     .h1 20 Print room
+//     .h3 12 second floor
+#pragma once
+
+#include "common/TextMenu.h"
+
+#include <string>
+
+enum {
+    BANNER_ROWS = 3,
+    BANNER_SIZES = 17,       // 8 to 40 points in steps of 2
+    BANNER_DEFAULT_SIZE = 6, // index of 20 points
+    BANNER_TITLE = 256,      // bytes of a title's buffer; the entry check admits 80 characters
+    BANNER_TEXT = 4096,      // bytes of BannerLine
+};
+
+extern const int aBannerFontSize[BANNER_SIZES];
+extern const char pBannerFontSizes[]; // the same as a list that starts with its delimiter
+
+struct BannerRow {
+    char title[BANNER_TITLE];
+    int size; // index into aBannerFontSize
+};
+
+// The rows of a text, null for none. A title without a line is empty, with the default size; a size that
+// isn't in the list reads as the first; a line without two blanks or with another key is skipped.
+void ReadBannerText(const char *text, BannerRow rows[BANNER_ROWS]);
+// The text of the rows: empty if no title has a character that is seen.
+std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]);
+// Writes the text to ".bsettings" in the tool directory; an empty text, or one that can't be written, removes
+// the file.
+void PutBannerFile(const char *text);
+// With a text: the line that makes ".bsettings" the system's default; without: the line that clears the
+// default. Runs it and removes the file, since a default is no queue's own banner.
+void PutDefaultBanner(const char *text);
+
+extern char BannerLine[BANNER_TEXT]; // the terminal's banner text; writers: the functions below
+extern TextMenuItem ConfigureBannerPageMenuItems[];
+
+int BannerInfoSetupTty(TextMenu *menu, TextMenuItem *item);
+int InitBannerInfoMenu(TextMenu *menu);
+int SaveBannerInfoTty(TextMenu *menu, TextMenuItem *item);
+int RestoreBannerInfoTty(TextMenu *menu, TextMenuItem *item);
+// Loads BannerLine: the queue's own text, which also goes to ".bsettings", else the system's default, else
+// none.
+void GetBannerInfoTty(const char *queue);

@@ -1,0 +1,132 @@
+// The command lines for prnqtool and the driver front end.
+#include "prndeck/PrdQueLine.h"
+
+#include "common/MainUtils.h"
+#include "common/PrdCommonUtils.h"
+#include "common/SysCmd.h"
+#include "common/utils.h"
+
+#include <string_view>
+
+static constexpr char Prefix[] = "prn"; // of the family's programs
+static constexpr char Interface[] = "pnxx";
+
+const char *const PMs[PM_COUNT] = {"wp", "wps", "psp"};
+const char SettingsFile[] = ".settings";
+const char BannerFile[] = ".bsettings";
+
+int GetQueueType(int printingModel, int connection) {
+    switch (printingModel) {
+    case PM_SERVER: return QUEUE_SERVER;
+    case PM_SERVER_PRINTER: return connection == CONNECTION_DEVICE ? QUEUE_SERVER_DEVICE : QUEUE_SERVER_HOST;
+    default: return connection == CONNECTION_DEVICE ? QUEUE_PRINTER_DEVICE : QUEUE_PRINTER_HOST;
+    }
+}
+
+std::string GetLprQueue(const char *ppdFile) {
+    char value[PPD_VALUE];
+    return GetPpdKeyValue(ppdFile, "LprQue", value, sizeof value) ? value : "lp";
+}
+
+static std::string ToolProgram(const char *name) {
+    return ShArg(pToolPath) + "/" + name;
+}
+
+static std::string LogOption() {
+    return std::string(" -log ") + Prefix + "deck";
+}
+
+static const char *ModelWord(int printingModel) {
+    return PMs[printingModel >= 0 && printingModel < PM_COUNT ? printingModel : 0];
+}
+
+static bool IsDevice(int type) {
+    return type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE;
+}
+
+static std::string AddressOption(const QueTarget &target) {
+    return (IsDevice(target.type) ? " -dn " : " -hn ") + ShArg(target.address);
+}
+
+static std::string RemoteOption(const QueTarget &target) {
+    return " -psqn " + ShArg(target.remote);
+}
+
+static std::string WorkFileOption(const char *option, const char *file) {
+    return TestToolFile(file) ? std::string(" ") + option + " " + file : "";
+}
+
+// What follows the part that all types share. An option that isn't chosen leaves its blank behind.
+static std::string AddTail(const QueTarget &target, const QueOptions &options) {
+    switch (target.type) {
+    case QUEUE_SERVER_HOST: return AddressOption(target) + " ";
+    case QUEUE_SERVER_DEVICE: return AddressOption(target);
+    default:
+        return AddressOption(target) + RemoteOption(target) + " " + (options.features ? "-fe" : "") + " " +
+               (options.banner ? "-bp" : "") + " " + (options.userInterface ? "-ui" : "");
+    }
+}
+
+std::string MakeAddLine(const QueTarget &target, const char *ppdFile, int printingModel,
+                        const QueOptions &options) {
+    return ToolProgram("prnqtool ") + ShArg(target.name) + LogOption() + " -fs " + SettingsFile + " -ppd " +
+           ShArg(ppdFile) + " -pm " + ModelWord(printingModel) + " " + (options.isDefault ? "-d" : "") +
+           " -lpd" + AddTail(target, options) + WorkFileOption("-bps", BannerFile);
+}
+
+std::string MakeCopyLine(const QueTarget &target, const char *source, int printingModel) {
+    return ToolProgram("prnqtool ") + ShArg(target.name) + LogOption() + " -cl " + ShArg(source) + " -pm " +
+           ModelWord(printingModel) + AddressOption(target) + RemoteOption(target);
+}
+
+std::string MakeModifyLine(const char *name, const QueOptions &options, int flLog) {
+    std::string line = ToolProgram("prnqtool ") + ShArg(name) + " -mq";
+    if (flLog) line += LogOption();
+    if (options.userInterface) line += " -ui";
+    if (options.features) line += " -fe";
+    if (options.banner) line += " -bp";
+    if (options.isDefault) line += " -d";
+    return line + WorkFileOption("-fs", SettingsFile) + WorkFileOption("-bps", BannerFile);
+}
+
+std::string MakeDeleteLine(const char *name) {
+    return ToolProgram("prnqtool ") + ShArg(name) + " -x" + LogOption();
+}
+
+std::string MakeDeleteListLine(const char *names) {
+    std::string line = ToolProgram("prnqtool") + LogOption() + " -xl";
+    std::string_view rest(names);
+    for (size_t start; (start = rest.find_first_not_of(' ')) != rest.npos;) {
+        rest.remove_prefix(start);
+        std::string_view name = rest.substr(0, rest.find(' '));
+        line += " " + ShArg(name);
+        rest.remove_prefix(name.size());
+    }
+    return line;
+}
+
+std::string MakeDeleteAllLine() {
+    return ToolProgram("prnqtool") + LogOption() + " -x all";
+}
+
+std::string MakeDefaultBannerLine(int flSet) {
+    return ToolProgram("prnqtool") + (flSet ? std::string(" -dbps ") + BannerFile : " -xdbps");
+}
+
+std::string MakeFeatureLine(const char *ppdFile, int flBanner) {
+    return ToolProgram(Prefix) + Interface + "tty -tty " + (flBanner ? "-SBP" : "") + " -GS" +
+           ShArg(std::string(pToolPath) + "/ppd/" + ppdFile);
+}
+
+int RunQueLine(const std::string &line) {
+    return SysCmd(CMD_LINE, 0, "%s", line.c_str());
+}
+
+int TestToolFile(const char *name) {
+    return FindFile(pToolPath, name);
+}
+
+void DeleteWorkFiles() {
+    DeleteFile(pToolPath, SettingsFile);
+    DeleteFile(pToolPath, BannerFile);
+}

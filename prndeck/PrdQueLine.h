@@ -1,0 +1,56 @@
+// The command lines for prnqtool and the driver front end: both faces hand every queue change over as one
+// line. Every value is quoted here, once; callers pass plain values.
+#pragma once
+
+#include <string>
+
+enum { PM_HOST, PM_SERVER, PM_SERVER_PRINTER, PM_COUNT }; // printing models, index into PMs
+enum { CONNECTION_TCP, CONNECTION_DEVICE };               // connections
+enum { STATUS_LPSCHED = 16 };                             // of RunQueLine: lpsched failed to stop
+
+extern const char *const PMs[PM_COUNT]; // word of the option -pm
+
+// Where a queue prints. No text may be null.
+struct QueTarget {
+    int type;            // QueueType
+    const char *name;    // the queue
+    const char *address; // host name, or device path for types 2 and 4
+    const char *remote;  // the printer's name on the print server for type 1, else the remote queue name
+};
+
+// The choices of the menus and windows; any value but 0 is yes.
+struct QueOptions {
+    int features;
+    int banner;
+    int userInterface;
+    int isDefault;
+};
+
+// QueueType of a printing model and a connection; an unknown model counts as the first.
+int GetQueueType(int printingModel, int connection);
+
+// Remote queue name of a model, "lp" if its record has none.
+std::string GetLprQueue(const char *ppdFile);
+
+std::string MakeAddLine(const QueTarget &target, const char *ppdFile, int printingModel,
+                        const QueOptions &options);
+std::string MakeCopyLine(const QueTarget &target, const char *source, int printingModel);
+// With flLog the line names the log, as the terminal does.
+std::string MakeModifyLine(const char *name, const QueOptions &options, int flLog);
+std::string MakeDeleteLine(const char *name);
+// names: one or more queues with blanks between them.
+std::string MakeDeleteListLine(const char *names);
+std::string MakeDeleteAllLine();
+// Makes ".bsettings" the system's default banner, or clears the default.
+std::string MakeDefaultBannerLine(int flSet);
+// The front end's own dialogue on the terminal, for the features of a model.
+std::string MakeFeatureLine(const char *ppdFile, int flBanner);
+
+// Runs a line with its output thrown away: 0, or a number of errno.
+int RunQueLine(const std::string &line);
+
+// The working files of the flows, in the tool directory.
+extern const char SettingsFile[]; // the feature settings of the queue at hand
+extern const char BannerFile[];   // its banner lines
+int TestToolFile(const char *name);
+void DeleteWorkFiles();

@@ -1,0 +1,138 @@
+// The lines for prnqtool and the driver front end: their bytes for ordinary values, and values that a shell
+// would read.
+#include "prndeck/PrdQueLine.h"
+
+#include "common/MainUtils.h"
+#include "common/PrdCommonUtils.h"
+#include "common/SysCmd.h"
+#include "common/utils.h"
+#include "tests/lib/AppTool.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+// T stands for the tool directory.
+static std::string Plain(std::string line) {
+    for (size_t at; (at = line.find(pToolPath)) != line.npos;) line.replace(at, strlen(pToolPath), "T");
+    return line;
+}
+
+TEST(MakeAddLine, EachTypeHasItsTail) {
+    struct Case {
+        const char *name;
+        QueTarget target;
+        int printingModel;
+        QueOptions options;
+        const char *want;
+    };
+    static const Case Cases[] = {
+        {"host, defaults",
+         {QUEUE_PRINTER_HOST, "q1", "h", "lp"},
+         PM_HOST,
+         {1, 1, 1, 0},
+         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wp  -lpd -hn h -psqn lp -fe -bp -ui"},
+        {"host, default queue, nothing else",
+         {QUEUE_PRINTER_HOST, "q1", "h", "lp"},
+         PM_HOST,
+         {0, 0, 0, 1},
+         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wp -d -lpd -hn h -psqn lp   "},
+        {"server",
+         {QUEUE_SERVER, "q1", "SRV", "ps1"},
+         PM_SERVER,
+         {1, 0, 1, 0},
+         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wps  -lpd -hn SRV -psqn ps1 -fe  -ui"},
+        {"device",
+         {QUEUE_PRINTER_DEVICE, "q1", "/dev/lp0", "lp"},
+         PM_HOST,
+         {0, 1, 0, 0},
+         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wp  -lpd -dn /dev/lp0 -psqn lp  -bp "},
+        {"server to host",
+         {QUEUE_SERVER_HOST, "q1", "h", "lp"},
+         PM_SERVER_PRINTER,
+         {1, 1, 1, 0},
+         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm psp  -lpd -hn h "},
+        {"server to device",
+         {QUEUE_SERVER_DEVICE, "q1", "/dev/lp0", "lp"},
+         PM_SERVER_PRINTER,
+         {1, 1, 1, 1},
+         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm psp -d -lpd -dn /dev/lp0"},
+    };
+    AppTool tool;
+    for (const Case &c : Cases) {
+        tool.Write(".settings", "x"); // named in every line, there or not
+        EXPECT_EQ(Plain(MakeAddLine(c.target, "M.ppd", c.printingModel, c.options)), c.want) << c.name;
+        tool.Write(BannerFile, "x");
+        EXPECT_EQ(Plain(MakeAddLine(c.target, "M.ppd", c.printingModel, c.options)),
+                  c.want + std::string(" -bps .bsettings"))
+            << c.name;
+        DeleteFile(pToolPath, BannerFile);
+    }
+}
+
+TEST(MakeModifyLine, OptionsInTheirOrder) {
+    AppTool tool;
+    for (int bits = 0; bits < 16; bits++) {
+        QueOptions options = {bits & 2, bits & 4, bits & 1, bits & 8};
+        std::string want = "T/prnqtool q1 -mq -log prndeck";
+        if (bits & 1) want += " -ui";
+        if (bits & 2) want += " -fe";
+        if (bits & 4) want += " -bp";
+        if (bits & 8) want += " -d";
+        EXPECT_EQ(Plain(MakeModifyLine("q1", options, 1)), want);
+    }
+    tool.Write(BannerFile, "x");
+    EXPECT_EQ(Plain(MakeModifyLine("q1", {}, 0)), "T/prnqtool q1 -mq -bps .bsettings");
+    tool.Write(SettingsFile, "x");
+    EXPECT_EQ(Plain(MakeModifyLine("q1", {}, 1)),
+              "T/prnqtool q1 -mq -log prndeck -fs .settings -bps .bsettings");
+}
+
+TEST(QueLines, TheOthers) {
+    AppTool tool;
+    EXPECT_EQ(Plain(MakeCopyLine({QUEUE_PRINTER_HOST, "new", "h", "lp"}, "old", PM_HOST)),
+              "T/prnqtool new -log prndeck -cl old -pm wp -hn h -psqn lp");
+    EXPECT_EQ(Plain(MakeCopyLine({QUEUE_SERVER_DEVICE, "new", "/dev/lp1", "raw"}, "old", PM_SERVER_PRINTER)),
+              "T/prnqtool new -log prndeck -cl old -pm psp -dn /dev/lp1 -psqn raw");
+    EXPECT_EQ(Plain(MakeCopyLine({QUEUE_SERVER, "new", "srv", "ps1"}, "old", 7)),
+              "T/prnqtool new -log prndeck -cl old -pm wp -hn srv -psqn ps1");
+    EXPECT_EQ(Plain(MakeDeleteLine("q1")), "T/prnqtool q1 -x -log prndeck");
+    EXPECT_EQ(Plain(MakeDeleteListLine(" q1  q;2 ")), "T/prnqtool -log prndeck -xl q1 'q;2'");
+    EXPECT_EQ(Plain(MakeDeleteAllLine()), "T/prnqtool -log prndeck -x all");
+    EXPECT_EQ(Plain(MakeDefaultBannerLine(1)), "T/prnqtool -dbps .bsettings");
+    EXPECT_EQ(Plain(MakeDefaultBannerLine(0)), "T/prnqtool -xdbps");
+    EXPECT_EQ(Plain(MakeFeatureLine("M.ppd", 0)), "T/prnpnxxtty -tty  -GST/ppd/M.ppd");
+    EXPECT_EQ(Plain(MakeFeatureLine("M.ppd", 1)), "T/prnpnxxtty -tty -SBP -GST/ppd/M.ppd");
+}
+
+TEST(QueLines, TypesOfTheChoices) {
+    EXPECT_EQ(GetQueueType(PM_HOST, CONNECTION_TCP), QUEUE_PRINTER_HOST);
+    EXPECT_EQ(GetQueueType(PM_HOST, CONNECTION_DEVICE), QUEUE_PRINTER_DEVICE);
+    EXPECT_EQ(GetQueueType(PM_SERVER, CONNECTION_TCP), QUEUE_SERVER);
+    EXPECT_EQ(GetQueueType(PM_SERVER, CONNECTION_DEVICE), QUEUE_SERVER);
+    EXPECT_EQ(GetQueueType(PM_SERVER_PRINTER, CONNECTION_TCP), QUEUE_SERVER_HOST);
+    EXPECT_EQ(GetQueueType(PM_SERVER_PRINTER, CONNECTION_DEVICE), QUEUE_SERVER_DEVICE);
+    EXPECT_EQ(GetQueueType(-1, CONNECTION_TCP), QUEUE_PRINTER_HOST);
+}
+
+// The real shell runs a stand-in for prnqtool that notes its arguments, one between two line feeds each.
+TEST(RunQueLine, ValuesArriveWholeAndStartNothing) {
+    static const char *const Values[] = {
+        "a b",   "it's",  "\"q\"", "$(touch x)", "`touch x`", "a;touch x", "a|touch x&", "a>x", "%s%n%d",
+        "*?[a]", "~root", "#a",    "a\\b",       "a\nb",      "\xe9\xff",  "${PATH}",    "!x",
+    };
+    AppTool tool;
+    std::string program = tool.Write("prnqtool", "#!/bin/sh\nprintf '<%s>\\n' \"$@\" >args\n");
+    ASSERT_EQ(chmod(program.c_str(), 0755), 0);
+    std::vector<std::string> values(std::begin(Values), std::end(Values));
+    values.push_back(std::string(4000, '\'') + "$(touch x)");
+    for (const std::string &value : values) {
+        EXPECT_EQ(RunQueLine(MakeCopyLine({QUEUE_PRINTER_DEVICE, value.c_str(), value.c_str(), value.c_str()},
+                                          value.c_str(), 0)),
+                  0);
+        std::string word = "<" + value + ">\n";
+        EXPECT_EQ(ReadWhole(tool.Path("args")), word + "<-log>\n<prndeck>\n<-cl>\n" + word +
+                                                    "<-pm>\n<wp>\n<-dn>\n" + word + "<-psqn>\n" + word);
+        EXPECT_FALSE(FindFile(tool.Path().c_str(), "x")) << value;
+    }
+}
