@@ -1,0 +1,30 @@
+// prndeck: administers the print queues of a family of network printers, in windows or in menus on a
+// terminal.
+#include "prndeck/Prd.h"
+
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+#include "common/utils.h"
+#include "prndeck/PrdGui.h"
+#include "prndeck/PrdTty.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+int main(int argc, char **argv) {
+    // A program started from a menu reads on where the menu stopped: nothing may be read ahead.
+    setvbuf(stdin, nullptr, _IONBF, 0);
+    flUseLog = 1;
+    InitToolPath(argc > 0 ? argv[0] : nullptr);
+    OpenCatalogues();
+    my_name = SaveStr("%sdeck", "prn");
+    setenv("PrnOutCFG", PrnOutCFG, 1);
+    InitSysCmdList();
+    setenv("PrnOutFileSourceDir", ".", 1);
+    InitUser();
+    int face = ScanWords(argc - 1, argv + 1);
+    LoadModels();
+    if (face != FACE_TTY) RunGui();
+    RunTty();
+    exit_app(0);
+}

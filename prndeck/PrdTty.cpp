@@ -1,0 +1,75 @@
+// What the terminal's flows share: the questions for a queue, the run of a line, the state of the queue at
+// hand.
+#include "prndeck/PrdTty.h"
+
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/PrdCommonUtils.h"
+#include "common/SysCmd.h"
+#include "common/Token.h"
+
+#include <cstdio>
+#include <cstring>
+
+QueRecord MPS_tty;
+char pModifyQueName[QUE_NAME];
+char pCloneQueName[QUE_NAME];
+int PrinterModelTty;
+char *pSettingsTty;
+
+std::string AskTty(int prompt) {
+    char answer[TTY_ANSWER] = "";
+    PromptUser(NlsText(pDrvCoreDB, NLS_TTY_SET, prompt).c_str(), answer, sizeof answer);
+    return answer;
+}
+
+int AskQueueTty(int prompt, const char *what, char *name) {
+    if (ExistingTarvoPrinterCnt == 0) {
+        PostMsg("There have been no queues created yet. Use the Add queue menu selection first.\n");
+        return 0;
+    }
+    fputs(pExistingTarvoPrinterList, stdout);
+    std::string answer = AskTty(prompt);
+    if (answer.empty()) return 0;
+    const char *text = answer.c_str();
+    if (!pQueList || !strstr(pQueList, text)) {
+        PostMsg("Queue \"%s\" does not exist\nRecreate %s using Add queue.\n", text, text);
+        return 0;
+    }
+    if (!GetQueDbEntry(&MPS_tty, text)) {
+        PostMsg("%s is not supported for this queue!!!!!\nRecreate %s using Add queue.\n", what, text);
+        return 0;
+    }
+    snprintf(name, QUE_NAME, "%s", text);
+    return 1;
+}
+
+int TestHostTty(const char *host) {
+    if (pGethostbyname(host)) return 1;
+    PostMsg("Unknown hostname %s", host);
+    return 0;
+}
+
+void RunQueLineTty(const std::string &line) {
+    if (RunQueLine(line) != STATUS_LPSCHED) return;
+    PutMem(PromptUser("Error stopping lpsched.  See README for details.", nullptr, 0));
+    SysCmd(CMD_LPSCHED, 1, "%s", "");
+}
+
+void DropQueList() {
+    PutMem(pQueList);
+    pQueList = nullptr;
+}
+
+const char *GetItemText(const TextMenuItem *items, int index) {
+    return items[index].value.s ? items[index].value.s : "";
+}
+
+int GetItemChoice(const TextMenuItem *items, int index) {
+    return static_cast<int>(items[index].value.i);
+}
+
+std::string GetModelName(int model) {
+    const char *name = PpdModelList ? GetTokenN(PpdModelList, ",", model) : nullptr;
+    return name ? name : "";
+}

@@ -1,0 +1,169 @@
+// The terminal face: the main menu and the flows that add, modify, copy and delete a queue.
+//
+// Each menu is a static table for RunMenu; an item's value lives in the table, and the callbacks read it
+// there. A flow ends in one line for prnqtool. It drops pQueList, or calls InitMainMenu, so that the main
+// menu reads the lists anew.
+#pragma once
+
+#include "common/MainUtils.h"
+#include "common/TextMenu.h"
+#include "prndeck/PrdQueLine.h"
+
+#include <string>
+
+enum { QUE_NAME = 32, QUE_LIST_WIDTH = 80, TTY_ANSWER = 4096 };
+
+// Texts of the catalogue's set 25 that the flows fetch themselves, and of set 20, shared with the windows.
+enum {
+    TTY_TITLE = 1,
+    TTY_ALL_QUEUES = 33,
+    TTY_FAMILY_QUEUES = 34,
+    TTY_QUEUE = 53,
+    TTY_MODEL = 54,
+    TTY_PRINTING_MODEL = 55,
+    TTY_CONNECTION = 56,
+    TTY_HOST_AND_QUEUE = 57,
+    TTY_PRINTER = 58,
+    TTY_HOST = 67,
+    TTY_COPY_TITLE = 82,
+    TTY_COPY_MODEL = 91,
+    TTY_DELETE_QUESTION = 1104,
+    TTY_DELETE_PROMPT = 1106,
+    TTY_MODIFY_PROMPT = 1107,
+    TTY_COPY_PROMPT = 1108,
+};
+enum { MSG_SET = 20, MSG_NO_ADDRESS = 126, MSG_NO_REMOTE = 129 };
+
+// The host check of entries: not the reserved address, else an address or any text.
+#define TTY_HOST_FORMAT "!(0.0.0.0)|!(255.255.255.255)|d(0,255).d(0,255).d(0,255).d(0,255)|t(1,255)"
+#define TTY_NAME_FORMAT "A(1,14)+-+_"
+
+// Items of the menus, by their place in the tables. ORDER AddPrinterMenuItems
+enum {
+    ADD_NAME,
+    ADD_MODEL,
+    ADD_PRINTING_MODEL,
+    ADD_CONNECTION,
+    ADD_HOST,
+    ADD_DEVICE,
+    ADD_SERVER,
+    ADD_SERVER_PRINTER,
+    ADD_INTERFACE,
+    ADD_FEATURES,
+    ADD_BANNER,
+    ADD_SETUP,
+    ADD_BANNER_SETUP,
+    ADD_DEFAULT,
+    ADD_BLANK,
+    ADD_BAR,
+    ADD_APPLY,
+    ADD_CANCEL,
+    ADD_END
+};
+// ORDER ModifyQueMenuItems
+enum {
+    MOD_LABELS = 0,
+    MOD_NAME = 0,
+    MOD_MODEL,
+    MOD_PRINTING_MODEL,
+    MOD_CONNECTION,
+    MOD_HOST,
+    MOD_PRINTER,
+    MOD_INTERFACE,
+    MOD_FEATURES,
+    MOD_BANNER,
+    MOD_SETUP,
+    MOD_BANNER_SETUP,
+    MOD_DEFAULT,
+    MOD_BLANK,
+    MOD_BAR,
+    MOD_APPLY,
+    MOD_CANCEL,
+    MOD_END
+};
+// ORDER CloneQueMenuItems
+enum {
+    COPY_MODEL,
+    COPY_NAME,
+    COPY_PRINTING_MODEL,
+    COPY_CONNECTION,
+    COPY_HOST,
+    COPY_DEVICE,
+    COPY_SERVER_PRINTER,
+    COPY_BLANK,
+    COPY_BAR,
+    COPY_APPLY,
+    COPY_CANCEL,
+    COPY_END
+};
+// ORDER MainMenuItems
+enum { MAIN_ADD, MAIN_MODIFY, MAIN_COPY, MAIN_DELETE, MAIN_DUMP, MAIN_EXIT, MAIN_QUEUES, MAIN_END };
+
+extern TextMenu MainMenu, AddPrinterMenu, ModifyQueMenu, CloneQueMenu;
+extern TextMenuItem MainMenuItems[MAIN_END + 1], AddPrinterMenuItems[ADD_END + 1],
+    ModifyQueMenuItems[MOD_END + 1], CloneQueMenuItems[COPY_END + 1];
+
+// Queue lists; all managed. Writer: InitMainMenu; a flow releases pQueList to have them read anew.
+extern char *pQueList;                  // ",q1,q2": all queues of the host, or null
+extern char *pTarvoQueList;             // the family's queues among them, or null
+extern char *pExistingPrinterList;      // the first list as it is shown, behind its heading
+extern char *pExistingTarvoPrinterList; // the second, or null
+extern int ExistingPrinterCnt;
+extern int ExistingTarvoPrinterCnt;
+
+extern QueRecord MPS_tty;             // the queue being modified or copied; its type stays behind
+extern char pModifyQueName[QUE_NAME]; // its name; both plain, quoted where a line is made
+extern char pCloneQueName[QUE_NAME];
+extern int PrinterModelTty; // its model number, 0 if its PPD file is not in PpdList
+extern char *pSettingsTty;  // its feature settings while they are written out
+
+// ---- Main menu and lists
+
+// Runs the main menu until it is left. Ends: if the user isn't root, at the end of input, and with an exit
+// item.
+void RunTty();
+// Init callback of MainMenu. Ends: with status 1 if the user isn't root.
+int InitMainMenu(TextMenu *menu);
+// The family's queues as ",q1,q2", sorted; null if there is none. Owns: the result.
+[[nodiscard]] char *GetTarvoQueList();
+// The heading, then the names of a comma list, each behind a blank, in lines of less than width. *count: the
+// names. Owns: the result.
+[[nodiscard]] char *FormatQueList(const char *list, const char *heading, int width, int *count);
+
+// ---- Flows: callbacks of the tables. A result of 0 lets an apply item end its menu.
+
+int InitAddMenu(TextMenu *menu);
+int AddDbmPrinter(TextMenu *menu);
+int PrinterModelChangeCB(TextMenu *menu, TextMenuItem *item);
+int PrintingModelChangeCB(TextMenu *menu, TextMenuItem *item);
+int SetupTty(TextMenu *menu, TextMenuItem *item);
+int SavePrinter(TextMenu *menu, TextMenuItem *item);
+
+int ModifyQueTty(TextMenu *menu, TextMenuItem *item);
+int InitModifyQueMenu(TextMenu *menu);
+void SetQueSettingsTty(const char *name);
+int ModifySetupTty(TextMenu *menu, TextMenuItem *item);
+int ApplyModifySettingsTty(TextMenu *menu, TextMenuItem *item);
+
+int CloneQueTty(TextMenu *menu, TextMenuItem *item);
+int InitCloneQueMenu(TextMenu *menu);
+int ApplyCQSettingsTty(TextMenu *menu, TextMenuItem *item);
+
+int RemoveExistingPrinter(TextMenu *menu, TextMenuItem *item);
+
+// ---- What the flows share
+
+// Prompts with a text of set 25 and reads a line of any length up to TTY_ANSWER.
+std::string AskTty(int prompt);
+// Asks for one of the family's queues and reads its record into MPS_tty. 1 with its name in the buffer; 0 if
+// the user gave none or was told why the queue can't be taken. what: "Modification" or "Copy".
+int AskQueueTty(int prompt, const char *what, char *name);
+// 1 if the host name resolves; else 0 after telling the user.
+int TestHostTty(const char *host);
+// Runs a line; if lpsched failed to stop, tells the user and starts it again.
+void RunQueLineTty(const std::string &line);
+void DropQueList();
+// The text of an item, empty if it has none.
+const char *GetItemText(const TextMenuItem *items, int index);
+int GetItemChoice(const TextMenuItem *items, int index);
+std::string GetModelName(int model);

@@ -1,0 +1,196 @@
+// Add a queue at the terminal.
+#include "prndeck/PrdTty.h"
+
+#include "common/MenuState.h"
+#include "common/PrdCommonUtils.h"
+#include "common/SysCmd.h"
+#include "common/Token.h"
+#include "prndeck/PrdBanner.h"
+
+#include <initializer_list>
+#include <iterator>
+#include <string>
+
+static char PrintingModels[] = "_workstation to printer,_workstation to print server";
+static char Connections[] = "_TCP/IP,_local device";
+static char OnOffInterface[] = "_disabled,_enabled";
+static char OnOffFeatures[] = "_disabled,_enabled";
+static char OnOffBanner[] = "_disabled,_enabled";
+static char NoYes[] = "_No,_Yes";
+
+// Values are set at run time, texts by InitMainMenu, the choices of the model by RunTty. ORDER
+// AddPrinterMenuItems
+TextMenuItem AddPrinterMenuItems[] = {
+    {.text = "Setup the printer name (queue name)",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the printer name",
+     .format = TTY_NAME_FORMAT},
+    {.text = "Setup printer Type", .type = ITEM_PICK, .callback = PrinterModelChangeCB},
+    {.text = "Setup printing model",
+     .type = ITEM_PICK,
+     .choices = PrintingModels,
+     .callback = PrintingModelChangeCB},
+    {.text = "Setup printer connection", .type = ITEM_PICK, .choices = Connections, .format = "H0{5} H1{4}"},
+    {.text = "Setup the printer's host name",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the host name",
+     .format = TTY_HOST_FORMAT},
+    {.text = "Setup the device name",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the device name",
+     .format = "t(1,255)"},
+    {.text = "Setup the print server's host name",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the host name",
+     .format = TTY_HOST_FORMAT},
+    {.text = "Setup the print server printer name",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the print server printer name\n(name used to invoke LP/LPR on the server)",
+     .format = TTY_NAME_FORMAT},
+    {.text = "Setup user interface", .type = ITEM_PICK, .choices = OnOffInterface, .initial = {.i = 1}},
+    {.text = "Setup features",
+     .type = ITEM_PICK,
+     .choices = OnOffFeatures,
+     .initial = {.i = 1},
+     .format = "H0{10,11,12,8} P0|1{10}"},
+    {.text = "Setup banner page printing",
+     .type = ITEM_PICK,
+     .choices = OnOffBanner,
+     .initial = {.i = 1},
+     .format = "H0{12}"},
+    {.text = "Configure Printer Features", .type = ITEM_ACTION, .callback = SetupTty},
+    {.text = "", .type = ITEM_ACTION, .callback = BannerInfoSetupTty},
+    {.text = "Set as default printer", .type = ITEM_PICK, .choices = NoYes},
+    {.text = "", .type = ITEM_TEXT},
+    {.text = "", .type = ITEM_BAR, .value = {.i = 2}},
+    {.text = "", .type = ITEM_APPLY, .callback = SavePrinter},
+    {.text = "", .type = ITEM_CANCEL},
+    {},
+};
+static_assert(std::size(AddPrinterMenuItems) == ADD_END + 1);
+
+TextMenu AddPrinterMenu = {.title = "",
+                           .titleMode = TITLE_CENTRE,
+                           .exitCallback = AddDbmPrinter,
+                           .parent = &MainMenu,
+                           .initCallback = InitAddMenu,
+                           .items = AddPrinterMenuItems,
+                           .flags = MENU_NO_LEAVE | MENU_HELP | MENU_DENSE};
+
+int AddDbmPrinter(TextMenu *) {
+    return 0;
+}
+
+static void SetStates(TextMenu *menu, int state, std::initializer_list<int> items) {
+    for (int item : items) menu->items[item].state = state;
+}
+
+int InitAddMenu(TextMenu *menu) {
+    DeleteWorkFiles();
+    GetBannerInfoTty(nullptr);
+    SetStates(menu, STATE_HIDDEN, {ADD_DEVICE, ADD_SERVER, ADD_SERVER_PRINTER});
+    SetStates(menu, STATE_NORMAL, {ADD_CONNECTION, ADD_BANNER});
+    return 0;
+}
+
+// ---- Changes of the model and the printing model
+
+static int GetAddModel(TextMenu *menu) {
+    return GetItemChoice(menu->items, ADD_MODEL) + 1;
+}
+
+// The banner item alone: its own state format does not run, so the setup item keeps its state.
+static void SetBannerItem(TextMenu *menu, int value, int state) {
+    menu->items[ADD_BANNER].value.i = value;
+    menu->items[ADD_BANNER].state = state;
+}
+
+int PrinterModelChangeCB(TextMenu *menu, TextMenuItem *) {
+    DeleteWorkFiles();
+    std::string base = GetModelBase(GetAddModel(menu));
+    char value[PPD_VALUE];
+    bool plugin = GetPpdKeyValue(base.c_str(), "v4DriverPluginFilename", value, sizeof value);
+    SetStates(menu, plugin ? STATE_HIDDEN : STATE_NORMAL, {ADD_BANNER, ADD_SETUP, ADD_BANNER_SETUP});
+    int listed = TestModelList("DisableCustomBanner", base.c_str());
+    if (listed > 0)
+        SetBannerItem(menu, 0, STATE_HIDDEN);
+    else if (listed == 0)
+        SetBannerItem(menu, TestModelList("DefaultCustomBannerOff", base.c_str()) > 0 ? 0 : 1, STATE_NORMAL);
+    return 0;
+}
+
+static void ShowAddressItems(TextMenu *menu) {
+    if (GetItemChoice(menu->items, ADD_PRINTING_MODEL) == PM_SERVER) {
+        SetStates(menu, STATE_HIDDEN, {ADD_CONNECTION, ADD_HOST, ADD_DEVICE});
+        SetStates(menu, STATE_NORMAL, {ADD_SERVER, ADD_SERVER_PRINTER});
+        return;
+    }
+    SetStates(menu, STATE_HIDDEN, {ADD_DEVICE, ADD_SERVER, ADD_SERVER_PRINTER});
+    SetStates(menu, STATE_NORMAL, {ADD_CONNECTION, ADD_HOST, ADD_BANNER});
+    // With a local device still chosen it is the device that is asked for, not the host.
+    if (GetItemChoice(menu->items, ADD_CONNECTION) != CONNECTION_TCP)
+        ProcessStateFormat(menu, ADD_CONNECTION);
+}
+
+int PrintingModelChangeCB(TextMenu *menu, TextMenuItem *) {
+    ShowAddressItems(menu);
+    std::string base = GetModelBase(GetAddModel(menu));
+    int server = TestModelList("W2PSDisableCustomBanner", base.c_str());
+    int all = TestModelList("DisableCustomBanner", base.c_str());
+    if (server < 0 || all < 0) return 0;
+    // The type is that of the queue last modified or copied.
+    int listed = MPS_tty.type == QUEUE_PRINTER_HOST || MPS_tty.type == QUEUE_SERVER ? server : all;
+    SetBannerItem(menu, listed ? 0 : 1, listed ? STATE_HIDDEN : STATE_NORMAL);
+    return 0;
+}
+
+int SetupTty(TextMenu *menu, TextMenuItem *) {
+    std::string line =
+        MakeFeatureLine(GetModelFile(GetAddModel(menu)), GetItemChoice(menu->items, ADD_BANNER));
+    SysCmd(CMD_QUIET, 1, "%s", line.c_str()); // no redirection: the front end talks to the user here
+    return 0;
+}
+
+// ---- Apply
+
+static int ConfirmName(const char *name) {
+    if (!pQueList || !FindToken(name, pQueList)) return 1;
+    return PromptYN(
+        "%s is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "
+        "\"%s\"\nReplace %s",
+        name, name, name);
+}
+
+// Where the queue prints, by its type; lprQueue must outlive the result.
+static QueTarget GetAddTarget(const TextMenuItem *items, const char *lprQueue) {
+    int type = GetQueueType(GetItemChoice(items, ADD_PRINTING_MODEL), GetItemChoice(items, ADD_CONNECTION));
+    QueTarget target = {type, GetItemText(items, ADD_NAME), GetItemText(items, ADD_HOST), lprQueue};
+    if (type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE)
+        target.address = GetItemText(items, ADD_DEVICE);
+    if (type == QUEUE_SERVER) {
+        target.address = GetItemText(items, ADD_SERVER);
+        target.remote = GetItemText(items, ADD_SERVER_PRINTER);
+    }
+    return target;
+}
+
+static QueOptions GetAddOptions(const TextMenuItem *items) {
+    return {.features = GetItemChoice(items, ADD_FEATURES),
+            .banner = GetItemChoice(items, ADD_BANNER),
+            .userInterface = GetItemChoice(items, ADD_INTERFACE),
+            .isDefault = GetItemChoice(items, ADD_DEFAULT)};
+}
+
+int SavePrinter(TextMenu *menu, TextMenuItem *) {
+    TextMenuItem *items = menu->items;
+    if (!ConfirmName(GetItemText(items, ADD_NAME))) return 1;
+    std::string file = GetModelFile(GetAddModel(menu));
+    std::string lprQueue = GetLprQueue(file.c_str());
+    QueTarget target = GetAddTarget(items, lprQueue.c_str());
+    bool byHost = target.type == QUEUE_PRINTER_HOST || target.type == QUEUE_SERVER;
+    if (byHost && !TestHostTty(target.address)) return 1;
+    RunQueLineTty(
+        MakeAddLine(target, file.c_str(), GetItemChoice(items, ADD_PRINTING_MODEL), GetAddOptions(items)));
+    DropQueList();
+    return 0;
+}

@@ -1,0 +1,147 @@
+// Copy a queue at the terminal.
+#include "prndeck/PrdTty.h"
+
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/PrdCommonUtils.h"
+#include "common/Token.h"
+
+#include <cstdio>
+#include <iterator>
+#include <string>
+
+static char PrintingModels[] = "_workstation to printer,_workstation to print server";
+static char Connections[] = "_TCP/IP,_local device";
+static char ModelLabel[MENU_TEXT_SIZE];
+static char HostDefault[MENU_TEXT_SIZE];
+static char DeviceDefault[MENU_TEXT_SIZE];
+static char ServerPrinterDefault[MENU_TEXT_SIZE];
+
+// The first label and the defaults are those of the queue to copy, set by InitCloneQueMenu. ORDER
+// CloneQueMenuItems
+TextMenuItem CloneQueMenuItems[] = {
+    {.text = ModelLabel, .type = ITEM_TEXT},
+    {.text = "Queue name: ",
+     .type = ITEM_REQUIRED,
+     .prompt = "\nEnter the name of the queue: ",
+     .format = TTY_NAME_FORMAT},
+    {.text = "Printing model: ", .type = ITEM_PICK, .choices = PrintingModels, .format = "H0{6}"},
+    {.text = "Printer connection: ", .type = ITEM_PICK, .choices = Connections, .format = "H0{5} H1{4}"},
+    {.text = "Printer host name: ",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the host name",
+     .initial = {.s = HostDefault},
+     .format = TTY_HOST_FORMAT},
+    {.text = "Local Device name: ",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the device name",
+     .initial = {.s = DeviceDefault},
+     .format = "t(1,255)"},
+    {.text = "Printer server queue name",
+     .type = ITEM_REQUIRED,
+     .prompt = "Enter the print server printer name\n(name used to invoke LP/LPR on the server)",
+     .initial = {.s = ServerPrinterDefault},
+     .format = TTY_NAME_FORMAT},
+    {.text = "", .type = ITEM_TEXT},
+    {.text = "", .type = ITEM_BAR, .value = {.i = 2}},
+    {.text = "", .type = ITEM_APPLY, .callback = ApplyCQSettingsTty},
+    {.text = "", .type = ITEM_CANCEL},
+    {},
+};
+static_assert(std::size(CloneQueMenuItems) == COPY_END + 1);
+
+TextMenu CloneQueMenu = {.title = "",
+                         .titleMode = TITLE_CENTRE,
+                         .parent = &MainMenu,
+                         .initCallback = InitCloneQueMenu,
+                         .items = CloneQueMenuItems,
+                         .flags = MENU_NO_LEAVE | MENU_HELP};
+
+int CloneQueTty(TextMenu *, TextMenuItem *) {
+    if (!AskQueueTty(TTY_COPY_PROMPT, "Copy", pCloneQueName)) return 0;
+    RunMenu(&CloneQueMenu, nullptr, 1);
+    InitMainMenu(&MainMenu);
+    return 0;
+}
+
+// Printing model and connection of a queue, by its type. ORDER QueueType
+struct TypeChoice {
+    int printingModel;
+    int connection;
+};
+static constexpr TypeChoice TypeChoices[] = {
+    {PM_HOST, CONNECTION_TCP},
+    {PM_SERVER, CONNECTION_TCP},
+    {PM_HOST, CONNECTION_DEVICE},
+    {PM_SERVER_PRINTER, CONNECTION_TCP},
+    {PM_SERVER_PRINTER, CONNECTION_DEVICE},
+};
+static_assert(std::size(TypeChoices) == QUEUE_SERVER_DEVICE + 1);
+
+static void SetCopyTitle() {
+    static char *title;
+    PutMem(title);
+    title = nullptr;
+    NlsTtyMenuCvt(&title, TTY_COPY_TITLE);
+    CloneQueMenu.title = title;
+}
+
+int InitCloneQueMenu(TextMenu *menu) {
+    SetCopyTitle();
+    PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
+    snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, NLS_TTY_SET, TTY_COPY_MODEL).c_str(),
+             GetModelName(PrinterModelTty).c_str());
+    bool known = MPS_tty.type >= 0 && MPS_tty.type <= QUEUE_SERVER_DEVICE;
+    const TypeChoice *choice = &TypeChoices[known ? MPS_tty.type : QUEUE_PRINTER_HOST];
+    menu->items[COPY_PRINTING_MODEL].initial.i = choice->printingModel;
+    menu->items[COPY_CONNECTION].initial.i = choice->connection;
+    char address[MENU_TEXT_SIZE];
+    GetQueCountWords(MPS_tty.printer, address, ServerPrinterDefault, MENU_TEXT_SIZE);
+    bool device = choice->connection == CONNECTION_DEVICE;
+    snprintf(HostDefault, MENU_TEXT_SIZE, "%s", device ? "" : address);
+    snprintf(DeviceDefault, MENU_TEXT_SIZE, "%s", device ? address : "");
+    return 0;
+}
+
+// ---- Apply
+
+static int ConfirmCopyName(const char *name) {
+    if (!pQueList || !FindToken(name, pQueList)) return 1;
+    return PromptYN(
+        "%s is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "
+        "\"%s\"",
+        name, name);
+}
+
+static int PostText(int number) {
+    PostMsg("%s", NlsText(pDrvCoreDB, MSG_SET, number).c_str());
+    return 0;
+}
+
+static int TestCopyAddress(const QueTarget &target) {
+    if (!*target.address) return PostText(MSG_NO_ADDRESS);
+    bool device = target.type == QUEUE_PRINTER_DEVICE || target.type == QUEUE_SERVER_DEVICE;
+    return device || TestHostTty(target.address);
+}
+
+static int TestCopyTarget(const QueTarget &target) {
+    int known = TestCopyAddress(target);
+    if (target.type == QUEUE_SERVER && !*target.remote) return PostText(MSG_NO_REMOTE);
+    return known;
+}
+
+int ApplyCQSettingsTty(TextMenu *menu, TextMenuItem *) {
+    TextMenuItem *items = menu->items;
+    int printingModel = GetItemChoice(items, COPY_PRINTING_MODEL);
+    int type = GetQueueType(printingModel, GetItemChoice(items, COPY_CONNECTION));
+    const char *name = GetItemText(items, COPY_NAME);
+    if (!ConfirmCopyName(name)) return 1;
+    bool device = type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE;
+    std::string lprQueue = GetLprQueue(MPS_tty.ppdFile);
+    QueTarget target = {type, name, GetItemText(items, device ? COPY_DEVICE : COPY_HOST),
+                        type == QUEUE_SERVER ? GetItemText(items, COPY_SERVER_PRINTER) : lprQueue.c_str()};
+    if (!TestCopyTarget(target)) return 1;
+    RunQueLineTty(MakeCopyLine(target, pCloneQueName, printingModel));
+    DropQueList();
+    return 0;
+}

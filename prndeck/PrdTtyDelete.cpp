@@ -1,0 +1,56 @@
+// Delete queues at the terminal.
+#include "prndeck/PrdTty.h"
+
+#include "common/NlsUtils.h"
+#include "common/SysCmd.h"
+#include "common/utils.h"
+
+#include <cstring>
+#include <string>
+#include <string_view>
+
+enum { DELETE_PAUSE = 2 }; // seconds for the print system to settle
+
+static constexpr char NameDelims[] = " \t,\n";
+
+static void DeleteQueueTty(const std::string &name) {
+    if (!pExistingPrinterList || !strstr(pExistingPrinterList, name.c_str())) {
+        PostMsg("\"%s\" is not an existing queue.", name.c_str());
+        return;
+    }
+    PutLogMsg("\nRemoving Existing Printers \n");
+    RunQueLineTty(MakeDeleteLine(name.c_str()));
+}
+
+// The shown list itself is the answer for all queues, behind its heading line.
+static std::string GetAllQueues() {
+    const char *list = pExistingPrinterList ? pExistingPrinterList : "";
+    const char *heading = strchr(list, '\n');
+    return heading ? heading + 1 : list;
+}
+
+static int ConfirmDelete(const std::string &names) {
+    std::string question = NlsText(pDrvCoreDB, NLS_TTY_SET, TTY_DELETE_QUESTION);
+    return PromptYN("%s", NlsFmt(question.c_str(), "s", names.c_str()).c_str());
+}
+
+static void DeleteQueuesTty() {
+    std::string names = AskTty(TTY_DELETE_PROMPT);
+    if (names[0] == '-') names = GetAllQueues();
+    if (names.empty() || !ConfirmDelete(names)) return;
+    std::string_view rest(names);
+    for (size_t start; (start = rest.find_first_not_of(NameDelims)) != rest.npos;) {
+        rest.remove_prefix(start);
+        std::string name(rest.substr(0, rest.find_first_of(NameDelims)));
+        rest.remove_prefix(name.size());
+        DeleteQueueTty(name);
+    }
+    pSleep(DELETE_PAUSE);
+    DropQueList();
+}
+
+int RemoveExistingPrinter(TextMenu *, TextMenuItem *) {
+    DeleteQueuesTty();
+    InitMainMenu(&MainMenu);
+    return 0;
+}

@@ -1,0 +1,174 @@
+// The main menu: its table, the texts of all menus, and the queue lists that it shows.
+#include "prndeck/PrdTty.h"
+
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/PrdCommonUtils.h"
+#include "common/Token.h"
+#include "common/utils.h"
+#include "prndeck/Prd.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iterator>
+#include <string>
+#include <string_view>
+
+static int DumpMemTty(TextMenu *, TextMenuItem *) {
+    DumpMem();
+    return 0;
+}
+
+// Titles, labels and the list of queues are filled by InitMainMenu.
+TextMenuItem MainMenuItems[] = {
+    {.text = "", .type = ITEM_SUBMENU, .value = {.m = &AddPrinterMenu}},
+    {.text = "", .type = ITEM_ACTION, .callback = ModifyQueTty},
+    {.text = "", .type = ITEM_ACTION, .callback = CloneQueTty},
+    {.text = "", .type = ITEM_ACTION, .callback = RemoveExistingPrinter},
+    {.text = "Dump Memory", .type = ITEM_ACTION, .state = STATE_HIDDEN, .callback = DumpMemTty},
+    {.text = "", .type = ITEM_EXIT},
+    {.text = "", .type = ITEM_TEXT},
+    {},
+};
+static_assert(std::size(MainMenuItems) == MAIN_END + 1);
+
+TextMenu MainMenu = {.title = "",
+                     .titleMode = TITLE_CENTRE,
+                     .initCallback = InitMainMenu,
+                     .items = MainMenuItems,
+                     .flags = MENU_NO_LEAVE | MENU_HELP};
+
+char *pQueList;
+char *pTarvoQueList;
+char *pExistingPrinterList;
+char *pExistingTarvoPrinterList;
+int ExistingPrinterCnt;
+int ExistingTarvoPrinterCnt;
+
+// ---- Texts of the tables
+
+// Consecutive items that take consecutive texts.
+struct NlsRun {
+    TextMenuItem *items;
+    int number;
+    int count;
+};
+
+static const NlsRun Labels[] = {
+    {&MainMenuItems[MAIN_ADD], 80, 6},        {&AddPrinterMenuItems[ADD_NAME], 36, 14},
+    {&AddPrinterMenuItems[ADD_APPLY], 50, 2}, {&ModifyQueMenuItems[MOD_INTERFACE], 59, 5},
+    {&ModifyQueMenuItems[MOD_APPLY], 65, 2},  {&CloneQueMenuItems[COPY_PRINTING_MODEL], 102, 5},
+    {&CloneQueMenuItems[COPY_APPLY], 65, 2},
+};
+static const NlsRun Prompts[] = {
+    {&AddPrinterMenuItems[ADD_NAME], 1100, 1},
+    {&AddPrinterMenuItems[ADD_HOST], 1101, 2},
+    {&AddPrinterMenuItems[ADD_SERVER], 30, 1},
+    {&AddPrinterMenuItems[ADD_SERVER_PRINTER], 32, 1},
+};
+static const NlsRun Choices[] = {
+    {&AddPrinterMenuItems[ADD_PRINTING_MODEL], 252, 2}, {&AddPrinterMenuItems[ADD_INTERFACE], 258, 3},
+    {&AddPrinterMenuItems[ADD_DEFAULT], 261, 1},        {&ModifyQueMenuItems[MOD_INTERFACE], 258, 3},
+    {&ModifyQueMenuItems[MOD_DEFAULT], 261, 1},
+};
+struct NlsTitle {
+    TextMenu *menu;
+    int number;
+};
+static const NlsTitle Titles[] = {{&AddPrinterMenu, 35}, {&ModifyQueMenu, 52}};
+
+static void ConvertTables() {
+    for (const NlsTitle &title : Titles) {
+        char *text = nullptr;
+        NlsTtyMenuCvt(&text, title.number);
+        title.menu->title = text;
+    }
+    for (const NlsRun &run : Labels) NlsTtyMenuItemCvt(run.items, run.number, run.count);
+    for (const NlsRun &run : Prompts) NlsTtyMenuItemPromptCvt(run.items, run.number, run.count);
+    for (const NlsRun &run : Choices) NlsTtyMenuItemStateCvt(run.items, run.number, run.count);
+}
+
+static std::string FamilyText(int number) {
+    return NlsFmt(NlsText(pDrvCoreDB, NLS_TTY_SET, number).c_str(), "s", PRD_FAMILY);
+}
+
+static void InitTables() {
+    static bool done;
+    if (done) return;
+    done = true;
+    pTtyHtmlName = GetManualName();
+    pTtyHtmlTitle = PRD_FAMILY " Administration Help";
+    ConvertTables();
+    MainMenuItems[MAIN_DUMP].state = STATE_HIDDEN;
+    MainMenu.title = SaveStr("%s %s", FamilyText(TTY_TITLE).c_str(), PRD_VERSION);
+}
+
+// ---- Queue lists
+
+char *GetTarvoQueList() {
+    char *list = GetQueueList();
+    if (!list) return nullptr;
+    for (char *blank = list; (blank = strchr(blank, ' '));) *blank = ',';
+    SortTokens(list, ',', 1);
+    return list;
+}
+
+char *FormatQueList(const char *list, const char *heading, int width, int *count) {
+    std::string text = heading;
+    std::string_view rest(list ? list : "");
+    size_t column = 0;
+    *count = 0;
+    for (size_t start; (start = rest.find_first_not_of(',')) != rest.npos; ++*count) {
+        rest.remove_prefix(start);
+        std::string_view name = rest.substr(0, rest.find(','));
+        rest.remove_prefix(name.size());
+        bool full = column + name.size() >= static_cast<size_t>(width);
+        if (full) column = 0;
+        column += name.size() + 1;
+        text.append(full ? "\n " : " ").append(name);
+    }
+    return SaveStr_(text.c_str());
+}
+
+static void FreeQueLists() {
+    MainMenuItems[MAIN_QUEUES].text = "";
+    PutMem(pExistingPrinterList);
+    PutMem(pExistingTarvoPrinterList);
+    PutMem(pTarvoQueList);
+    pExistingPrinterList = pExistingTarvoPrinterList = pTarvoQueList = nullptr;
+    ExistingPrinterCnt = ExistingTarvoPrinterCnt = 0;
+}
+
+static void ReadQueLists() {
+    FreeQueLists();
+    std::string heading = NlsText(pDrvCoreDB, NLS_TTY_SET, TTY_ALL_QUEUES);
+    pQueList = GetQueList();
+    pExistingPrinterList = FormatQueList(pQueList, heading.c_str(), QUE_LIST_WIDTH, &ExistingPrinterCnt);
+    if (!pQueList) return;
+    pTarvoQueList = GetTarvoQueList();
+    pExistingTarvoPrinterList = FormatQueList(pTarvoQueList, FamilyText(TTY_FAMILY_QUEUES).c_str(),
+                                              QUE_LIST_WIDTH, &ExistingTarvoPrinterCnt);
+}
+
+static void TestRoot() {
+    if (flUserIsRoot) return;
+    fprintf(stderr, "%s is logged in\nYou must become root to run %s\n", pUser ? pUser : "", my_name);
+    exit_app(1);
+}
+
+int InitMainMenu(TextMenu *) {
+    TestRoot();
+    if (!pQueList) ReadQueLists();
+    MainMenuItems[MAIN_QUEUES].text = pExistingPrinterList ? pExistingPrinterList : "";
+    InitTables();
+    return 0;
+}
+
+void RunTty() {
+    DropQueList(); // the windows may have left one
+    TextMenuItem *model = &AddPrinterMenuItems[ADD_MODEL];
+    PutMem(model->choices);
+    model->choices = SaveStr_(PpdModelList);
+    model->value.i = 0;
+    RunMenu(&MainMenu, nullptr, 1);
+}

@@ -1,0 +1,148 @@
+// Modify a queue at the terminal.
+#include "prndeck/PrdTty.h"
+
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/PrdCommonUtils.h"
+#include "common/SysCmd.h"
+#include "common/Token.h"
+#include "common/utils.h"
+#include "prndeck/PrdBanner.h"
+
+#include <cstdio>
+#include <iterator>
+#include <string>
+
+static char OnOffInterface[] = "_disabled,_enabled";
+static char OnOffFeatures[] = "_disabled,_enabled";
+static char OnOffBanner[] = "_disabled,_enabled";
+static char NoYes[] = "_No,_Yes";
+static char QueLabels[MOD_INTERFACE][MENU_TEXT_SIZE];
+
+// The first six labels and the defaults are the queue's, set by SetQueSettingsTty. ORDER ModifyQueMenuItems
+TextMenuItem ModifyQueMenuItems[] = {
+    {.text = QueLabels[MOD_NAME], .type = ITEM_TEXT},
+    {.text = QueLabels[MOD_MODEL], .type = ITEM_TEXT},
+    {.text = QueLabels[MOD_PRINTING_MODEL], .type = ITEM_TEXT},
+    {.text = QueLabels[MOD_CONNECTION], .type = ITEM_TEXT},
+    {.text = QueLabels[MOD_HOST], .type = ITEM_TEXT},
+    {.text = QueLabels[MOD_PRINTER], .type = ITEM_TEXT},
+    {.text = "User interface: ", .type = ITEM_PICK, .choices = OnOffInterface, .initial = {.i = 1}},
+    {.text = "Features: ",
+     .type = ITEM_PICK,
+     .choices = OnOffFeatures,
+     .initial = {.i = 1},
+     .format = "H0{6,8,9,10} P0|1{8}"},
+    {.text = "Banner page printing: ",
+     .type = ITEM_PICK,
+     .choices = OnOffBanner,
+     .initial = {.i = 1},
+     .format = "H0{10}"},
+    {.text = "Configure Printer Features", .type = ITEM_ACTION, .callback = ModifySetupTty},
+    {.text = "", .type = ITEM_ACTION, .callback = BannerInfoSetupTty},
+    {.text = "Set as default printer", .type = ITEM_PICK, .choices = NoYes},
+    {.text = "", .type = ITEM_TEXT},
+    {.text = "", .type = ITEM_BAR, .value = {.i = 2}},
+    {.text = "", .type = ITEM_APPLY, .callback = ApplyModifySettingsTty},
+    {.text = "", .type = ITEM_CANCEL},
+    {},
+};
+static_assert(std::size(ModifyQueMenuItems) == MOD_END + 1);
+
+TextMenu ModifyQueMenu = {.title = "",
+                          .titleMode = TITLE_CENTRE,
+                          .parent = &MainMenu,
+                          .initCallback = InitModifyQueMenu,
+                          .items = ModifyQueMenuItems,
+                          .flags = MENU_NO_LEAVE | MENU_HELP};
+
+int ModifyQueTty(TextMenu *, TextMenuItem *) {
+    if (!AskQueueTty(TTY_MODIFY_PROMPT, "Modification", pModifyQueName)) return 0;
+    RunMenu(&ModifyQueMenu, nullptr, 1);
+    InitMainMenu(&MainMenu);
+    return 0;
+}
+
+int InitModifyQueMenu(TextMenu *) {
+    DeleteWorkFiles();
+    SetQueSettingsTty(pModifyQueName);
+    GetBannerInfoTty(pModifyQueName);
+    return 0;
+}
+
+// ---- The queue as it stands
+
+static void PutSettingsFile() {
+    pSettingsTty = MPS_tty.settings;
+    MPS_tty.settings = nullptr;
+    if (!pSettingsTty) return;
+    std::string path = std::string(pToolPath) + "/" + SettingsFile;
+    CreateTextFile(path.c_str(), "wt", 0, "%s", pSettingsTty);
+    PutMem(pSettingsTty);
+    pSettingsTty = nullptr;
+}
+
+static void SetQueLabel(int item, int leadIn, const char *value) {
+    snprintf(QueLabels[item], MENU_TEXT_SIZE, "%s%s", NlsText(pDrvCoreDB, NLS_TTY_SET, leadIn).c_str(),
+             value);
+    ModifyQueMenuItems[item].state = STATE_NORMAL;
+}
+
+// Host and printer of a queue whose printer is counted in the database.
+static void SetCountedLabels(const char *host, const char *remote) {
+    bool both = MPS_tty.lpd || MPS_tty.type == QUEUE_SERVER;
+    std::string where = std::string(host) + " using " + remote;
+    SetQueLabel(MOD_HOST, both ? TTY_HOST_AND_QUEUE : TTY_HOST, both ? where.c_str() : host);
+    SetQueLabel(MOD_PRINTER, TTY_PRINTER, MPS_tty.printer);
+}
+
+static void SetUncountedLabels() {
+    bool device = MPS_tty.type == QUEUE_PRINTER_DEVICE || MPS_tty.type == QUEUE_SERVER_DEVICE;
+    ModifyQueMenuItems[MOD_HOST].state = STATE_HIDDEN;
+    SetQueLabel(MOD_PRINTER, device && !MPS_tty.lpd ? TTY_HOST : TTY_PRINTER, MPS_tty.printer);
+}
+
+static void SetQueLabels(const char *name) {
+    bool server = MPS_tty.type == QUEUE_SERVER;
+    bool device = MPS_tty.type == QUEUE_PRINTER_DEVICE || MPS_tty.type == QUEUE_SERVER_DEVICE;
+    SetQueLabel(MOD_NAME, TTY_QUEUE, name);
+    SetQueLabel(MOD_MODEL, TTY_MODEL, GetModelName(PrinterModelTty).c_str());
+    SetQueLabel(MOD_PRINTING_MODEL, TTY_PRINTING_MODEL,
+                server ? "workstation to print server" : "workstation to printer");
+    SetQueLabel(MOD_CONNECTION, TTY_CONNECTION, device ? "local device" : "TCP/IP");
+    char host[MENU_TEXT_SIZE], remote[MENU_TEXT_SIZE];
+    if (GetQueCountWords(MPS_tty.printer, host, remote, MENU_TEXT_SIZE))
+        SetCountedLabels(host, remote);
+    else
+        SetUncountedLabels();
+}
+
+void SetQueSettingsTty(const char *name) {
+    GetQueDbEntry(&MPS_tty, name);
+    PutSettingsFile();
+    TextMenuItem *items = ModifyQueMenuItems;
+    items[MOD_DEFAULT].initial.i = TestDefaultQueue(name);
+    items[MOD_INTERFACE].initial.i = MPS_tty.userInterface != 0;
+    items[MOD_FEATURES].initial.i = MPS_tty.features != 0;
+    items[MOD_BANNER].initial.i = MPS_tty.banner != 0;
+    PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
+    SetQueLabels(name);
+}
+
+// ---- Callbacks
+
+int ModifySetupTty(TextMenu *menu, TextMenuItem *) {
+    std::string line = MakeFeatureLine(MPS_tty.ppdFile, GetItemChoice(menu->items, MOD_BANNER));
+    SysCmd(CMD_QUIET, 1, "%s", line.c_str()); // no redirection: the front end talks to the user here
+    return 0;
+}
+
+int ApplyModifySettingsTty(TextMenu *menu, TextMenuItem *) {
+    MPS_tty.userInterface = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_INTERFACE));
+    MPS_tty.features = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_FEATURES));
+    MPS_tty.banner = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_BANNER));
+    MPS_tty.isDefault = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_DEFAULT));
+    QueOptions options = {MPS_tty.features, MPS_tty.banner, MPS_tty.userInterface, MPS_tty.isDefault};
+    RunQueLine(MakeModifyLine(pModifyQueName, options, 1));
+    return 0;
+}
