@@ -1,0 +1,243 @@
+"""The flows of the terminal through the real program: what is typed, what is shown, and what prnqtool is asked to do."""
+import os
+import sys
+import unittest
+
+from decktool import DeckTool
+from term import Term
+
+FOOTER = "for help: "
+RETURN = "Press <Return> to continue"
+ADD = "prnqtool <%s> <-log> <prndeck> <-fs> <.settings> <-ppd> <tv_c410.ppd> <-pm> "
+
+
+class Flows(unittest.TestCase):
+    def setUp(self):
+        self.tool = DeckTool()
+        self.addCleanup(self.tool.close)
+        self.tool.queues("q1", "q2", "other")
+        self.tool.que({
+            "q1": "q1 host lp tv_w520.ppd 0 0 1 1 0 1 \0",
+            "host count": "\1\0\0\0host lp\0",
+            "q1 **": "Tray=2 100%\n",
+            "q1 **banner": ".h1 30 Room 5\n\0",
+            "q2": "q2 /dev/lp0 lp gone.ppd 2 1 0 0 0 0 \0",
+            " default": "q1\0",
+            " banner": ".h2 12 house\n\0",
+        })
+
+    def play(self, script):
+        """A run whose last answer leaves it; what it showed."""
+        status, out, err = self.tool.run("-tty", script=script)
+        self.assertEqual((status, err), (0, ""), out[-800:])
+        return out
+
+    # ---- Add
+
+    def test_add_each_kind(self):
+        for answers, tail in (
+                ("5 localhost\n15\n", "<wp> <-lpd> <-hn> <localhost> <-psqn> <lp> <-fe> <-bp> <-ui>"),
+                ("4\n6 /dev/lp0\n14 2\n15\n", "<wp> <-d> <-lpd> <-dn> </dev/lp0> <-psqn> <lp> <-fe> <-bp> <-ui>"),
+                ("3\n7 127.0.0.1\n8 ps-1_\n9 1\n11 1\n15\n", "<wps> <-lpd> <-hn> <127.0.0.1> <-psqn> <ps-1_> <-fe>"),
+                # The values of hidden items still count.
+                ("10\n5 localhost\n15\n", "<wp> <-lpd> <-hn> <localhost> <-psqn> <lp> <-bp> <-ui>"),
+                # A local device stays one while the printing model goes there and back; the model has no banner of
+                # its own on the way through a server.
+                ("4\n3\n3\n5 h\n6 /dev/x\n15\n", "<wp> <-lpd> <-dn> </dev/x> <-psqn> <lp> <-fe> <-ui>")):
+            self.tool.write("lines", "")
+            self.play("1\n1 new\n" + answers + "6\n")
+            self.assertEqual(self.tool.lines(), [ADD % "new" + tail], answers)
+
+    def test_add_model_and_remote_queue(self):
+        out = self.play("1\n1\nnew\n2 9\n5 localhost\n15\n6\n")
+        self.assertIn("[9. Tarvo X150]", out)  # a model without banner pages
+        self.assertEqual(self.tool.lines(), [(ADD % "new").replace("c410", "x150") +
+                                             "<wp> <-lpd> <-hn> <localhost> <-psqn> <PORT1> <-fe> <-ui>"])
+
+    def test_add_refuses(self):
+        for answers, said in (
+                ("15\n\n", "All names must be set"),
+                ("1 new\n5 no.such.host.invalid\n15\n\n", "Unknown hostname no.such.host.invalid" + RETURN),
+                ("1 new\n5 $(touch$IFS./x)\n15\n\n", "Unknown hostname $(touch$IFS./x)" + RETURN),
+                ("1 q1\n5 localhost\n15\nY\nn\n", 'destroy your current queue "q1"\nReplace q1? [y/n] '),
+                ("1 a.b\n\n", "Invalid character '.'"),
+                ("1 fifteen_letters\n\n", "This entry must have 1 to 14 characters."),
+                ("5 0.0.0.0\n\n", 'Invalid entry "0.0.0.0"')):
+            out = self.play("1\n" + answers + "16\n6\n")
+            self.assertIn(said, out)
+            self.assertEqual(self.tool.lines(), [], answers)
+        self.assertFalse((self.tool.path / "x").exists())
+
+    def test_add_keeps_its_values_after_a_refusal(self):
+        out = self.play("1\n1 new\n5 no.such.host.invalid\n14\n15\n\n16\n6\n")
+        last = out.split("\f")[-2]
+        for value in ("[new]", "[no.such.host.invalid]", "[2. Yes]"):
+            self.assertIn(value, last)
+
+    def test_add_shows_the_new_queue(self):
+        self.tool.write("prnqtool", self.tool.read("prnqtool") + '[ "$1" = new ] && echo new: >>queues\n', 0o755)
+        out = self.play("1\n1 new\n5 localhost\n15\n6\n")
+        self.assertIn(" new other q1 q2 ", out.split("\f")[-1])
+
+    def test_working_files_of_an_earlier_flow_are_dropped(self):
+        for name in (".settings", ".bsettings"):
+            self.tool.write(name, "old")
+        self.play("1\n1 new\n5 localhost\n15\n6\n")
+        self.assertNotIn("-bps", self.tool.lines()[0])
+        self.assertEqual(self.tool.read(".settings"), "")
+
+    def test_hostile_devices(self):
+        values = ["/dev/a b", "it's", '"', "$(touch x)", "`touch x`", "a;touch x", "|touch x", "a>x", "%s%n%d", "\\", "a\\b", "*",
+                  "-x", "\xe9\xfe", "d" * 255]
+        script = "".join("1\n1 new\n4\n6\n%s\n15\n" % value for value in values)
+        self.play(script + "6\n")
+        self.assertEqual(self.tool.lines(), [
+            ADD % "new" + "<wp> <-lpd> <-dn> <%s> <-psqn> <lp> <-fe> <-bp> <-ui>" % value for value in values])
+        self.assertFalse((self.tool.path / "x").exists())
+
+    def test_entries_too_long(self):
+        for length in (256, 4000, 4095):
+            out = self.play("1\n4\n6\n" + "x" * length + "\n\n5\n" + "y" * length + "\n\n1 " + "z" * length + "\n\n16\n6\n")
+            self.assertEqual(self.tool.lines(), [])
+            self.assertNotIn("Sanitizer", out)
+
+    def test_feature_dialogue_talks_on_the_terminal(self):
+        self.tool.write("prnpnxxtty", '#!/bin/sh\nprintf "words: %s. answer? " "$*"\nread x\necho "answer=$x" >.settings\n', 0o755)
+        out = self.play("1\n12\nmine\n1 new\n5 localhost\n15\n6\n")
+        self.assertIn("words: -tty -SBP -GS%s/ppd/tv_c410.ppd. answer? " % self.tool.path, out)
+        self.assertEqual(self.tool.read(".settings"), "answer=mine\n")
+        self.assertEqual(len(self.tool.lines()), 1)
+
+    # ---- Modify
+
+    def test_modify(self):
+        out = self.play("2\nq1\n1\n3\n7\n6\n")
+        menu = out.split("\f")[2]
+        for text in (" Modify Queue\n", "Queue name: q1 ", "Printer model: Tarvo W520 ", "Connection: TCP/IP ",
+                     "Host and queue: host using lp ", "Printer: host ", "[2. Yes]"):
+            self.assertIn(text, menu)
+        # The interface is switched off, the banner on; its text and the settings come from the queue's records.
+        self.assertEqual(self.tool.lines(),
+                         ["prnqtool <q1> <-mq> <-log> <prndeck> <-fe> <-bp> <-d> <-fs> <.settings> <-bps> <.bsettings>"])
+        self.assertEqual(self.tool.read(".settings"), "Tray=2 100%\n")
+        self.assertEqual(self.tool.read(".bsettings"), ".h1 30 Room 5\n")
+
+    def test_modify_after_a_queue_without_host(self):
+        out = self.play("2\nq2\n8\n2\nq1\n8\n6\n")
+        shown = out.split("\f")
+        self.assertNotIn("Host and queue", shown[2])
+        self.assertIn("Host: /dev/lp0 ", shown[2])
+        self.assertIn("Host and queue: host using lp ", shown[4])
+        self.assertEqual(self.tool.lines(), [])
+
+    def test_modify_unknown_queues(self):
+        for name, said in (("q9", 'Queue "q9" does not exist\nRecreate q9 using Add queue.\n'),
+                           ("q", "Modification is not supported for this queue!!!!!\nRecreate q using Add queue.\n"),
+                           ("other", "Modification is not supported for this queue!!!!!\nRecreate other using"),
+                           ("%s%n" * 20, 'Queue "' + "%s%n" * 20 + '" does not exist'),
+                           ("k" * 4000, 'Queue "' + "k" * 4000 + '" does not exist'),
+                           ("q1\xff", "Modify Queue")):
+            out = self.play("2\n" + name + "\n\n" + ("8\n" if "\xff" in name else "") + "6\n")
+            self.assertIn(said, out)
+        self.assertEqual(self.tool.lines(), [])
+
+    def test_nothing_to_modify(self):
+        self.tool.queues()
+        out = self.play("2\n\n3\n\n6\n")
+        self.assertEqual(out.count("There have been no queues created yet. Use the Add queue menu selection first.\n"), 2)
+
+    def test_damaged_records(self):
+        for record in ("", " ", "q1", "q1 " + "h" * 500 + " x y z", "q1 %n%n%n lp $(touch x).ppd 77 300 -1 x", "\xff" * 60000):
+            self.tool.que({"q1": record, "q1 **": "%n" * 3000, "q1 **banner": ".h1 " * 5000, "%n%n%n count": "\1\2\3\4%s %n"})
+            self.play("2\nq1\n" + ("8\n" if record else "\n") + "3\nq1\n" + ("8\n" if record else "\n") + "6\n")
+            self.assertFalse((self.tool.path / "x").exists())
+
+    # ---- Copy
+
+    def test_copy(self):
+        out = self.play("3\nq1\n1 new\n4 localhost\n7\n6\n")
+        menu = out.split("\f")[2]
+        self.assertIn("Printer model: Tarvo W520 ", menu)
+        self.assertIn("[host]", menu)
+        self.assertEqual(self.tool.lines(), ["prnqtool <new> <-log> <prndeck> <-cl> <q1> <-pm> <wp> <-hn> <localhost> <-psqn> <print>"])
+
+    def test_copy_over_a_queue(self):
+        for answer, count in (("n\n8\n", 0), ("y\n", 1)):
+            out = self.play("3\nq1\n1 q2\n4 localhost\n7\n" + answer + "6\n")
+            self.assertIn('Using this queue name will destroy your current queue "q2"? [y/n] ', out)
+            self.assertEqual(len(self.tool.lines()), count)
+
+    # ---- Delete
+
+    def test_delete(self):
+        out = self.play("4\nq1, zz q2\ny\n\n6\n")
+        self.assertIn("Do you want to delete q1, zz q2? [y/n] ", out)
+        self.assertIn('"zz" is not an existing queue.' + RETURN, out)
+        self.assertEqual(self.tool.lines(), ["prnqtool <%s> <-x> <-log> <prndeck>" % name for name in ("q1", "q2")])
+
+    def test_delete_all(self):
+        names = ["printer%02i" % i for i in range(30)]
+        self.tool.queues(*names)
+        self.play("4\n-\ny\n6\n")
+        self.assertEqual(self.tool.lines(), ["prnqtool <%s> <-x> <-log> <prndeck>" % name for name in names])
+
+    def test_delete_nothing(self):
+        self.tool.queues()
+        self.play("4\n-\n4\n\n6\n")
+        self.assertEqual(self.tool.lines(), [])
+
+    # ---- Banner
+
+    def test_banner_of_a_new_queue(self):
+        out = self.play("1\n13\n1\nRoom  it's 100%\n2 17\n8\n1 new\n5 localhost\n13\n10\n15\n6\n")
+        self.assertIn("[house]", out.split("\f")[3])  # the system's default
+        self.assertEqual(self.tool.read(".bsettings"), ".h1 40 Room  it's 100%\n.h2 12 house\n")
+        self.assertTrue(self.tool.lines()[0].endswith("<-ui> <-bps> <.bsettings>"))
+        self.assertIn("[Room  it's 100%]", out.split("\f")[-3])  # the second visit shows the last apply
+
+    def test_banner_as_default(self):
+        self.play("2\nq1\n3\n5\n7\n8\n5\n1\n \n3\n \n7\n8\n8\n6\n")
+        self.assertEqual(self.tool.lines(), ["prnqtool <-dbps> <.bsettings>", "prnqtool <-xdbps>"])
+        self.assertFalse((self.tool.path / ".bsettings").exists())
+
+    def test_banner_restore_and_leave(self):
+        out = self.play("2\nq1\n3\n5\n1 changed\n9\n\nn\n\ny\n8\n6\n")
+        self.assertIn("[changed]", out)
+        self.assertIn("[Room 5]", out.split("\f")[6])
+        self.assertEqual(out.count("Do you want to return to Modify Queue menu? [y/n] "), 2)
+
+    # ---- End of input, a real terminal
+
+    def test_end_of_input_at_every_prompt(self):
+        script = ("1\n1\nnew\n4\n6\n/dev/lp0\n13\n1\ntitle\n8\n15\n" "1\n1 q1\n5 no.such.host.invalid\n15\ny\n\n16\n"
+                  "2\nzz\n\n2\nq1\n3\n5\n\nn\n10\n7\n" "3\nq1\n1 new\n4 localhost\n7\n" "4\nq1 zz\ny\n\n").splitlines(True)
+        for count in range(len(script)):
+            status, out, err = self.tool.run("-tty", script="".join(script[:count]))
+            self.assertEqual((status, err), (1, "\nprndeck: reading from standard input : Success\n"), script[:count])
+            self.assertLess(len(out), 100000)
+
+    def test_on_a_terminal(self):
+        with Term([self.tool.program, "-tty"], cwd=self.tool.path, env={"LANG": "C"}) as term:
+            term.wait(FOOTER)
+            self.assertIn("Setup printing model", term.line("1", FOOTER))
+            term.line("1", "Enter the printer name: ")
+            self.assertIn("[new]", term.line("new", FOOTER))
+            self.assertIn("[localhost]", term.line("5 localhost", FOOTER))
+            self.assertIn("Tarvo Printer Administration 4.50.29", term.line("15", FOOTER))
+            term.line("6")
+            self.assertEqual(term.end(), 0)
+        self.assertEqual(len(self.tool.lines()), 1)
+
+    def test_hang_up_at_the_terminal(self):
+        with Term([self.tool.program, "-tty"], cwd=self.tool.path) as term:
+            term.wait(FOOTER)
+            term.eof()
+            term.wait("prndeck: reading from standard input : Success")
+            self.assertEqual(term.end(), 1)
+
+
+if __name__ == "__main__":
+    if os.geteuid() != 0:
+        print("the terminal menus need root")
+        sys.exit(77)
+    unittest.main()
