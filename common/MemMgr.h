@@ -91,9 +91,7 @@ MemBlock *PopBlock(MemBlock *block);
 int TestMAT(const char *mat, char mark, int count);
 
 // Duplicators into managed memory. SaveStr takes a literal format only; a plain text goes through SaveStr_. A
-// null text gives an empty copy; SaveStr__ gives null for a null format and cuts the text at MEM_SCRATCH - 1
-// bytes. Owns: the result. Ends: when memory is exhausted.
-enum { MEM_SCRATCH = 65535 };
+// null text gives an empty copy, but SaveStr__ null. Owns: the result. Ends: when memory is exhausted.
 [[nodiscard, gnu::format(printf, 1, 2)]] char *SaveStr(const char *format, ...);
 [[nodiscard]] char *SaveStr_(const char *text);
 [[nodiscard, gnu::format(printf, 1, 2)]] char *SaveStr__(const char *format, ...);

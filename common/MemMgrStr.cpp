@@ -21,11 +21,9 @@ char *SaveStr_(const char *text) {
 }
 
 // Most texts are short: they are formatted once, on the stack.
-char *SaveStr(const char *format, ...) {
+[[gnu::format(printf, 1, 0)]] static char *SaveStrV(const char *format, va_list args) {
     char scratch[1024];
-    if (!format) return SaveStr_(nullptr);
-    va_list args, again;
-    va_start(args, format);
+    va_list again;
     va_copy(again, args);
     int length = vsnprintf(scratch, sizeof(scratch), format, args);
     if (length < 0) SysError("%s", OutOfMem);
@@ -36,17 +34,23 @@ char *SaveStr(const char *format, ...) {
     else
         vsnprintf(copy, size + 1, format, again);
     va_end(again);
+    return copy;
+}
+
+char *SaveStr(const char *format, ...) {
+    if (!format) return SaveStr_(nullptr);
+    va_list args;
+    va_start(args, format);
+    char *copy = SaveStrV(format, args);
     va_end(args);
     return copy;
 }
 
 char *SaveStr__(const char *format, ...) {
-    char scratch[MEM_SCRATCH];
     if (!format) return nullptr;
     va_list args;
     va_start(args, format);
-    int length = vsnprintf(scratch, sizeof(scratch), format, args);
+    char *copy = SaveStrV(format, args);
     va_end(args);
-    if (length < 0) SysError("%s", OutOfMem);
-    return SaveStr_(scratch);
+    return copy;
 }

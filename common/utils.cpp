@@ -153,6 +153,7 @@ char *FindExistingPath(const char *path, int *flWhole) {
     std::string place = path ? path : "";
     struct stat info;
     int steps = 0;
+    if (flWhole) *flWhole = 0;
     while (stat(place.c_str(), &info) != 0 || !S_ISDIR(info.st_mode)) {
         std::string parent = StripFn(place.c_str());
         if (parent == place) return nullptr; // "/" and "." are their own parents
@@ -438,7 +439,7 @@ int GetFileContentR(const char *path, const char *name, char *buffer, size_t siz
     return flFailed ? 0 : 1;
 }
 
-// Reads to the end of the file, whatever its size was a moment ago.
+// Reads to the end of the file, whatever its size was a moment ago. Null when memory is exhausted.
 static char *ReadAll(int descriptor, size_t guess, size_t *size) {
     size_t capacity = guess + 1;
     auto *content = static_cast<char *>(GetMem(capacity));
@@ -449,7 +450,10 @@ static char *ReadAll(int descriptor, size_t guess, size_t *size) {
         if (count < 0) *size = 0;
         if (count <= 0) break;
         *size += static_cast<size_t>(count);
-        if (*size == capacity) content = static_cast<char *>(AdjustMem(content, capacity *= 2));
+        if (*size < capacity) continue;
+        auto *grown = static_cast<char *>(AdjustMem(content, capacity *= 2));
+        if (!grown) PutMem(content);
+        content = grown;
     }
     return content;
 }

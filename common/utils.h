@@ -44,7 +44,7 @@ char *StripExt(const char *path);     // up to the first '.' of the whole path: 
 char *StripPath(const char *path);    // the last component, empty behind a trailing '/'
 char *StripPathExt(const char *path); // the last component up to its first '.'
 char *StripFn(const char *path);      // up to the last '/'; "/" in the root, "." without a '/'
-char *GenName(const char *text); // "hp color-4" gives "HpColor4"; what precedes the first letter is dropped
+char *GenName(const char *text); // "big color-4" gives "BigColor4"; what precedes the first letter is dropped
 
 // The absolute directory of the program. A name without '/' counts as lying in the current directory: PATH is
 // not searched. Leading "./" and "../" are taken off. Owns: the result.

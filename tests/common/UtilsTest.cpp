@@ -27,7 +27,7 @@ TEST(Paths, TakenApart) {
         {"root", StripFn, "/printer", "/"},
         {"directory, trailing slash", StripFn, "/a/b/", "/a/b"},
         {"long directory", StripFn, deep + "/x", deep},
-        {"identifier", GenName, "42 hp-coLOR 4_x9\xe4z", "HpColor4X9Z"},
+        {"identifier", GenName, "42 big-coLOR 4_x9\xe4z", "BigColor4X9Z"},
     };
     for (const Case &c : cases) EXPECT_EQ(c.function(c.in.c_str()), c.want) << c.name << ": " << c.in;
     EXPECT_STREQ(StripPath(nullptr), "");
