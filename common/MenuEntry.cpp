@@ -8,7 +8,6 @@
 #include "common/utils.h"
 
 #include <cctype>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -61,21 +60,14 @@ static int IsDigit(char ch) {
     return isdigit(static_cast<unsigned char>(ch));
 }
 
-static int ParseInt(const char *text, const char **end, int base) {
-    char *stop;
-    long number = strtol(text, &stop, base);
-    *end = stop;
-    return static_cast<int>(number < INT_MIN ? INT_MIN : number > INT_MAX ? INT_MAX : number);
-}
-
 int getMinMax(const char *range, int *minimum) {
     *minimum = 0;
     if (range == nullptr) return 0;
     const char *at = range;
     if (*at != '\0' && !IsDigit(*at)) at++;
-    *minimum = ParseInt(at, &at, 10);
+    *minimum = ParseInt(at, &at);
     if (*at != '\0') at++;
-    return ParseInt(at, &at, 10);
+    return ParseInt(at);
 }
 
 // ---- the parts of an element

@@ -4,6 +4,7 @@
 
 #include "common/MemMgr.h"
 #include "common/Token.h"
+#include "common/utils.h"
 
 #include <cctype>
 #include <climits>
@@ -30,13 +31,6 @@ static int ActiveFormatCnt;
 static const char *pCondition; // cursor of the evaluation in progress
 static int ConditionSkip;      // > 0: read over, nothing is tested
 static int ConditionDepth;     // open parentheses
-
-static int ParseInt(const char *text, const char **end) {
-    char *stop;
-    long number = strtol(text, &stop, 10);
-    if (end != nullptr) *end = stop;
-    return static_cast<int>(number < INT_MIN ? INT_MIN : number > INT_MAX ? INT_MAX : number);
-}
 
 static int IsDigit(char ch) {
     return isdigit(static_cast<unsigned char>(ch));
@@ -106,7 +100,7 @@ void ShowStateSelection(TextMenuItem *item, int choice) {
 int TestFormatState(const char *states, intptr_t value) {
     const char *at = states;
     while (*at != '\0') {
-        if (*at == '*' || ParseInt(at, nullptr) == value) return 1;
+        if (*at == '*' || ParseInt(at) == value) return 1;
         while (IsDigit(*at)) at++;
         while (*at != '\0' && !IsDigit(*at)) at++;
     }
@@ -146,7 +140,7 @@ static int SaveTarget(const StateGroup *group, TextMenuItem *item) {
         if (item->type == ITEM_FLOAT)
             item->value.f = strtof(token, nullptr);
         else
-            item->value.i = ParseInt(token, nullptr);
+            item->value.i = ParseInt(token);
     } else if (item->saved >= 0) {
         item->value.i = item->saved;
         item->saved = -1;

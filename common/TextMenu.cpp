@@ -12,7 +12,6 @@
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
-#include <climits>
 #include <cstdlib>
 #include <cstring>
 #include <string>
@@ -43,11 +42,6 @@ void (*pTtyHelp)(const char *name, const char *data, const char *title);
 
 static std::string MenuText(int number) {
     return NlsText(pDrvCoreDB, NLS_TTY_SET, number);
-}
-
-static int ParseInt(const char *text) {
-    long number = strtol(text, nullptr, 10);
-    return static_cast<int>(number < INT_MIN ? INT_MIN : number > INT_MAX ? INT_MAX : number);
 }
 
 static void CallMenu(TextMenu *menu, MenuCall call) {

@@ -6,7 +6,6 @@
 #include "common/utils.h"
 
 #include <cctype>
-#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -56,16 +55,9 @@ void StoreMenu(TextMenu *menu) {
     if (pOut != nullptr) StoreMenuLevel(menu, 1);
 }
 
-static int ParseNumber(const char *text, const char **end) {
-    char *stop;
-    long number = strtol(text, &stop, 10);
-    if (end != nullptr) *end = stop;
-    return static_cast<int>(number < INT_MIN ? INT_MIN : number > INT_MAX ? INT_MAX : number);
-}
-
 static int ParseSettingsLine(const char *line, SettingsLine *parsed) {
     const char *at;
-    parsed->index = ParseNumber(line, &at);
+    parsed->index = ParseInt(line, &at);
     if (at == line || *at == '\0') return 0;
     parsed->separator = *at++;
     at += strspn(at, Whitespace);
@@ -81,7 +73,7 @@ static int ParseSettingsLine(const char *line, SettingsLine *parsed) {
 }
 
 static void LoadItemValue(TextMenuItem *item, const char *value) {
-    int number = ParseNumber(value, nullptr);
+    int number = ParseInt(value);
     char choice[TOKEN_SIZE];
     switch (item->type) { // only the stored types come here
     case ITEM_PICK:

@@ -38,23 +38,11 @@ char *Gets(char *buffer, int size) {
     return length == 0 && ch != '\n' ? nullptr : buffer;
 }
 
-[[gnu::format(printf, 1, 0)]] static std::string FormatText(const char *format, va_list args) {
-    va_list again;
-    va_copy(again, args);
-    int length = vsnprintf(nullptr, 0, format, again);
-    va_end(again);
-    if (length < 0) return format;
-    std::string text(static_cast<size_t>(length) + 1, '\0');
-    vsnprintf(text.data(), text.size(), format, args);
-    text.pop_back();
-    return text;
-}
-
 int PromptYN(const char *format, ...) {
     // Made once: the arguments may lie in LineBuf, which the answers overwrite.
     va_list args;
     va_start(args, format);
-    std::string question = FormatText(format, args) + "? [y/n] ";
+    std::string question = FormatV(format, args) + "? [y/n] ";
     va_end(args);
     do {
         fputs(question.c_str(), stdout);
@@ -63,8 +51,8 @@ int PromptYN(const char *format, ...) {
     return LineBuf[0] == 'y';
 }
 
-// The whole line is taken even where less of it is wanted, so that its rest is no answer to the next
-// question.
+// A buffer takes a whole line out of the input even where it keeps less, so that the rest is no answer to
+// the next question.
 char *PromptUser(const char *prompt, char *buffer, size_t capacity) {
     fputs(prompt, stdout);
     char line[PROMPT_LINE];

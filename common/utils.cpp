@@ -54,6 +54,13 @@ std::string FormatV(const char *format, va_list args) {
     return text;
 }
 
+int ParseInt(const char *text, const char **end, int base) {
+    char *stop;
+    long number = strtol(text, &stop, base);
+    if (end) *end = stop;
+    return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
+}
+
 static bool IsEmpty(const char *text) {
     return !text || !*text;
 }

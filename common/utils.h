@@ -167,3 +167,6 @@ int SniffCUPS();
 
 // The formatted text, of any length.
 [[gnu::format(printf, 1, 0)]] std::string FormatV(const char *format, va_list args);
+// The number at the start of the text, 0 without one; beyond an int its limit. *end (may be null) is what
+// follows it.
+int ParseInt(const char *text, const char **end = nullptr, int base = 10);
