@@ -236,8 +236,7 @@ static const char *SkipDigits(const char *at) {
 static int CheckInteger(EntryCheck *check) {
     const char *start = check->in;
     const char *end = SkipDigits(start);
-    const char *stop;
-    int number = ParseInt(start, &stop, 10);
+    long number = strtol(start, nullptr, 10); // no int: one beyond it is in no range
     TakeNumber(check, end);
     EntryRange range = ReadRange(check);
     EntrySet set = ReadSet(check);
@@ -252,8 +251,8 @@ static int CheckInteger(EntryCheck *check) {
 // 'x' range: the hexadecimal number at the read position is in the range, whose bounds are decimal.
 static int CheckHex(EntryCheck *check) {
     const char *start = check->in;
-    const char *end;
-    int number = ParseInt(start, &end, 16);
+    char *end;
+    long number = strtol(start, &end, 16);
     if (end == start) return RefuseDigit(*start);
     TakeNumber(check, end);
     EntryRange range = ReadRange(check);
