@@ -150,6 +150,7 @@ static int SaveTarget(const StateGroup *group, TextMenuItem *item) {
 
 // The token just read names a target. 0 if the format is malformed here.
 static int ProcessGroupTarget(const StateGroup *group, const char *token) {
+    if (strchr("HNPS", group->operation) == nullptr) return 1; // no operation: its targets are read over
     const char *end;
     int index = ParseInt(token, &end);
     if (!IsDigit(token[0]) || *end != '\0') return 0;
@@ -164,9 +165,7 @@ static int ProcessGroupTarget(const StateGroup *group, const char *token) {
     case 'P':
         if (item != nullptr && group->flMatch) ProcessTarget(group->menu, index);
         return 1;
-    case 'S': return SaveTarget(group, item);
-    default: // no operation: its targets are read over
-        return 1;
+    default: return SaveTarget(group, item);
     }
 }
 

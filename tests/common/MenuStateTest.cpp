@@ -50,7 +50,7 @@ static const FormatCase FormatCases[] = {
     {"a later miss shows what an earlier hit hid", "H0{4} H1{4}", "0 1", "000000|000020"},
     {"star", "H*{5}", "0 9", "000002|000002"},
     {"a list that does not start with a digit names 0", "H|1{5}", "0 1 2", "000002|000002|000000"},
-    {"an unknown letter reads over its targets", "H0{1} Z0{2,3} N0{4}", "0", "020010"},
+    {"an unknown letter reads over its targets", "H0{1} Z0{2,x} N0{4}", "0", "020010"},
     {"an empty state list never matches", "H{5}", "0", "000000"},
     {"save and restore", "S1{2.9}", "1 0", "000000 i9|000000"},
     {"the first miss restores the table's 0, the next nothing", "S1{2.9}", "0 1 0",
