@@ -142,9 +142,10 @@ int TestNames(TextMenu *menu);
 void SetItemText(TextMenuItem *item, const char *text);
 
 // Settings file: one line an item of types 9 and 11 to 14, submenus in braces behind them; see doc/menus.md.
-// LoadMenu reads pIn up to its end or a closing brace, on which the apply item's callback runs. Lines that
-// name no item of the table, another family of type, or a choice that does not exist, change nothing. A text
-// is read up to its first white space. Uses: pIn, LineBuf.
+// LoadMenu reads pIn up to its end or a closing brace, on which the apply item's callback runs. The state
+// goes into whatever item of the table the line names, the value only into an item that has one. A choice
+// that does not exist and a type that does not suit the item are passed over. A text is read up to its first
+// white space. Uses: pIn, LineBuf.
 void LoadMenu(TextMenu *menu);
 // Writes to pOut. The caller looks for write errors when it closes the file.
 void StoreMenu(TextMenu *menu);

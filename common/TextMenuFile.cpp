@@ -98,9 +98,9 @@ static void LoadItemType(TextMenuItem *item, int type) {
 static void LoadItem(TextMenu *menu, const SettingsLine *parsed) {
     if (parsed->separator != '[' || parsed->index < 0 || parsed->index >= CountMenuItems(menu)) return;
     TextMenuItem *item = &menu->items[parsed->index];
-    if (!IsStoredType(item->type)) return;
     if (parsed->flState && parsed->state >= STATE_NORMAL && parsed->state <= STATE_HIDDEN)
         item->state = parsed->state;
+    if (!IsStoredType(item->type)) return;
     LoadItemValue(item, parsed->value);
     if (parsed->flState) LoadItemType(item, parsed->type);
 }
