@@ -38,7 +38,7 @@ char *pOption;
 const char *pTtyHtmlName;
 const char *pTtyHtmlData;
 const char *pTtyHtmlTitle;
-void (*pTtyHelp)(const char *name, const char *data, const char *title);
+void (*pTtyHelp)(const char *name, const char *data, const char *title) = TtyHtmlHelp;
 
 static std::string MenuText(int number) {
     return NlsText(pDrvCoreDB, NLS_TTY_SET, number);
@@ -52,8 +52,9 @@ static int IsTextItem(const TextMenuItem *item) {
     return item->type == ITEM_REQUIRED || item->type == ITEM_OPTIONAL;
 }
 
+// A line of text may begin with a tilde of its own.
 static int IsLetterItem(const TextMenuItem *item) {
-    return item->text[0] == '~';
+    return item->type > ITEM_BAR && item->text[0] == '~';
 }
 
 // The label proper: "~x Label" without its first three characters.

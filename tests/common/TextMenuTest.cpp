@@ -59,7 +59,7 @@ static char Digits[] = "10,20";
 static char Percent[] = "100%s";
 
 static TextMenuItem AllItems[] = {
-    {.text = "A line of text"},
+    {.text = "~ line of text"},
     {.text = "Hidden line", .state = STATE_HIDDEN},
     {.text = "Colour", .type = ITEM_PICK, .choices = Colours, .initial = {.i = 2}},
     {.text = "No choice left", .type = ITEM_PICK, .choices = Gone},
@@ -90,7 +90,7 @@ TEST(TextMenu, ShowsEveryTypeAndState) {
               "<clear>\f\n"
               "All types:\n"
               "\n"
-              "A line of text \n"
+              "~ line of text \n"
               " 1) Colour ......... [3. blue]\n"
               " 2) No choice left . [ ]\n"
               " 3) Beyond ......... [ ]\n"
