@@ -1,6 +1,7 @@
 // The run loop of the terminal menus: values, screens, selections.
 #include "common/TextMenu.h"
 
+#include "common/HelpTty.h"
 #include "common/MemMgr.h"
 #include "common/MenuEntry.h"
 #include "common/MenuState.h"
@@ -311,7 +312,7 @@ int PrintMenu(TextMenu *menu, int longest, int titleLength) {
 // ---- selections
 
 static void ShowHelp() {
-    if (pTtyHelp != nullptr) pTtyHelp(pTtyHtmlName, pTtyHtmlData, pTtyHtmlTitle);
+    pTtyHelp(pTtyHtmlName, pTtyHtmlData, pTtyHtmlTitle);
 }
 
 // 1 if the menu is written and the file closed without an error; the user has been told otherwise.

@@ -101,7 +101,7 @@ extern char
 extern const char *pTtyHtmlName;
 extern const char *pTtyHtmlData;
 extern const char *pTtyHtmlTitle;
-// Shows the help page of the three values; the terminal help installs itself here. Null: h does nothing.
+// Shows the help page of the three values: TtyHtmlHelp, unless a test puts its own here.
 extern void (*pTtyHelp)(const char *name, const char *data, const char *title);
 
 // Runs the menu to its end; always 0. A settings file is loaded over the defaults before the first screen;
