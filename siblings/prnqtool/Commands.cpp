@@ -143,9 +143,10 @@ static std::string CheckCase(const std::string &name) {
 // ---- The default queue
 
 // The host's default follows the record: it names the queue, or nothing if the queue is none of the
-// scheduler's.
-static std::string FollowDefault(const std::string &before, const std::string &now) {
-    if (before == now || TheHost.state != CUPS_UP) return "";
+// scheduler's. If the user asks for it, flAsked, the host is told even if the record says so already:
+// somebody else may have changed it.
+static std::string FollowDefault(const std::string &before, const std::string &now, bool flAsked) {
+    if ((before == now && !flAsked) || TheHost.state != CUPS_UP) return "";
     if (HostFind(TheHost, now) == PLACE_CUPS) return CupsSetDefault(now);
     bool flOwned = !before.empty() && HostFind(TheHost, before) == PLACE_CUPS;
     return flOwned ? CupsClearDefault() : "";
@@ -184,14 +185,14 @@ static void UndoPut(const Put &put) {
         else if (put.flRecorded && IsSound(put.old))
             CupsReplace(put.old, TitlesOf(put.old, RecordsBanner()), flAgain);
     }
-    FollowDefault(RecordsDefault(), put.before);
+    FollowDefault(RecordsDefault(), put.before, false);
 }
 
 static std::string FinishPut(Put &put) {
     std::string error = PrepareChange();
     if (!error.empty()) return error;
     error = PutOnHost(put);
-    if (error.empty()) error = FollowDefault(put.before, RecordsDefault());
+    if (error.empty()) error = FollowDefault(put.before, RecordsDefault(), put.queue.flDefault);
     if (error.empty()) error = CommitChange();
     if (error.empty()) return "";
     UndoPut(put);
@@ -261,12 +262,12 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
     if (!error.empty()) return error;
     if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner));
     bool flModified = error.empty();
-    if (error.empty()) error = FollowDefault(before, RecordsDefault());
+    if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
     if (error.empty()) error = CommitChange();
     if (error.empty()) return "";
     if (flModified && place == PLACE_CUPS) {
         CupsModify(old, TitlesOf(old, banner));
-        FollowDefault(RecordsDefault(), before);
+        FollowDefault(RecordsDefault(), before, false);
     }
     DropChange();
     return "queue \"" + queue.name + "\" not changed: " + error;

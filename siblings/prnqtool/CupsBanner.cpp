@@ -11,10 +11,11 @@
 #include <cstring>
 #include <ctime>
 #include <sys/stat.h>
-#include <tuple>
 #include <unistd.h>
 
-enum { RELOAD_POLLS = 100, RELOAD_POLL_NS = 20000000, PID_FILE_MAX = 32, COMM_MAX = 64 };
+enum { RELOAD_POLLS = 100, RELOAD_POLL_NS = 20000000, PID_FILE_MAX = 32, COMM_MAX = 64, STAT_MAX = 4096 };
+
+enum { STAT_START_TIME = 22 }; // field of /proc/PID/stat, in clock ticks since the machine started
 
 static const char DataDirectory[] = "/usr/share/cups";
 static const char SocketPath[] = "/run/cups/cups.sock";
@@ -45,6 +46,16 @@ showpage
 %%EOF
 )";
 
+static double Seconds(const struct timespec &time) {
+    return (double)time.tv_sec + (double)time.tv_nsec / 1e9;
+}
+
+static double Seconds(clockid_t clock) {
+    struct timespec now;
+    clock_gettime(clock, &now);
+    return Seconds(now);
+}
+
 static std::string DataPath() {
     const char *data = getenv("PRNQ_DATADIR");
     return data && *data == '/' ? data : DataDirectory;
@@ -73,13 +84,25 @@ static bool IsIdle() {
     return ran.flStarted && !ran.flTimedOut && ran.status == 0 && ran.output.empty();
 }
 
-// The scheduler makes its socket anew whenever it reads its files, so a banner older than the socket is known
-// to it.
-static bool IsKnown(const std::string &banner) {
+// When a process began, in seconds since 1970; 0 if that can't be told.
+static double StartOf(pid_t pid) {
+    std::string text, uptime;
+    if (!ReadWholeFile("/proc/" + std::to_string(pid) + "/stat", STAT_MAX, text).empty()) return 0;
+    if (!ReadWholeFile("/proc/uptime", STAT_MAX, uptime).empty()) return 0;
+    const char *field = strrchr(text.c_str(), ')');
+    for (int number = 2; field && number < STAT_START_TIME; number++) field = strchr(field + 1, ' ');
+    if (!field) return 0;
+    return Seconds(CLOCK_REALTIME) - atof(uptime.c_str()) + atof(field) / (double)sysconf(_SC_CLK_TCK);
+}
+
+// A banner is known if it is older than the scheduler, or than its socket, which it makes anew when it reads
+// its files again.
+static bool IsKnown(const std::string &banner, pid_t pid) {
     struct stat socket, file;
-    if (stat(banner.c_str(), &file) || stat(Socket().c_str(), &socket)) return false;
-    return std::tie(file.st_ctim.tv_sec, file.st_ctim.tv_nsec) <
-           std::tie(socket.st_ctim.tv_sec, socket.st_ctim.tv_nsec);
+    if (stat(banner.c_str(), &file)) return false;
+    double written = Seconds(file.st_ctim);
+    return (!stat(Socket().c_str(), &socket) && written < Seconds(socket.st_ctim)) ||
+           (pid && written < StartOf(pid));
 }
 
 // Where the socket belongs to the host's service manager it stays; then the answer is all there is to wait
@@ -87,7 +110,7 @@ static bool IsKnown(const std::string &banner) {
 static bool Reload(pid_t pid, const std::string &banner) {
     struct timespec pause = {0, RELOAD_POLL_NS};
     if (kill(pid, SIGHUP)) return false;
-    for (int poll = 0; poll < RELOAD_POLLS && !IsKnown(banner); poll++) nanosleep(&pause, nullptr);
+    for (int poll = 0; poll < RELOAD_POLLS && !IsKnown(banner, pid); poll++) nanosleep(&pause, nullptr);
     for (int poll = 0; poll < RELOAD_POLLS; poll++) {
         Ran ran = RunChild({"lpstat", "-r"});
         if (ran.status == 0 && ran.output.find("is running") != ran.output.npos) return true;
@@ -113,8 +136,8 @@ static std::string WriteTemplate(const std::string &path) {
 static std::string InstallBanner() {
     std::string path = DataPath() + "/banners/prnq", error;
     bool flThere = !access(path.c_str(), R_OK);
-    if (flThere && IsKnown(path)) return "";
     pid_t pid = SchedulerPid();
+    if (flThere && IsKnown(path, pid)) return "";
     if (!pid) return "the scheduler's process isn't known";
     if (!IsIdle()) return "jobs are waiting";
     if (!flThere) error = WriteTemplate(path);

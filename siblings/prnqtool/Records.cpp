@@ -32,6 +32,7 @@ static const char KeyDefault[] = " default";
 static const char KeySystemBanner[] = " banner";
 
 static DbTHandle *Handle;
+static bool flLost; // an edit found no memory
 
 // A walk to the end cuts a damaged image; what lies behind the damage would be lost with the next write.
 static bool IsDamaged(size_t fileSize) {
@@ -45,6 +46,7 @@ std::string RecordsOpen() {
     struct stat status;
     bool flThere = !lstat(Database, &status);
     if (flThere && !S_ISREG(status.st_mode)) return std::string(Database) + " is no regular file";
+    flLost = false;
     if (Handle) DbTClose(Handle);
     Handle = DbTOpen("que", DBT_NO_RELOAD | DBT_NO_WRITE);
     if (!Handle) return "out of memory";
@@ -76,8 +78,8 @@ static std::string GetText(const std::string &key) {
 static void SetRecord(const std::string &key, const std::string &value) {
     if (value.empty())
         DbmTDeleteRecord(Handle, key.c_str());
-    else
-        DbmTPutRecord(Handle, key.c_str(), value.data(), value.size());
+    else if (!DbmTPutRecord(Handle, key.c_str(), value.data(), value.size()))
+        flLost = true;
 }
 
 static std::string WithNul(const std::string &text) {
@@ -197,6 +199,7 @@ void RecordsSetBanner(const std::string &banner) {
 }
 
 std::string RecordsPrepare() {
+    if (flLost) return "out of memory";
     return PrepareFile(Database, std::string_view(Handle->image, Handle->size), DATABASE_MODE);
 }
 

@@ -173,8 +173,17 @@ class Scheduler:
             pid = self.pid()
             os.kill(pid, signal.SIGCONT)
             os.kill(pid, signal.SIGTERM)
-            if not self._until(lambda: not os.path.exists("/proc/%d" % pid) or not self.alive()):
+            if not self._until(lambda: self._ended(pid)):
                 os.kill(pid, signal.SIGKILL)
+
+    @staticmethod
+    def _ended(pid):
+        """Gone, or only waiting for its parent to take notice."""
+        try:
+            with open("/proc/%d/stat" % pid) as stat:
+                return stat.read().rpartition(")")[2].split()[0] == "Z"
+        except FileNotFoundError:
+            return True
 
     def freeze(self):
         os.kill(self.pid(), signal.SIGSTOP)

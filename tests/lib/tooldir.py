@@ -1,13 +1,14 @@
-"""A tool directory of a test's own, with real programs, and an independent reader of the queue database.
+"""A tool directory of a test's own, with real programs, and a look at its queue records.
 
     with ToolDir("prnqtool") as tool:
         done = tool.run("prnqtool", "-LQ")
 """
 import os
 import shutil
-import struct
 import subprocess
 import tempfile
+
+import xdb
 
 SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
 
@@ -53,31 +54,16 @@ def built(program):
     return os.path.join(os.environ["PRN_BUILD"], "siblings", program)
 
 
-def unscramble(run):
-    plain = bytearray(run)
-    for at in range(len(plain) - 2, -1, -1):
-        plain[at] ^= plain[at + 1]
-    return bytes(plain)
-
-
 def read_records(path):
-    """Key -> data of a headerless database; ValueError for anything that isn't whole."""
-    records = {}
-    try:
-        with open(path, "rb") as database:
-            image = database.read()
-    except FileNotFoundError:
-        return records
-    while image:
-        (length,) = struct.unpack_from("=H", image)
-        body = unscramble(image[2:2 + length])
-        (key_length,) = struct.unpack_from("=H", body)
-        key = body[2:2 + key_length]
-        if len(body) != length or len(key) != key_length or key[-1:] != b"\0" or key in records:
-            raise ValueError("broken record %r" % body)
-        records[key[:-1].decode()] = body[2 + key_length:]
-        image = image[2 + length:]
-    return records
+    """Key -> data of a queue database; ValueError for anything that isn't whole or not headerless."""
+    if not os.path.exists(path):
+        return {}
+    with open(path, "rb") as database:
+        image = database.read()
+    records = xdb.parse(image)
+    if image.startswith(xdb.MAGIC) or len(dict(records)) != len(records):
+        raise ValueError("no queue database")
+    return {key.decode(): data for key, data in records}
 
 
 class ToolDir:

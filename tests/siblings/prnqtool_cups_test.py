@@ -139,6 +139,25 @@ class Refusals(OnScheduler):
         self.assertEqual(list(self.cups.queues()), ["q"])
         self.assert_kept(before)
 
+    def admin_that(self, *cases):
+        """A directory for PATH whose lpadmin fails or hangs at some words, and is the host's own otherwise."""
+        self.tool.write("lpadmin", "#!/bin/sh\ncase \"$*\" in\n%s\nesac\nexec /usr/sbin/lpadmin \"$@\"\n" %
+                        "\n".join(cases))
+        os.chmod(self.tool.path + "/lpadmin", 0o755)
+        return {"PATH": self.tool.path + ":" + os.environ["PATH"]}
+
+    def test_refused_later_is_undone(self):
+        before = self.state()
+        for path in (self.admin_that("'-d new'|'-d _prnq'*) echo no default >&2; exit 1;;"),
+                     self.admin_that("'-p new'*|'-p q '*) echo no room >&2; exit 1;;"),
+                     self.admin_that("'-p new'*|'-p q '*|'-p _prnq_probe'*) sleep 100;;")):
+            for line in ("new -ppd plain.ppd -pm psp -hn h1 -d", "new -cl q -pm psp -hn h2 -d",
+                         "q -ppd tv_b.ppd -pm psp -hn h2", "q -mq"):
+                self.assertIn("not ", self.tool_run(line, status=1, PRNQ_LIMIT="1", **path).stderr)
+                self.assertEqual((self.state(), self.cups.default(), list(self.cups.queues())),
+                                 (before, "q", ["q"]), line)
+        self.assert_kept(before)
+
     def test_replace_keeps_no_old_value(self):
         self.tool.write(".settings", "PageSize=Letter\n")
         self.add("q", "-pm wps -lpd -hn h2 -psqn x -fe", ppd="tv_b.ppd")

@@ -6,6 +6,7 @@ import tempfile
 import time
 import unittest
 
+import xdb
 from tooldir import ToolDir, read_records
 
 ADD = "-ppd tv_a.ppd -pm wp -hn h1 -psqn lp"
@@ -108,18 +109,11 @@ class Faults(unittest.TestCase):
                         self.assertEqual(database.read(), image)
 
     def test_a_damaged_queue_record(self):
-        self.tool.write("db/que.xdb", self.record(b"keep\0", b"keep /etc/../x lp ../../x 9 1 1 1 1 1 \0"))
+        xdb.write(self.tool.path + "/db/que.xdb", [(b"keep", b"keep /etc/../x lp ../../x 9 1 1 1 1 1 \0")])
         self.run_words("keep", "-mq", "-bp", status=1)
         self.run_words("new", "-cl", "keep", "-hn", "h", status=1)
         self.run_words("keep", "-x")
         self.assertEqual(self.tool.records(), {})
-
-    @staticmethod
-    def record(key, data):
-        body = bytearray(len(key).to_bytes(2, "little") + key + data)
-        for at in range(len(body) - 1):
-            body[at] ^= body[at + 1]
-        return len(body).to_bytes(2, "little") + bytes(body)
 
     def test_killed_at_any_moment(self):
         started = time.monotonic()
