@@ -173,11 +173,11 @@ class Scheduler:
             pid = self.pid()
             os.kill(pid, signal.SIGCONT)
             os.kill(pid, signal.SIGTERM)
-            if not self._until(lambda: self._ended(pid)):
+            if not self._until(lambda: self.ended(pid)):
                 os.kill(pid, signal.SIGKILL)
 
     @staticmethod
-    def _ended(pid):
+    def ended(pid):
         """Gone, or only waiting for its parent to take notice."""
         try:
             with open("/proc/%d/stat" % pid) as stat:

@@ -73,6 +73,7 @@ class ToolDir:
         os.makedirs(self.path + "/ppd")
         os.makedirs(self.path + "/db")
         self.env = dict(os.environ)
+        self.log = os.path.basename(self.path)  # for -log: its file goes with the directory
         for program in programs:
             shutil.copy(built(program), self.path)
         self.write("ppd/tv_a.ppd", PPD.format(model="Tarvo A"))
@@ -110,3 +111,5 @@ class ToolDir:
 
     def __exit__(self, *ignored):
         shutil.rmtree(self.path, ignore_errors=True)
+        if os.path.exists("/tmp/%s.log" % self.log):
+            os.unlink("/tmp/%s.log" % self.log)

@@ -32,12 +32,13 @@ class OnScheduler(unittest.TestCase):
         self.tool.write("job.ps", DOCUMENT)
 
     def tool_run(self, line, status=0, **env):
-        done = self.tool.run("prnqtool", *line.split(), **env)
+        words = [self.tool.log if word == "LOG" else word for word in line.split()]
+        done = self.tool.run("prnqtool", *words, **env)
         self.assertEqual(done.returncode, status, (line, done.stderr))
         return done
 
     def add(self, name, tail="-pm psp -hn h1", ppd="plain.ppd", **more):
-        return self.tool_run("%s -log prntest -fs .settings -ppd %s %s" % (name, ppd, tail), **more)
+        return self.tool_run("%s -log LOG -fs .settings -ppd %s %s" % (name, ppd, tail), **more)
 
     def lp(self, queue, *words):
         done = self.cups.run("lp", "-s", "-d", queue, *words, self.tool.path + "/job.ps")
@@ -148,15 +149,34 @@ class Refusals(OnScheduler):
 
     def test_refused_later_is_undone(self):
         before = self.state()
-        for path in (self.admin_that("'-d new'|'-d _prnq'*) echo no default >&2; exit 1;;"),
-                     self.admin_that("'-p new'*|'-p q '*) echo no room >&2; exit 1;;"),
-                     self.admin_that("'-p new'*|'-p q '*|'-p _prnq_probe'*) sleep 100;;")):
+        sleeper = self.tool.path + "/sleeper"
+        for case in ("'-d new'|'-d _prnq'*) echo no default >&2; exit 1;;",
+                     "'-p new'*|'-p q '*) echo no room >&2; exit 1;;",
+                     "'-p new'*|'-p q '*) sleep 100 & echo $! >%s; wait;;" % sleeper):
+            env = self.admin_that(case)
             for line in ("new -ppd plain.ppd -pm psp -hn h1 -d", "new -cl q -pm psp -hn h2 -d",
                          "q -ppd tv_b.ppd -pm psp -hn h2", "q -mq"):
-                self.assertIn("not ", self.tool_run(line, status=1, PRNQ_LIMIT="1", **path).stderr)
-                self.assertEqual((self.state(), self.cups.default(), list(self.cups.queues())),
-                                 (before, "q", ["q"]), line)
+                with self.subTest(case, line=line):
+                    self.assertIn("not ", self.tool_run(line, status=1, PRNQ_LIMIT="1", **env).stderr)
+                    self.assertEqual((self.state(), self.cups.default(), list(self.cups.queues())),
+                                     (before, "q", ["q"]))
+        with open(sleeper) as pid:  # what a command that hangs has started ends with it
+            self.assertTrue(Scheduler.ended(int(pid.read())))
         self.assert_kept(before)
+
+    def test_refused_replacement_of_a_queue_without_record(self):
+        os.unlink(self.cups.root + "/bin/backend/lpd")
+        self.cups.run("lpadmin", "-p", "foreign", "-v", "socket://h7:9100", "-L", "upstairs", "-D", "by hand", "-E")
+        before = self.cups.run("lpstat", "-l", "-p", "foreign").stdout
+        self.assertIn("upstairs", before)
+        self.add("foreign", "-pm wps -lpd -hn h2 -psqn x", status=1)
+        self.assertEqual(self.cups.run("lpstat", "-l", "-p", "foreign").stdout, before)
+
+    def test_default_that_somebody_else_has_moved(self):
+        self.cups.run("lpadmin", "-p", "foreign", "-v", "socket://h7:9100", "-E")
+        self.cups.run("lpadmin", "-d", "foreign")
+        self.tool_run("q -mq -d")
+        self.assertEqual(self.cups.default(), "q")
 
     def test_replace_keeps_no_old_value(self):
         self.tool.write(".settings", "PageSize=Letter\n")
@@ -172,6 +192,15 @@ class Refusals(OnScheduler):
         self.assertIn("warning: queue \"raw\" goes without its PPD file", done.stderr)
         self.assertEqual((self.cups.ppd("raw"), "raw" in self.cups.queues()), (None, True))
         self.tool_run("raw -mq -ui")
+
+    def test_log(self):
+        self.add("q", "-pm psp -hn h2", ppd="broken.ppd", status=1)
+        with open("/tmp/%s.log" % self.tool.log) as log:
+            lines = log.read().splitlines()
+        self.assertIn("lpadmin -x _prnq_probe", lines)
+        self.assertTrue(any(line.startswith("lpadmin -p q -v 'socket://") for line in lines))
+        self.assertTrue(any(line.startswith("prnqtool: queue \"q\" not replaced: ") for line in lines))
+        self.assertNotIn("deprecated", "".join(lines))
 
     def test_leftovers_of_a_killed_run_go(self):
         for name in ("_prnq_probe", "_prnq_nodef"):

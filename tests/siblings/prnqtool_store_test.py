@@ -26,14 +26,15 @@ class Scenario:
     """What holds for either store; self.uris() tells the host's queues."""
 
     def tool_run(self, line, status=0, **env):
-        done = self.tool.run("prnqtool", *line.split(), **env)
+        words = [self.tool.log if word == "LOG" else word for word in line.split()]
+        done = self.tool.run("prnqtool", *words, **env)
         self.assertEqual(done.returncode, status, (line, done.stderr))
         self.assertEqual(bool(done.stderr), status != 0, (line, done.stderr))
         self.assertNotIn("runtime error", done.stderr)
         return done
 
     def add(self, name, tail="-pm wp -lpd -hn h1 -psqn lp", **more):
-        return self.tool_run("%s -log prntest -fs .settings -ppd tv_a.ppd %s" % (name, tail), **more)
+        return self.tool_run("%s -log LOG -fs .settings -ppd tv_a.ppd %s" % (name, tail), **more)
 
     def listed(self):
         return sorted(line.split(":")[0] for line in self.tool_run("-LQ").stdout.splitlines())
@@ -80,31 +81,31 @@ class Scenario:
         self.assertEqual(self.count("h1"), (2, "h1 rem\0"))
         self.add("b", "-pm wp -lpd -hn h2 -psqn lp")
         self.assertEqual((self.count("h1"), self.count("h2")), ((1, "h1 lp\0"), (1, "h2 lp\0")))
-        self.tool_run("a -x -log prntest")
+        self.tool_run("a -x -log LOG")
         self.assertEqual((self.count("h1"), self.count("h2")), (None, (1, "h2 lp\0")))
 
     def test_copy(self):
         self.tool.write(".settings", "PageSize=Letter\n")
         self.tool.write(".bsettings", ".h1 20 Own\n")
         self.add("src", "-pm wp -lpd -hn h1 -psqn lp -fe -bp -ui -d -bps .bsettings")
-        self.tool_run("new -log prntest -cl src -pm wps -hn s9 -psqn rem")
+        self.tool_run("new -log LOG -cl src -pm wps -hn s9 -psqn rem")
         self.assertEqual(self.text("new"), "new s9 rem tv_a.ppd 1 1 1 1 0 1 \0")
         self.assertEqual((self.text("new **"), self.text("new **banner")), ("PageSize=Letter\n", ".h1 20 Own\n\0"))
         self.assertEqual(self.text(" default"), "src\0")
         self.assertEqual(self.uris()["new"], self.in_store("lpd://s9/rem"))
         before = self.tool.image()
-        self.tool_run("new2 -log prntest -cl nosuch -pm wp -hn h1 -psqn lp", status=1)
+        self.tool_run("new2 -log LOG -cl nosuch -pm wp -hn h1 -psqn lp", status=1)
         self.assertEqual(self.tool.image(), before)
 
     def test_modify(self):
         self.tool.write(".settings", "PageSize=Letter\n")
         self.tool.write(".bsettings", ".h1 20 Own\n")
         self.add("q", "-pm psp -lpd -hn h1")
-        self.tool_run("q -mq -log prntest -ui -fe -bp -d -fs .settings -bps .bsettings")
+        self.tool_run("q -mq -log LOG -ui -fe -bp -d -fs .settings -bps .bsettings")
         self.assertEqual(self.text("q"), "q h1 lp tv_a.ppd 3 1 1 1 1 1 \0")
         self.assertEqual((self.text("q **"), self.text("q **banner")), ("PageSize=Letter\n", ".h1 20 Own\n\0"))
         self.assertEqual(self.text(" default"), "q\0")
-        self.tool_run("q -mq -log prntest")
+        self.tool_run("q -mq -log LOG")
         self.assertEqual(self.text("q"), "q h1 lp tv_a.ppd 3 0 0 0 0 1 \0")
         self.assertEqual((self.text("q **"), self.text("q **banner"), self.text(" default")),
                          ("PageSize=Letter\n", "", ""))
@@ -124,13 +125,13 @@ class Scenario:
     def test_delete_one_several_all(self):
         for name in "abcdef":
             self.add(name)
-        self.tool_run("a -x -log prntest")
+        self.tool_run("a -x -log LOG")
         self.tool_run("-x b")
         self.assertEqual((self.listed(), self.count("h1")[0]), (["c", "d", "e", "f"], 4))
-        done = self.tool_run("-log prntest -xl c nosuch d", status=1)
+        done = self.tool_run("-log LOG -xl c nosuch d", status=1)
         self.assertIn('queue "nosuch" does not exist', done.stderr)
         self.assertEqual(self.listed(), ["e", "f"])
-        self.tool_run("-log prntest -x all")
+        self.tool_run("-log LOG -x all")
         self.assertEqual((self.listed(), self.tool.records()), ([], {}))
         self.tool_run("e -x", status=1)
 
