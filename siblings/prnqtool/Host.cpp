@@ -1,15 +1,12 @@
 // Which store has a queue, and which one gets a new one.
 #include "siblings/prnqtool/Host.h"
 
-#include "common/Token.h"
+#include "common/MainUtils.h"
 #include "siblings/prnqtool/FileStore.h"
-#include "siblings/prnqtool/Files.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-
-enum { MARKER_MAX = 4096 };
 
 static const char NotRunning[] = "the scheduler isn't running";
 
@@ -19,18 +16,11 @@ static bool IsStore(const char *name) {
     return store && !strcmp(store, name);
 }
 
-// The marker file's words, each between its first character, tell what kind of host the tools work on.
-static void ReadMarker(Host &host) {
-    std::string marker;
-    if (!ReadWholeFile(".pn_cfg", MARKER_MAX, marker).empty() || marker.empty()) return;
-    host.flStandAlone = FindToken("Direct", marker.c_str()) || FindToken("StandAlone", marker.c_str());
-    host.flCups = FindToken("CUPS", marker.c_str());
-}
-
 std::string HostOpen(Host &host) {
     if (getenv("PRNQ_STORE") && !IsStore("file") && !IsStore("cups"))
         return "PRNQ_STORE must be \"file\" or \"cups\"";
-    ReadMarker(host);
+    SetConfigFlags();
+    host.flStandAlone = flToolCfg & CFG_DIRECT;
     if (!IsStore("file")) host.state = CupsList(host.queues, host.leftovers, host.error);
     return FileStoreOpen();
 }
@@ -52,7 +42,7 @@ Place HostFind(const Host &host, const std::string &name) {
 Place HostChoose(const Host &host, std::string &error) {
     if (IsStore("file")) return PLACE_FILE;
     if (!IsStore("cups") && host.flStandAlone) return PLACE_FILE;
-    bool flWanted = IsStore("cups") || host.flCups;
+    bool flWanted = IsStore("cups") || (flToolCfg & CFG_CUPS);
     if (host.state == CUPS_UP) return PLACE_CUPS;
     if (host.state == CUPS_ABSENT && !flWanted) return PLACE_FILE;
     // To fall back to the other store without a word would scatter the queues.

@@ -18,7 +18,6 @@ struct Host {
     std::vector<std::string> queues, leftovers; // of CUPS
     std::string error;                          // why CUPS is down
     bool flStandAlone = false;                  // the marker file says that queues are the tool's own
-    bool flCups = false;                        // or that they are CUPS's
 };
 
 // Reads both lists. Answers an empty text, or what is wrong. A scheduler that is down is no error here.

