@@ -16,12 +16,12 @@ import time
 class FakePrinter:
     """Reads each connection to its end and keeps the bytes as job000, job001, ..."""
 
-    def __init__(self, directory, port=0):
+    def __init__(self, directory, port=0, address="127.0.0.1"):
         self.directory = directory
         self.problems = []
         os.makedirs(directory, exist_ok=True)
         self.count = 0
-        self.listener = socket.create_server(("127.0.0.1", port))
+        self.listener = socket.create_server((address, port))
         self.port = self.listener.getsockname()[1]
         self.thread = threading.Thread(target=self._serve, daemon=True)
 
@@ -77,8 +77,8 @@ class FakePrinter:
 class FakeLpd(FakePrinter):
     """Receives jobs by the line printer protocol; queues and control files stand in .queues and .controls."""
 
-    def __init__(self, directory, port=0):
-        super().__init__(directory, port)
+    def __init__(self, directory, port=0, address="127.0.0.1"):
+        super().__init__(directory, port, address)
         self.queues = []
         self.controls = []
 
