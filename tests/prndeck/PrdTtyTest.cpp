@@ -1,4 +1,5 @@
-// The flows of the terminal at their callbacks: lists, states, labels, and the exact lines that are run.
+// The flows of the terminal at their callbacks: lists, states, labels, and what a user can hardly bring
+// about. menus_test.py plays the flows whole.
 #include "prndeck/PrdTty.h"
 
 #include "common/MemMgr.h"
@@ -120,51 +121,6 @@ static void Report(int status) {
     fprintf(stderr, "=%i ", status);
 }
 
-TEST_F(Flow, AddRunsOneLine) {
-    ChildEnd end = Run([] {
-        StartAdd();
-        Report(SavePrinter(&AddPrinterMenu, nullptr));
-    });
-    EXPECT_EQ(
-        end.err,
-        "=0 [lists dropped]\n"
-        "T/prnqtool new -log prndeck -fs .settings -ppd a.ppd -pm wp  -lpd -hn h -psqn lp -fe -bp -ui\n");
-}
-
-TEST_F(Flow, AddToAnUnknownHostRunsNothing) {
-    ChildEnd end = Run(
-        [] {
-            StartAdd();
-            SetText(AddPrinterMenu, ADD_HOST, "nohost");
-            Report(SavePrinter(&AddPrinterMenu, nullptr));
-            SetText(AddPrinterMenu, ADD_SERVER, "nohost");
-            AddPrinterMenuItems[ADD_PRINTING_MODEL].value.i = PM_SERVER;
-            Report(SavePrinter(&AddPrinterMenu, nullptr));
-            EXPECT_STREQ(AddPrinterMenuItems[ADD_NAME].value.s, "new");
-        },
-        "\n\n");
-    EXPECT_EQ(end.err, "=1 =1 ");
-    EXPECT_EQ(end.out.find("Unknown hostname nohost"), 0u) << end.out;
-}
-
-TEST_F(Flow, AddOverAnExistingQueueAsks) {
-    for (const char *answer : {"n\n", "y\n", ""}) {
-        ChildEnd end = Run(
-            [] {
-                StartAdd();
-                SetText(AddPrinterMenu, ADD_NAME, "q1");
-                Report(SavePrinter(&AddPrinterMenu, nullptr));
-            },
-            answer);
-        EXPECT_EQ(
-            end.out,
-            "q1 is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "
-            "\"q1\"\nReplace q1? [y/n] ");
-        EXPECT_EQ(end.err.substr(0, 3), *answer == 'y' ? "=0 " : "=1 ") << answer;
-        EXPECT_EQ(end.err.find("prnqtool") != std::string::npos, *answer == 'y') << answer;
-    }
-}
-
 // system fails with EBUSY, as where the print system could not be stopped.
 TEST_F(Flow, FailedStopOfThePrintSystem) {
     result = -1;
@@ -245,17 +201,6 @@ TEST_F(Flow, PrintingModelAsksTheListOfTheLastQueuesType) {
     EXPECT_EQ(end.err, "20 20 01 01 ");
 }
 
-TEST_F(Flow, SetupSharesTheTerminal) {
-    ChildEnd end = Run([] {
-        StartAdd();
-        SetupTty(&AddPrinterMenu, nullptr);
-        GetQueDbEntry(&MPS_tty, "q1");
-        ModifyQueMenuItems[MOD_BANNER].value.i = 0;
-        ModifySetupTty(&ModifyQueMenu, nullptr);
-    });
-    EXPECT_EQ(end.err, "T/prnpnxxtty -tty -SBP -GST/ppd/a.ppd\nT/prnpnxxtty -tty  -GST/ppd/b.ppd\n");
-}
-
 // ---- Modify
 
 static std::string Labels() {
@@ -306,59 +251,6 @@ TEST_F(Flow, ModifyWritesTheSettingsAsTheyStand) {
                  {{"q", QueData("q h lp b.ppd 0 0 0 0 0 0")}, {"q **", large}, {std::string(400, 'k'), "x"}});
     SetQueSettingsTty("q");
     EXPECT_EQ(ReadWhole(tool.Path(SettingsFile)), large);
-}
-
-TEST_F(Flow, ModifyAppliesItsFourChoices) {
-    ChildEnd end = Run([] {
-        snprintf(pModifyQueName, QUE_NAME, "q1");
-        InitModifyQueMenu(&ModifyQueMenu);
-        InitMenu(&ModifyQueMenu);
-        ModifyQueMenuItems[MOD_INTERFACE].value.i = 1;
-        ModifyQueMenuItems[MOD_DEFAULT].value.i = 0;
-        Report(ApplyModifySettingsTty(&ModifyQueMenu, nullptr));
-    });
-    EXPECT_EQ(end.err, "=0 T/prnqtool q1 -mq -log prndeck -ui -fe -bp -fs .settings\n");
-}
-
-TEST_F(Flow, QueuesThatCantBeModifiedOrCopied) {
-    struct Case {
-        const char *name;
-        int (*flow)(TextMenu *, TextMenuItem *);
-        const char *answer, *want;
-    };
-    static const Case Cases[] = {
-        {"no answer", ModifyQueTty, "\n", "25_1107"},
-        {"end of input", CloneQueTty, "", "25_1108"},
-        {"not in the list", ModifyQueTty, "q2\n\n",
-         "25_1107Queue \"q2\" does not exist\nRecreate q2 using Add queue.\n"},
-        {"part of a name", ModifyQueTty, "q\n\n",
-         "25_1107Modification is not supported for this queue!!!!!\nRecreate q using Add queue.\n"},
-        {"without a record", CloneQueTty, "q10\n\n",
-         "25_1108Copy is not supported for this queue!!!!!\nRecreate q10 using Add queue.\n"},
-        {"directives", CloneQueTty, "%n%s\n\n",
-         "25_1108Queue \"%n%s\" does not exist\nRecreate %n%s using Add queue.\n"},
-    };
-    for (const Case &c : Cases) {
-        ChildEnd end = Run([&] { c.flow(&MainMenu, nullptr); }, c.answer);
-        std::string want = std::string("25_34 q1 q3") + c.want;
-        if (strchr(c.want, '\n')) want += "Error"; // the catalogue is absent
-        EXPECT_EQ(end.out, want) << c.name;
-        EXPECT_EQ(end.err, "") << c.name;
-    }
-    std::string longName(4000, 'q');
-    ChildEnd end = Run([] { ModifyQueTty(&MainMenu, nullptr); }, longName + "\n\n");
-    EXPECT_NE(end.out.find("Queue \"" + longName + "\" does not exist"), std::string::npos);
-}
-
-TEST_F(Flow, NothingToModify) {
-    ChildEnd end = Run(
-        [] {
-            ExistingTarvoPrinterCnt = 0;
-            CloneQueTty(&MainMenu, nullptr);
-        },
-        "\n");
-    EXPECT_EQ(end.out,
-              "There have been no queues created yet. Use the Add queue menu selection first.\nError");
 }
 
 // ---- Copy
@@ -455,37 +347,7 @@ TEST_F(Flow, DeleteRunsALineForEachName) {
         << end.out;
 }
 
-TEST_F(Flow, DeleteAllTakesTheListBehindItsHeading) {
-    std::string names, want;
-    for (int i = 10; i < 40; i++) {
-        names += ",printer" + std::to_string(i);
-        want += "T/prnqtool printer" + std::to_string(i) + " -x -log prndeck\n";
-    }
-    ChildEnd end = Run(
-        [&] {
-            int count;
-            pExistingPrinterList =
-                FormatQueList(names.c_str(), "All queues of this host:\n", QUE_LIST_WIDTH, &count);
-            RemoveExistingPrinter(&MainMenu, nullptr);
-        },
-        "-\ny\n");
-    EXPECT_EQ(end.err, want);
-}
-
 // ---- Main menu
-
-TEST_F(Flow, OnlyRootMayGoOn) {
-    for (const char *user : {"guest", static_cast<const char *>(nullptr)}) {
-        ChildEnd end = RunForked([&] {
-            flUserIsRoot = 0;
-            pUser = user ? SaveStr_(user) : nullptr;
-            InitMainMenu(&MainMenu);
-        });
-        EXPECT_EQ(end.status, 1);
-        EXPECT_EQ(end.err,
-                  std::string(user ? user : "") + " is logged in\nYou must become root to run prndeck\n");
-    }
-}
 
 TEST_F(Flow, ListsOfAHostWithoutQueues) {
     SystemSpy spy;
