@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -208,6 +209,7 @@ static int FillFromList(char *list) {
 
 void InitSysCmdList() {
     flInitSysCmd = 0;
+    signal(SIGCHLD, SIG_DFL);    // ignored, as some parents leave it, every command would seem to fail
     char *path = GetEnv("PATH"); // stays: the rows keep pieces of it
     BuildFullSearchPath();       // before SearchPaths is cut into pieces
     if (FillFromList(SearchPaths) && path) FillFromList(path);

@@ -73,7 +73,7 @@ extern struct hostent *(*pGethostbyname)(const char *name);
 
 // Fills the path column from SearchPaths and PATH, sets SHELL in the environment (with a blank at its end)
 // and starts the log. Called once, by main. Each directory is read once, whatever the number of rows. Uses:
-// token state.
+// token state, the disposition of SIGCHLD.
 void InitSysCmdList();
 // Gives the directory to every row that lies in it and has no path yet; keeps the text. 1 while some row is
 // without a path or if the directory can't be read.
