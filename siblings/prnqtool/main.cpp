@@ -52,6 +52,7 @@ int main(int argc, char **argv) {
     Options options;
     OpenStandardStreams();
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGCHLD, SIG_DFL); // where a parent left it ignored no child could be waited for
     signal(SIGALRM, EndRun);
     my_name = "prnqtool";
     std::string error = ReadOptions(std::vector<std::string>(argv + 1, argv + argc), options);
