@@ -1,12 +1,12 @@
 // The commands: add, copy, modify, delete, default banner, list.
 #include "siblings/prnqtool/Commands.h"
 
-#include "siblings/prnqtool/Child.h"
-#include "siblings/prnqtool/FileStore.h"
-#include "siblings/prnqtool/Files.h"
-#include "siblings/prnqtool/Host.h"
-#include "siblings/prnqtool/Queue.h"
-#include "siblings/prnqtool/Records.h"
+#include "siblings/lib/Child.h"
+#include "siblings/lib/FileStore.h"
+#include "siblings/lib/Files.h"
+#include "siblings/lib/Host.h"
+#include "siblings/lib/Queue.h"
+#include "siblings/lib/Records.h"
 
 #include <algorithm>
 #include <cerrno>

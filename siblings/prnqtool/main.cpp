@@ -2,7 +2,7 @@
 // of its own.
 #include "common/MemMgr.h"
 #include "common/utils.h"
-#include "siblings/prnqtool/Child.h"
+#include "siblings/lib/Child.h"
 #include "siblings/prnqtool/Commands.h"
 
 #include <csignal>

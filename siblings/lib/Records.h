@@ -7,7 +7,7 @@
 // or RecordsDrop.
 #pragma once
 
-#include "siblings/prnqtool/Queue.h"
+#include "siblings/lib/Queue.h"
 
 #include <string>
 #include <vector>

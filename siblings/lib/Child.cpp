@@ -1,5 +1,5 @@
 // The runner of host commands and the log.
-#include "siblings/prnqtool/Child.h"
+#include "siblings/lib/Child.h"
 
 #include "common/SysCmd.h"
 

@@ -1,8 +1,8 @@
 // Which store has a queue, and which one gets a new one.
-#include "siblings/prnqtool/Host.h"
+#include "siblings/lib/Host.h"
 
 #include "common/MainUtils.h"
-#include "siblings/prnqtool/FileStore.h"
+#include "siblings/lib/FileStore.h"
 
 #include <algorithm>
 #include <cstdlib>

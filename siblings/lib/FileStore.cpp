@@ -1,8 +1,8 @@
 // The lines of "db/hostq".
-#include "siblings/prnqtool/FileStore.h"
+#include "siblings/lib/FileStore.h"
 
 #include "common/utils.h"
-#include "siblings/prnqtool/Files.h"
+#include "siblings/lib/Files.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -4,7 +4,7 @@
 // It is edited in memory, then written and put in place in two steps, as the records are.
 #pragma once
 
-#include "siblings/prnqtool/Queue.h"
+#include "siblings/lib/Queue.h"
 
 #include <string>
 #include <vector>

@@ -1,11 +1,11 @@
 // CUPS by lpadmin and lpstat: each change of a queue is one request to the scheduler, so that it is whole or
 // not at all.
-#include "siblings/prnqtool/CupsStore.h"
+#include "siblings/lib/CupsStore.h"
 
 #include "common/utils.h"
-#include "siblings/prnqtool/Child.h"
-#include "siblings/prnqtool/CupsBanner.h"
-#include "siblings/prnqtool/Files.h"
+#include "siblings/lib/Child.h"
+#include "siblings/lib/CupsBanner.h"
+#include "siblings/lib/Files.h"
 
 #include <algorithm>
 #include <cstdio>

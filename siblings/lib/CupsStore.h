@@ -3,7 +3,7 @@
 // Every operation answers an empty text, or the host's complaint in words for the user.
 #pragma once
 
-#include "siblings/prnqtool/Queue.h"
+#include "siblings/lib/Queue.h"
 
 #include <string>
 #include <vector>

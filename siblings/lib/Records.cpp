@@ -1,8 +1,8 @@
 // Queue records: the main record, settings, banner titles, count per printer, and the two system records.
-#include "siblings/prnqtool/Records.h"
+#include "siblings/lib/Records.h"
 
 #include "common/DbmT.h"
-#include "siblings/prnqtool/Files.h"
+#include "siblings/lib/Files.h"
 
 #include <algorithm>
 #include <cstdlib>

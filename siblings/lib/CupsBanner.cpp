@@ -1,8 +1,8 @@
 // The banner template, how it gets to the scheduler, and the coding of its titles.
-#include "siblings/prnqtool/CupsBanner.h"
+#include "siblings/lib/CupsBanner.h"
 
-#include "siblings/prnqtool/Child.h"
-#include "siblings/prnqtool/Files.h"
+#include "siblings/lib/Child.h"
+#include "siblings/lib/Files.h"
 
 #include <cerrno>
 #include <csignal>

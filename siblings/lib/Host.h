@@ -1,7 +1,7 @@
 // The host's queues as a whole: those of the print system and those of the tool's own store.
 #pragma once
 
-#include "siblings/prnqtool/CupsStore.h"
+#include "siblings/lib/CupsStore.h"
 
 #include <string>
 #include <vector>

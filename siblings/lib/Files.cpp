@@ -1,5 +1,5 @@
 // Whole-file reads and replacements, and the lock of a change.
-#include "siblings/prnqtool/Files.h"
+#include "siblings/lib/Files.h"
 
 #include <cerrno>
 #include <cstring>

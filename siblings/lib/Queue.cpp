@@ -1,5 +1,5 @@
 // Rules for queue values, the device URI, banner titles and the options that a PPD file offers.
-#include "siblings/prnqtool/Queue.h"
+#include "siblings/lib/Queue.h"
 
 #include <algorithm>
 #include <cctype>
