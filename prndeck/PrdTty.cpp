@@ -36,7 +36,8 @@ int AskQueueTty(int prompt, const char *what, char *name) {
         PostMsg("Queue \"%s\" does not exist\nRecreate %s using Add queue.\n", text, text);
         return 0;
     }
-    if (!GetQueDbEntry(&MPS_tty, text)) {
+    // A name that doesn't fit would be cut to that of another queue.
+    if (answer.size() >= QUE_NAME || !GetQueDbEntry(&MPS_tty, text)) {
         PostMsg("%s is not supported for this queue!!!!!\nRecreate %s using Add queue.\n", what, text);
         return 0;
     }

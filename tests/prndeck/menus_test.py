@@ -131,9 +131,12 @@ class Flows(unittest.TestCase):
         self.assertEqual(self.tool.lines(), [])
 
     def test_modify_unknown_queues(self):
+        self.tool.queues("q1", "other", "w" * 31, "w" * 32)
+        self.tool.que({name: name + " host lp tv_w520.ppd 0 0 1 1 0 1 " for name in ("q1", "w" * 31, "w" * 32)})
         for name, said in (("q9", 'Queue "q9" does not exist\nRecreate q9 using Add queue.\n'),
                            ("q", "Modification is not supported for this queue!!!!!\nRecreate q using Add queue.\n"),
                            ("other", "Modification is not supported for this queue!!!!!\nRecreate other using"),
+                           ("w" * 32, "Modification is not supported for this queue!!!!!"),  # not the queue of 31
                            ("%s%n" * 20, 'Queue "' + "%s%n" * 20 + '" does not exist'),
                            ("k" * 4000, 'Queue "' + "k" * 4000 + '" does not exist'),
                            ("q1\xff", "Modify Queue")):
