@@ -12,6 +12,7 @@
 #include <cstdlib>
 
 int main(int argc, char **argv) {
+    InitProcess();
     // A program started from a menu reads on where the menu stopped: nothing may be read ahead.
     setvbuf(stdin, nullptr, _IONBF, 0);
     flUseLog = 1;

@@ -119,8 +119,7 @@ extern char *pSettingsTty;  // its feature settings while they are written out
 
 // ---- Main menu and lists
 
-// Runs the main menu until it is left. Ends: if the user isn't root, at the end of input, and with an exit
-// item.
+// Runs the main menu until it is left. Ends: if the user isn't root, and at the end of input.
 void RunTty();
 // Init callback of MainMenu. Ends: with status 1 if the user isn't root.
 int InitMainMenu(TextMenu *menu);

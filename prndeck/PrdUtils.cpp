@@ -10,11 +10,14 @@
 #include "prndeck/PrdGui.h"
 
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <iterator>
 #include <string>
+#include <unistd.h>
 
 // How the catalogues are opened: the program's texts follow a new file, the large ones don't.
 enum { DB_LIVE = 1 | DBT_NO_WRITE, DB_FIXED = DB_LIVE | DBT_NO_RELOAD };
@@ -26,6 +29,16 @@ int flUserIsRoot;
 int flWiz;
 int flDiscOff;
 int flHelpOnly;
+
+// The next file that is opened takes the number of a closed standard stream: the menus would be written into
+// it, and lines read from it. An ignored SIGCHLD, which is inherited, would make each command look failed.
+void InitProcess() {
+    int file;
+    do file = open("/dev/null", O_RDWR);
+    while (file >= 0 && file <= STDERR_FILENO);
+    if (file > STDERR_FILENO) close(file);
+    signal(SIGCHLD, SIG_DFL);
+}
 
 void InitToolPath(const char *argv0) {
     pToolPath = GetToolPath(argv0);

@@ -94,9 +94,10 @@ class Start(unittest.TestCase):
 
     @unittest.skipUnless(ROOT, "needs root")
     def test_end_of_input(self):
-        status, out, err = self.tool.run("-tty")
-        self.assertEqual((status, err), (1, INPUT_END))
-        self.assertEqual(out.count("\f"), 1)
+        for prefix in (), ("sh", "-c", 'exec "$0" "$@" <&-'):
+            status, out, err = self.tool.run("-tty", prefix=prefix)
+            self.assertEqual((status, err), (1, INPUT_END), prefix)
+            self.assertEqual(out.count("\f"), 1)
 
     @unittest.skipUnless(ROOT, "needs root")
     def test_environment_of_the_siblings(self):
