@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <climits>
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -49,6 +50,14 @@ void PutLog(std::string_view line) {
         if (write(file, text.data(), text.size()) < 0) LogPath.clear();
     }
     close(file);
+}
+
+void TellUser(std::string text) {
+    for (char &byte : text)
+        if ((unsigned char)byte < ' ' || byte == 127) byte = '?';
+    text.insert(0, "prnqtool: ");
+    fprintf(stderr, "%s\n", text.c_str());
+    PutLog(text);
 }
 
 static bool IsProgram(const std::string &path) {

@@ -33,3 +33,7 @@ std::string ComplaintOf(const Ran &ran);
 // regular file with one name, is left alone. Answers an empty text, or what is wrong with the name.
 std::string SetLogName(std::string_view name);
 void PutLog(std::string_view line);
+
+// A line "prnqtool: TEXT" on standard error and in the log. Control characters become "?": a value in the
+// text must not steer the terminal, nor forge a line of the log.
+void TellUser(std::string text);

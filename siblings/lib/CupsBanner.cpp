@@ -6,7 +6,6 @@
 
 #include <cerrno>
 #include <csignal>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
@@ -21,7 +20,8 @@ static const char DataDirectory[] = "/usr/share/cups";
 static const char SocketPath[] = "/run/cups/cups.sock";
 
 // The scheduler puts a job's values for {name}, escaped for PostScript; {?name} may be absent. An empty size
-// leaves the 0, an empty title no line.
+// leaves the 0, an empty title no line. Titles come in UTF-8, which the printer's fonts don't know: what
+// Latin 1 has is shown, the rest as a question mark.
 static const char Template[] = R"(%!PS-Adobe-3.0
 %%Title: Banner page of a print queue
 %%Pages: 1
@@ -29,10 +29,26 @@ static const char Template[] = R"(%!PS-Adobe-3.0
 %%EndComments
 %%Page: 1 1
 /Row 620 def
+/Helvetica-Bold findfont dup length dict begin
+  { 1 index /FID ne { def } { pop pop } ifelse } forall
+  /Encoding ISOLatin1Encoding def
+currentdict end /Banner-Font exch definefont pop
+/Put { Out Used 3 -1 roll put /Used Used 1 add def } bind def
+/Latin {
+  /In exch def /Out In length string def /Used 0 def /Lead 0 def
+  In {
+    dup 128 lt { Put } {
+      dup 192 ge { /Lead exch def Lead 196 ge { 63 Put } if } {
+        Lead 196 lt { 63 and Lead 3 and 64 mul add Put } { pop } ifelse
+      } ifelse
+    } ifelse
+  } forall
+  Out 0 Used getinterval
+} bind def
 /Centered {
-  /Points exch def /Text exch def
+  /Points exch def Latin /Text exch def
   Points 0 gt {
-    /Helvetica-Bold findfont Points scalefont setfont
+    /Banner-Font findfont Points scalefont setfont
     Text dup stringwidth pop 2 div 297 exch sub Row moveto show
     /Row Row Points 1.6 mul sub def
   } if
@@ -151,11 +167,7 @@ bool CupsBannerReady() {
     if (state >= 0) return state;
     std::string error = InstallBanner();
     state = error.empty();
-    if (!state) {
-        std::string text = "warning: no banner page yet, its file can't be installed: " + error;
-        fprintf(stderr, "prnqtool: %s\n", text.c_str());
-        PutLog(text);
-    }
+    if (!state) TellUser("warning: no banner page yet, its file can't be installed: " + error);
     return state;
 }
 

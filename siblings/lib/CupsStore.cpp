@@ -8,7 +8,6 @@
 #include "siblings/lib/Files.h"
 
 #include <algorithm>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <unistd.h>
@@ -124,9 +123,7 @@ static bool IsPpdComplaint(const std::string &error) {
 }
 
 static void WarnWithoutPpd(const Queue &queue, const std::string &error) {
-    std::string text = "warning: queue \"" + queue.name + "\" goes without its PPD file: " + error;
-    fprintf(stderr, "prnqtool: %s\n", text.c_str());
-    PutLog(text);
+    TellUser("warning: queue \"" + queue.name + "\" goes without its PPD file: " + error);
 }
 
 // ---- Operations

@@ -182,7 +182,8 @@ int main(int argc, char **argv) {
     error = ReadPpd(arguments.ppd, text);
     if (!error.empty()) return Refuse(error);
     std::string path = ToolDirectory() + SettingsFile;
-    if (arguments.flModify) {
+    struct stat status;
+    if (arguments.flModify && !stat(path.c_str(), &status) && S_ISREG(status.st_mode)) {
         std::ifstream in(path);
         std::getline(in, old, '\0');
     }

@@ -23,8 +23,7 @@ static Host TheHost; // what the host told at the start of this run
 
 static int Tell(const std::string &error) {
     if (error.empty()) return 0;
-    fprintf(stderr, "prnqtool: %s\n", error.c_str());
-    PutLog("prnqtool: " + error);
+    TellUser(error);
     return 1;
 }
 

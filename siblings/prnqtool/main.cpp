@@ -18,7 +18,7 @@ enum { BACKSTOP = 30 }; // seconds that a run may last beyond the limit for its 
 static const char Version[] = "prnqtool 4.50.29\n";
 
 static int Refuse(const char *text) {
-    fprintf(stderr, "prnqtool: %s\n", text);
+    TellUser(text);
     return 1;
 }
 
