@@ -63,63 +63,36 @@ class FakePrinter:
                 jobs.append(job.read())
         return jobs
 
-    def close(self):
-        self.listener.close()
-
     def __enter__(self):
         self.thread.start()
         return self
 
     def __exit__(self, *ignored):
-        self.close()
+        self.listener.close()
 
 
 class FakeLpd(FakePrinter):
-    """Receives jobs by the line printer protocol; queues and control files stand in .queues and .controls."""
+    """Receives jobs by the line printer protocol; the names of their queues stand in .queues."""
 
     def __init__(self, directory, port=0, address="127.0.0.1"):
         super().__init__(directory, port, address)
         self.queues = []
-        self.controls = []
 
     def _receive(self, connection):
-        stream = connection.makefile("rwb", buffering=0)
-        line = self._line(stream)
+        stream = connection.makefile("rb")
+        line = stream.readline()
         if not line.startswith(b"\2"):
             raise ValueError("command %r" % line)
-        self.queues.append(line[1:].decode())
-        self._acknowledge(stream)
-        while line := self._line(stream):
-            match = re.fullmatch(rb"([\2\3])(\d+) (.*)", line)
+        self.queues.append(line[1:-1].decode())
+        connection.sendall(b"\0")
+        while line := stream.readline():
+            match = re.fullmatch(rb"([\2\3])(\d+) (.*)\n", line)
             if not match:
                 raise ValueError("subcommand %r" % line)
-            self._acknowledge(stream)
-            data = self._exactly(stream, int(match[2]))
-            if self._exactly(stream, 1) != b"\0":
-                raise ValueError("file doesn't end in NUL")
-            if match[1] == b"\2":
-                self.controls.append(data.decode())
-            else:
-                self._keep(data)
-            self._acknowledge(stream)
-
-    @staticmethod
-    def _acknowledge(stream):
-        stream.write(b"\0")
-
-    @staticmethod
-    def _line(stream):
-        line = b""
-        while (byte := stream.read(1)) and byte != b"\n":
-            line += byte
-        return line
-
-    @staticmethod
-    def _exactly(stream, count):
-        data = b""
-        while len(data) < count:
-            chunk = stream.read(count - len(data))
-            if not chunk:
-                raise ValueError("cut at %d of %d bytes" % (len(data), count))
-            data += chunk
-        return data
+            connection.sendall(b"\0")
+            data = stream.read(int(match[2]) + 1)
+            if len(data) != int(match[2]) + 1 or data[-1:] != b"\0":
+                raise ValueError("a file is cut, or doesn't end in NUL")
+            if match[1] == b"\3":
+                self._keep(data[:-1])
+            connection.sendall(b"\0")

@@ -1,4 +1,4 @@
-"""A tool directory of a test's own, with real programs, and a look at its queue records.
+"""A tool directory of a test's own, with real programs, a look at its queue records, and lines for the queue tool.
 
     with ToolDir("prnqtool") as tool:
         done = tool.run("prnqtool", "-LQ")
@@ -113,3 +113,22 @@ class ToolDir:
         shutil.rmtree(self.path, ignore_errors=True)
         if os.path.exists("/tmp/%s.log" % self.log):
             os.unlink("/tmp/%s.log" % self.log)
+
+
+class QueueTool:
+    """For a TestCase: runs the queue tool of self.tool, and holds what every run must keep to."""
+
+    ppd, target = "tv_a.ppd", "-pm wp -lpd -hn h1 -psqn lp"
+
+    def tool_run(self, line, status=0, **env):
+        """A line of words, or their list; a line's word LOG stands for the name of the log."""
+        words = [self.tool.log if word == "LOG" else word for word in line.split()] if isinstance(line, str) else line
+        done = self.tool.run("prnqtool", *words, **env)
+        self.assertEqual(done.returncode, status, (line, done.stderr))
+        self.assertTrue(done.stderr or not status, line)
+        for told in done.stderr.splitlines():
+            self.assertTrue(told.startswith("prnqtool: " if status else "prnqtool: warning: "), (line, told))
+        return done
+
+    def add(self, name, tail=None, ppd=None, **more):
+        return self.tool_run("%s -log LOG -fs .settings -ppd %s %s" % (name, ppd or self.ppd, tail or self.target), **more)

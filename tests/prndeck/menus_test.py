@@ -241,6 +241,6 @@ class Flows(unittest.TestCase):
 
 if __name__ == "__main__":
     if os.geteuid() != 0:
-        print("the terminal menus need root")
+        print("skipped: the terminal menus need root")
         sys.exit(77)
     unittest.main()

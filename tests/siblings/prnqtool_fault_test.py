@@ -7,7 +7,7 @@ import time
 import unittest
 
 import xdb
-from tooldir import ToolDir, read_records
+from tooldir import QueueTool, ToolDir
 
 ADD = "-ppd tv_a.ppd -pm wp -hn h1 -psqn lp"
 HOSTILE = ["", " ", "a b", "a;touch hit", "$(touch hit)", "`touch hit`", "a'b", 'a"b', "a\\b", "a\nb", "%s%n", "../x",
@@ -22,11 +22,8 @@ REFUSED = [
     ("q -LQ", "takes no queue"),
     ("-mq", "name must come first"),
     ("q -mq -hn h", "-hn doesn't belong"),
-    ("q -cl src -ppd tv_a.ppd -hn h", "-ppd doesn't belong"),
     ("q -hn h -ppd", "-ppd needs a value"),
-    ("q -ppd tv_a.ppd -dn -psqn lp", "-dn needs a value"),
     ("q -ppd tv_a.ppd", "either -hn or -dn"),
-    ("q -ppd tv_a.ppd -hn h -dn /dev/lp0", "either -hn or -dn"),
     ("q -pm wp -hn h", "-ppd is needed"),
     ("q -ppd tv_a.ppd -pm wps -hn h", "-psqn is needed"),
     ("q -ppd tv_a.ppd -pm wps -dn /dev/lp0 -psqn x", "told by -hn"),
@@ -35,7 +32,6 @@ REFUSED = [
     ("q -ppd tv_a.ppd -hn 0.0.0.0", "no printer's address"),
     ("q -ppd tv_a.ppd -hn h:70000", "no port"),
     ("q -ppd tv_a.ppd -hn [::1", "can't be read"),
-    ("q -ppd tv_a.ppd -dn lp0", "no absolute path"),
     ("q -ppd tv_a.ppd -dn /etc/passwd", "is a file or directory"),
     ("q -ppd tv_a.ppd -dn /dev/../etc/nosuch", 'leads through ".."'),
     ("q -ppd tv_a.ppd -hn h -psqn fifteen-letters", "more than 14"),
@@ -49,17 +45,14 @@ REFUSED = [
 ]
 
 
-class Faults(unittest.TestCase):
+class Faults(QueueTool, unittest.TestCase):
     def setUp(self):
         self.tool = self.enterContext(ToolDir("prnqtool"))
         self.tool.env["PRNQ_STORE"] = "file"
         self.add("keep", "-d")
 
-    def run_words(self, *words, status=0, **env):
-        done = self.tool.run("prnqtool", *words, **env)
-        self.assertEqual(done.returncode, status, (words, done.stderr))
-        self.assertEqual(done.stderr.startswith("prnqtool: "), status != 0, (words, done.stderr))
-        return done
+    def run_words(self, *words, **more):
+        return self.tool_run(list(words), **more)
 
     def add(self, name, *more, **kwargs):
         return self.run_words(name, *ADD.split(), *more, **kwargs)
@@ -91,8 +84,8 @@ class Faults(unittest.TestCase):
                     continue  # a settings file that isn't there is none
                 with self.subTest(option, value=value[:20]):
                     done = self.tool.run("prnqtool", *words)
-                    self.assertEqual((done.returncode, done.stderr[:10]), (1, "prnqtool: "))
-                    self.assertLess(len(done.stderr), 400)
+                    self.assertEqual(done.returncode, 1)
+                    self.assertRegex(done.stderr, r"\A(prnqtool: [^\x00-\x1f\x7f]{1,300}\n){1,2}\Z")
         self.assertEqual(self.tool.image(), before)
         self.assertFalse(os.path.exists(self.tool.path + "/hit"))
 
@@ -114,24 +107,6 @@ class Faults(unittest.TestCase):
         self.run_words("new", "-cl", "keep", "-hn", "h", status=1)
         self.run_words("keep", "-x")
         self.assertEqual(self.tool.records(), {})
-
-    def test_killed_at_any_moment(self):
-        started = time.monotonic()
-        self.add("keep")
-        whole = time.monotonic() - started
-        for turn in range(60):
-            child = subprocess.Popen(self.tool.command("prnqtool", "keep", "-ppd", "tv_b.ppd", "-pm", "psp", "-hn",
-                                                       "host%d" % turn, "-d"), env=self.tool.env,
-                                     stderr=subprocess.DEVNULL)
-            time.sleep(whole * turn / 50)
-            child.kill()
-            child.wait()
-            records = read_records(self.tool.path + "/db/que.xdb")
-            printer = records["keep"].split()[1].decode()
-            self.assertEqual(set(records) - {" default"}, {"keep", printer + " count"})
-            self.assertEqual(self.run_words("-LQ").stdout, "keep:\n")
-        self.add("keep")
-        self.assertEqual(sorted(os.listdir(self.tool.path + "/db")), [".prnq_lock", "hostq", "que.xdb"])
 
     def test_changes_at_once_lose_nothing(self):
         children = [subprocess.Popen(self.tool.command("prnqtool", "q%d" % number, *ADD.split()), env=self.tool.env)
