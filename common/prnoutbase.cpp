@@ -266,22 +266,26 @@ static void SetToolPath(const char *path) {
     pToolPath = SaveStr_(path);
 }
 
-// 0, or the number of the text that tells what is wrong with ./.config.
-static int ReadConfig() {
-    if (!OpenInputFile("./.config", ERR_SILENT) || !GetFileLine()) return CONFIG_OPEN;
+static int OpenConfig() {
+    if (!OpenInputFile("./.config", ERR_SILENT) || !GetFileLine()) return 0;
     CloseInputFile();
+    return 1;
+}
+
+static int ReadConfig() {
     const char *line = LineBuf;
     std::string queue = TakeField(line, ConfigDelims);
     std::string tool = TakeField(line, ConfigDelims);
-    if (tool.empty()) return CONFIG_ENTRY;
+    if (tool.empty()) return 0;
     SetText(&pPrinterQueue, queue.c_str());
     SetToolPath(tool.c_str());
-    return 0;
+    return 1;
 }
 
 static void InitConfig(int flags) {
     if (flags & CONFIG_READ) {
-        if (int number = ReadConfig()) FailConfigText(number);
+        if (!OpenConfig()) FailConfigText(CONFIG_OPEN);
+        if (!ReadConfig()) FailConfigText(CONFIG_ENTRY);
         return;
     }
     char directory[PATH_MAX];

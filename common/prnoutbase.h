@@ -114,8 +114,8 @@ void CloseOutputFile(); // FileStatus becomes FILE_ENDED
 // ---- The spool store
 //
 // ".q" holds a job a line, "cfA1host dfA1host\n", oldest first. Readers take no lock and never see half a
-// list: a job is appended in one write, and any other change is a new file renamed over the old one (only
-// where the directory can't be written is the file rewritten in place).
+// list: a job is appended in one write, and any other change is a new file renamed over the old one. (Where
+// the directory can't be written the file is rewritten in place.)
 //
 // ".qlock" holds "L NAME" or "U NAME" with the NAME of a program. Both styles of access below see and leave
 // the same text. The marker of SetQueLockState stops nobody, so the three job functions hold, beside it, a

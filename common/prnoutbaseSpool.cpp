@@ -226,16 +226,26 @@ static void RewriteQue(const char *directory, std::string_view text) {
 
 // One write, at the end of the file whatever that is by then. What could not be written whole is taken back.
 static bool AppendLine(const std::string &path, const std::string &line) {
-    int file = open(path.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC, LOCK_MODE);
+    int file = open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, LOCK_MODE);
     if (file < 0) return false;
     off_t end = lseek(file, 0, SEEK_END);
-    char last = '\n';
-    if (end > 0 && pread(file, &last, 1, end - 1) != 1) last = '\n';
-    // What somebody left without a line end must not run into this job.
-    bool flWritten = WriteAll(file, last == '\n' ? line : "\n" + line);
+    bool flWritten = WriteAll(file, line);
     if (!flWritten && ftruncate(file, end) != 0) perror("ftruncate");
     close(file);
     return flWritten;
+}
+
+// A write over the end of a page reaches a reader in two parts: then the list goes into a new file instead.
+static bool AddLine(const char *directory, std::string line) {
+    std::string path = SpoolName(directory, QueName);
+    std::string text = ReadQue(directory);
+    // What somebody left without a line end must not run into this job.
+    if (!text.empty() && text.back() != '\n') line.insert(0, "\n");
+    if (MapSize(text.size()) == MapSize(text.size() + line.size() - 1)) return AppendLine(path, line);
+    std::string name = WriteNewQue(path, text + line);
+    if (!name.empty() && rename(name.c_str(), path.c_str()) == 0) return true;
+    if (!name.empty()) unlink(name.c_str());
+    return AppendLine(path, line);
 }
 
 static bool TestJobName(const char *name) {
@@ -269,8 +279,8 @@ void AddJobToQue(const char *directory, const char *first, const char *second) {
     if (TestHopeless(directory)) return ErrorMsg(ERR_WARN, 0, "can't open file, %s", path.c_str());
     QueHold hold(SpoolName(directory, LockName));
     if (!WaitForQue(directory)) return ErrorMsg(ERR_WARN, 0, "can't open file, %s", path.c_str());
-    std::string line = std::string(first) + " " + second + "\n";
-    if (!AppendLine(path, line)) ErrorMsg(ERR_WARN, 0, "can't write file, %s", path.c_str());
+    if (!AddLine(directory, std::string(first) + " " + second + "\n"))
+        ErrorMsg(ERR_WARN, 0, "can't write file, %s", path.c_str());
     SetQueLockState(directory, 0);
 }
 
