@@ -2,22 +2,19 @@
 // datagram read into the same package, as the engine does it; a part of no length ends a host. Where a part
 // does not begin like a message its bytes are taken for bindings, so that the walk is reached without a
 // prolog.
-#include "SnmpPkg/Decode.h"
 #include "SnmpPkg/Filter.h"
 #include "tests/lib/PkgCheck.h"
 
 #include <algorithm>
 #include <cstdlib>
-#include <cstring>
 
-static void ReadDatagram(SnmpPackage *package, const uint8_t *data, size_t size) {
-    PkgPacket packet = {};
-    PkgProlog prolog;
-    PkgPrologText text;
-    memcpy(packet.Data, data, std::min<size_t>(size, PKG_DATA_SIZE));
-    packet.Len = static_cast<int32_t>(std::min<size_t>(size, PKG_DATA_SIZE));
-    bool message = packet.Data[0] == BER_SEQUENCE && packet.Data[2] == BER_INTEGER;
-    if (!message || PkgReadProlog(&packet, &prolog, &text)) DecodeVariables(&packet, package, 0);
+static void ReadPart(SnmpPackage *package, const std::string &bytes) {
+    bool message = bytes[0] == BER_SEQUENCE && bytes.size() > 2 && bytes[2] == BER_INTEGER;
+    PkgPacket packet = Received(bytes);
+    if (message)
+        ReadDatagram(package, bytes);
+    else
+        DecodeVariables(&packet, package, 0);
     if (PkgCheck(*package) != nullptr) abort();
 }
 
@@ -29,7 +26,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     while (size >= 2) {
         size_t part = std::min<size_t>(static_cast<size_t>(data[0]) << 8 | data[1], size - 2);
         if (part > 0)
-            ReadDatagram(&package, data + 2, part);
+            ReadPart(&package, {reinterpret_cast<const char *>(data) + 2, part});
         else
             InitRecVars(&package);
         PassFilter("(($0) && ((Tarvo IN $1) || (!($2))))", &package);

@@ -1,9 +1,30 @@
-// The invariant of a package that something was read into, for tests and fuzz targets.
+// A packet as received, and the invariant of a package that something was read into, for tests and fuzz
+// targets.
 #pragma once
 
+#include "SnmpPkg/Decode.h"
 #include "SnmpPkg/Pkg.h"
 
+#include <algorithm>
 #include <cstring>
+#include <string>
+
+inline PkgPacket Received(const std::string &bytes) {
+    PkgPacket packet = {};
+    packet.Len = static_cast<int32_t>(std::min<size_t>(bytes.size(), PKG_DATA_SIZE));
+    memcpy(packet.Data, bytes.data(), static_cast<size_t>(packet.Len));
+    return packet;
+}
+
+// Reads a datagram into the package as the engine does it; false if it holds no bindings.
+inline bool ReadDatagram(SnmpPackage *package, const std::string &bytes) {
+    PkgPacket packet = Received(bytes);
+    PkgProlog prolog;
+    PkgPrologText text;
+    if (!PkgReadProlog(&packet, &prolog, &text)) return false;
+    DecodeVariables(&packet, package, prolog.Version);
+    return true;
+}
 
 // Null, or what is wrong: every text lies in the record and ends there, and the fill marks are in range.
 inline const char *PkgCheck(const SnmpPackage &package) {
