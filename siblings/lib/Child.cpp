@@ -2,6 +2,7 @@
 #include "siblings/lib/Child.h"
 
 #include "common/SysCmd.h"
+#include "common/utils.h"
 
 #include <algorithm>
 #include <cctype>
@@ -55,7 +56,7 @@ void PutLog(std::string_view line) {
 void TellUser(std::string text) {
     for (char &byte : text)
         if ((unsigned char)byte < ' ' || byte == 127) byte = '?';
-    text.insert(0, "prnqtool: ");
+    text.insert(0, std::string(my_name) + ": ");
     fprintf(stderr, "%s\n", text.c_str());
     PutLog(text);
 }

@@ -34,6 +34,6 @@ std::string ComplaintOf(const Ran &ran);
 std::string SetLogName(std::string_view name);
 void PutLog(std::string_view line);
 
-// A line "prnqtool: TEXT" on standard error and in the log. Control characters become "?": a value in the
+// A line "PROGRAM: TEXT" on standard error and in the log. Control characters become "?": a value in the
 // text must not steer the terminal, nor forge a line of the log.
 void TellUser(std::string text);

@@ -150,8 +150,10 @@ static void CountQueues(const std::string &printer) {
     DbTWalk walked;
     for (int index = 0; WalkDbTRecords(Handle, &walked, index); index++) {
         if (!IsQueueKey(walked)) continue;
-        std::vector<std::string> fields =
-            SplitAtBlanks(std::string(walked.key + walked.K, walked.L - walked.K - 2u));
+        std::string_view record(walked.key + walked.K, walked.L - walked.K - 2u);
+        // A removal of many queues walks over all records for each of them: only the printer's own are split.
+        if (record.find(" " + printer + " ") == record.npos) continue;
+        std::vector<std::string> fields = SplitAtBlanks(std::string(record));
         if (fields[FIELD_PRINTER] != printer) continue;
         words = printer + " " + fields[FIELD_REMOTE];
         count++;
