@@ -131,7 +131,6 @@ static int SpySystem(const char *line) {
 
 static FILE *SpyPopen(const char *line, const char *) {
     pSpy->asked.push_back(line);
-    if (pSpy->popenFails) return nullptr;
     for (const auto &[part, answer] : pSpy->answers)
         if (pSpy->asked.back().find(part) != std::string::npos) return fdopen(NewCatcher(answer), "r");
     return fdopen(NewCatcher(), "r");

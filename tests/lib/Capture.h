@@ -71,7 +71,6 @@ public:
     unsigned slept = 0;             // seconds in all
     int result = 0;                 // what system returns ...
     int error = 0;                  // ... and leaves in errno, unless 0
-    bool popenFails = false;
     // Answer of popen: that of the first pair whose first text stands in the line, else nothing.
     std::vector<std::pair<std::string, std::string>> answers;
 

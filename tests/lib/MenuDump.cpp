@@ -7,6 +7,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <fstream>
 #include <stdexcept>
 
 static const char *const TypeNames[] = {"text",   "1",        "2",        "bar",     "apply",
@@ -48,44 +49,27 @@ std::string DumpMenu(const TextMenu *menu) {
     return dump;
 }
 
-static const struct {
-    const char *key;
-    const char *text;
-} MenuTexts[] = {
-    {"25_230", " or s for store settings in a file"},
-    {"25_231", " or h for help"},
-    {"25_232", " or <Return> to exit"},
-    {"25_270", " ["},
-    {"25_271", "default"},
-    {"25_510", "Enter a selection%s%s%s: "},
-    {"25_1000", "\nPress <Return> to continue "},
-    {"25_1001", "Press <Return> to continue"},
-    {"25_1002", "\n'%c' is not a valid name character. \n"
-                "Only alphanumeric character, '-', and '_' are valid: \n"},
-    {"25_1003", "This number must be between %i to %i."},
-    {"25_1004", "This number must be between %x to %x."},
-    {"25_1006", "Invalid character '%c'\nThis text may contain \"0123456789.\""},
-    {"25_1007", "Invalid character '%c'\nThis text may contain \"abc..zABC..Z012..9%s\""},
-    {"25_1008", "Invalid character '%c'\nThis text may contain \"abc..zABC..Z%s\""},
-    {"25_1009", "Invalid entry \"%s\""},
-    {"25_1010", "Invalid character %c\n%c was expected after \"%s\""},
-    {"25_1011", "\nAll names must be set before applying setup.\nPress <Return> to continue"},
-    {"25_1016", "reading from standard input"},
-    {"25_1017", "\nDo you want to return to %s menu"},
-    {"25_1018", "\nDo you want to exit %s"},
-    {"25_1019", "This number must be between %f to %f."},
-    {"25_1020", "Only one '.' may be entered."},
-    {"25_1024", "This number must be between %Lg to %Lg."},
-    {"30_42", "This entry must have %i to %i characters."},
-    {"30_44", "This entry must have %i characters."},
-};
+// The text of a catalogue line behind its number, as the compiler of the catalogues takes it.
+static std::string ReadText(std::string text) {
+    if (text[0] == '"') text = text.substr(1, text.size() - 2);
+    for (size_t at; (at = text.find("\\n")) != std::string::npos;) text.replace(at, 2, "\n");
+    return text;
+}
 
 void OpenMenuTexts() {
+    std::ifstream in(TESTS_LIB "/../../data/catalogue/en_US/CoreString.msg");
     pDrvCoreDB = DbTOpen("MenuTexts", DBT_NO_RELOAD | DBT_NO_WRITE);
-    if (!pDrvCoreDB) throw std::runtime_error("no catalogue");
-    for (const auto &row : MenuTexts)
-        if (!DbmTPutRecord(pDrvCoreDB, row.key, row.text, strlen(row.text) + 1))
-            throw std::runtime_error(row.key);
+    if (!in || !pDrvCoreDB) throw std::runtime_error("no catalogue");
+    std::string set;
+    for (std::string line; std::getline(in, line);) {
+        if (line.starts_with("$set ")) set = line.substr(5) + "_";
+        size_t blank = line.find(' ');
+        if ((set != "25_" && set != "30_") || blank == 0 || strspn(line.c_str(), "0123456789") != blank)
+            continue;
+        std::string key = set + line.substr(0, blank), text = ReadText(line.substr(blank + 1));
+        if (!DbmTPutRecord(pDrvCoreDB, key.c_str(), text.c_str(), text.size() + 1))
+            throw std::runtime_error(key);
+    }
 }
 
 static int PrintClearMark(const char *) {

@@ -10,7 +10,7 @@
 //   INDEX: NUMBER TYPE [disabled|hidden] VALUE, the letter for a number, the choice behind a pick's value
 std::string DumpMenu(const TextMenu *menu);
 
-// Opens a catalogue in memory with the texts that the engine fetches, as pDrvCoreDB.
+// Opens a catalogue in memory with the English texts of the sets that the engine fetches, as pDrvCoreDB.
 void OpenMenuTexts();
 
 // What clearing the terminal prints once CatchClear has taken the place of system.
