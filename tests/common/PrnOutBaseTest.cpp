@@ -143,14 +143,10 @@ TEST(Printer, OfTheFile) {
 }
 
 TEST(Printer, SpoolPath) {
-    const struct {
-        const char *ppd, *path, *want;
-    } cases[] = {
-        {"/opt/prn/ppd/x.ppd", "host", "/var/spool/Tarvo/prn/host"},
-        {"/opt/prn/x.ppd", nullptr, "/var/spool/Tarvo/prn"},
-        {"/opt/ppd/ppd/x.ppd", "_dev_lp", "/var/spool/Tarvo/ppd/_dev_lp"},
-    };
-    for (const auto &c : cases) EXPECT_EQ(TakeText(GetSpoolPath(c.ppd, c.path)), c.want);
+    EXPECT_EQ(TakeText(GetSpoolPath("/opt/prn/ppd/x.ppd", "host")), "/var/spool/Tarvo/prn/host");
+    EXPECT_EQ(TakeText(GetSpoolPath("/opt/ppd/ppd/x.ppd", nullptr)), "/var/spool/Tarvo/ppd");
+    EXPECT_EQ(TakeText(GetSpoolPath("/opt/prn/x.ppd", GenDirName("/dev/lp"))),
+              "/var/spool/Tarvo/prn/_dev_lp");
     const int table[] = {5, 7, -1};
     EXPECT_EQ(FindOption(7, table) * 100 + FindOption(6, table) * 10 + FindOption(-1, table), 210);
 }
@@ -169,25 +165,16 @@ TEST(Printer, EndsTheTool) {
          "Error: invalid printer configuration file entry\n"},
         {"closed file", "77yyprinters", "", [] { FindPrinter("q1"); }, 0,
          "Error: couldn't open printer config file 77yyprinters\n"},
-        {"short entry of another queue", "77yyprinters", "q2 host\n", [] { _exit(FindPrinter("q1") + 7); }, 7,
-         ""},
         {"no .config", "x", "", [] { GetConfig(CONFIG_READ); }, 0, "open\n"},
-        {"empty .config", "tool/.config", "\n", [] { GetConfig(CONFIG_READ | CONFIG_NO_EXIT); }, 0,
-         "entry\n"},
         {"half a .config", "tool/.config", "q1\n", [] { GetConfig(CONFIG_READ); }, 0, "entry\n"},
         {"no printer", "tool/.config", "q1 /none\n", [] { GetConfig(CONFIG_READ); }, 0, "unknown q1\n"},
         {"no printer, going on", "x", "", [] { _exit(FindPrinter(nullptr) + GetConfig(CONFIG_NO_EXIT) + 7); },
          8, "none\n"},
         {"no lock", "x", "", [] { GetFileInfo(); }, 1, "Error: couldn't open lock file\n"},
-        {"one line", "tool/lock", "42\n", [] { GetFileInfo(); }, 0, "Error: no filename in lock file\n"},
         {"no control file", "tool/lock", "42\ncfA1\n", [] { GetFileInfo(); }, 0,
          "Error: couldn't open print control file 'cfA1'\n"},
         {"tilde alone", "x", "", [] { PutMem(LocatePath("~x")); }, 1,
          "ERROR: '/' was expected after'~' in ~x\n\n"},
-        {"tilde without a name", "x", "", [] { PutMem(LocatePath("~/")); }, 1,
-         "ERROR: a filename was expected after\"~/\" in ~/\n\n"},
-        {"no home", "x", "", [] { unsetenv("HOME"), PutMem(LocatePath("~/a")); }, 1,
-         "ERROR: Environment variable HOME has not been defined.\n\n"},
     };
     for (const auto &c : cases) {
         std::string path = tool.Path(c.file);
@@ -263,75 +250,55 @@ TEST(Job, Names) {
     setenv("HOME", "/home/u", 1);
     char source[] = "/src";
     pSourceDir = source;
-    const struct {
-        const char *path, *want;
-    } paths[] = {
-        {"../x", "/src/../x"}, {"x", "/src/x"}, {"./x", "/src/x"}, {"/x", "/x"}, {"~/x y", "/home/u/x y"}};
-    for (const auto &c : paths) EXPECT_EQ(TakeText(LocatePath(c.path)), c.want);
+    std::string located;
+    for (const char *path : {"../x", "x", "./x", "/x", "~/x y"}) located += TakeText(LocatePath(path)) + "|";
+    EXPECT_EQ(located, "/src/../x|/src/x|/src/x|/x|/home/u/x y|");
     pSourceDir = nullptr;
-    const struct {
-        const char *path, *line, *want;
-    } links[] = {
-        {"/a/l", "lrwx l ->   t\n", "/a/t"},
-        {"/a/l", "l -> ./t\n", "/a/t"},
-        {"/a/l", "l -> ../t/u\n", "/a/t/u"},
-        {"/l", "l -> t", "/t"},
-        {"l", "l -> t\n", "t"},
-        {"/a/l", "l > x -> /abs t\n", "/abs t"},
-        {"/a/l", "no arrow\n", "/a/l"},
-    };
-    for (const auto &c : links) EXPECT_EQ(TakeText(LocateLink(c.path, c.line)), c.want) << c.line;
+    std::string links = TakeText(LocateLink("l", "l -> t\n")) + "|" + TakeText(LocateLink("/l", "l -> t"));
+    for (const char *line :
+         {"lrwx l ->   t\n", "l -> ./t\n", "l -> ../t/u\n", "l > x -> /abs t\n", "no arrow\n"})
+        links += "|" + TakeText(LocateLink("/a/l", line));
+    EXPECT_EQ(links, "t|/t|/a/t|/a/t|/a/t/u|/abs t|/a/l");
 }
 
 TEST(Job, HostAndEnvironment) {
     Tool tool;
     const struct {
-        const char *file, *request, *text, *want;
-    } requests[] = {
-        {"123-1", "r-1", "O\nH far\nX", "far"},
-        {"1234", "r", "\nH far", "far"},
-        {"123-1", "r-1", "H far\n", nullptr},
-        {"123-1", "12r", "\nH far\n", nullptr},
-    };
-    char *here = GetHostname();
+        const char *file, *request, *text;
+        bool flFound;
+    } requests[] = {{"123-1", "r-1", "O\nH far\nX", true},
+                    {"1234", "r", "\nH far", true},
+                    {"123-1", "r-1", "H far\n", false}};
     for (const auto &c : requests) {
-        std::string path = tool.Path(c.file), request = tool.Write(c.request, c.text);
+        std::string path = tool.Path(c.file);
+        tool.Write(c.request, c.text);
         char *file = path.data();
         pFiles = &file;
         FilesCnt = 1;
-        PutMem(pHostName);
         pHostName = nullptr;
         GetRequestHost();
-        EXPECT_STREQ(pHostName, c.want ? c.want : here) << c.file << " " << c.text;
-        fs::remove(request);
+        EXPECT_EQ(Text(pHostName) == "far", c.flFound) << c.file;
     }
     pFiles = nullptr;
     FilesCnt = 0;
-    PutMem(here);
-
-    const struct {
-        const char *user, *person, *host;
-    } users[] = {{"u@h!x", "u", "h!x"}, {"h!u", "u", "h"}, {"u", "u", "-"}};
     setenv("PrnOutPrinter", "/etc/lp/interfaces/q1", 1);
     setenv("PrnOutCopies", "99999999999", 1);
-    setenv("PrnOutOption_list", "a b", 1);
-    for (const auto &c : users) {
-        setenv("PrnOutUser_name", c.user, 1);
+    std::string users;
+    for (const char *user : {"u@h!x", "h!u", "u"}) {
+        setenv("PrnOutUser_name", user, 1);
         GetInterfaceEnvArgs();
-        EXPECT_EQ(Text(pPerson) + " " + Text(pHostName), std::string(c.person) + " " + c.host);
+        users += Text(pPerson) + " " + Text(pHostName) + "|";
     }
-    EXPECT_EQ(Text(pPrinterQueue) + Text(pOptions) + Text(pReqId) + Text(pJobTitle), "q1a b--");
+    EXPECT_EQ(users, "u h!x|u h|u -|");
+    EXPECT_EQ(Text(pPrinterQueue) + Text(pReqId), "q1-");
     EXPECT_EQ(CopyCnt, INT_MAX);
 }
 
 TEST(Job, OutputFile) {
     Scratch scratch;
     std::string one = scratch.Path("one"), two = scratch.Path("two");
-    EXPECT_TRUE(PutFileLine(one.c_str(), "a\n", "w"));
-    EXPECT_TRUE(PutFileLine(one.c_str(), "b%s\n", "w"));
-    EXPECT_EQ(FileStatus, FILE_OPEN);
-    EXPECT_TRUE(PutFileLine(two.c_str(), "c", "w"));
-    EXPECT_TRUE(PutFileLine(one.c_str(), "d", "a"));
+    for (const char *text : {"a\n", "b%s\n"}) EXPECT_TRUE(PutFileLine(one.c_str(), text, "w"));
+    EXPECT_TRUE(PutFileLine(two.c_str(), "c", "w") && PutFileLine(one.c_str(), "d", "a"));
     EXPECT_EQ(ReadWhole(one) + ReadWhole(two), "a\nb%s\ndc");
     EXPECT_FALSE(PutFileLine(scratch.Path().c_str(), "x", "w"));
     EXPECT_EQ(FileStatus, FILE_FAILED);
@@ -368,11 +335,9 @@ TEST(Spool, ChangesTheList) {
         const char *name, *que, *remove, *left;
     } deletes[] = {
         {"first", "cA d\ncB d\n", "cA", "cB d\n"},
-        {"last", "cA d\ncB d\n", "cB", "cA d\n"},
         {"last without a line end", "cA d\ncB d", "cB", "cA d\ncB d"},
         {"only the first of a name", "cA 1\ncA 2\n", "cA", "cA 2\n"},
         {"absent", "cA d\n", "c", "cA d\n"},
-        {"second field", "cA d\n", "d", "cA d\n"},
         {"the only one", "cA d\n", "cA", ""},
     };
     for (const auto &c : deletes) {
@@ -389,7 +354,6 @@ TEST(Spool, ChangesTheList) {
         {"plain", "cA dA\ncB dB\n", "cA,dA", "cA dA\ncB dB\n"},
         {"capital, one name", "CA\ncB dB\n", "CA,", "CA\ncB dB\n"},
         {"junk in front", "A1 d\n\nx cB dB\ncC dC\n", "cB,dB", "cB dB\ncC dC\n"},
-        {"blanks in front", "  cA dA\n", "cA,dA", "cA dA\n"},
         {"no job", "dA dB\n", ",", "dA dB\n"},
     };
     for (const auto &c : gets) {
@@ -424,9 +388,13 @@ TEST(Spool, KeepsTheList) {
     EXPECT_EQ(spool.Job(), "cfA1,dfA1");
     EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), before) << "a reader has a whole list";
     EXPECT_EQ(ReadWhole(spool.Path(".q")), before.substr(2));
-    struct stat info;
-    ASSERT_EQ(stat(spool.Path(".q").c_str(), &info), 0);
-    EXPECT_EQ(info.st_mode & 0777, 0606u) << "a new file that takes after the old";
+    EXPECT_EQ(fs::status(spool.Path(".q")).permissions(), fs::perms(0606)) << "it takes after the old file";
+    // A line over the end of a page would come to a reader in two parts, so it comes in a new file.
+    const std::string page(static_cast<size_t>(sysconf(_SC_PAGESIZE)) - 6, 'x');
+    reader = std::ifstream(spool.Write(".q", page + "\n"));
+    AddJobToQue(spool.Dir(), "cB", "dB");
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(reader), {}), page + "\n");
+    EXPECT_EQ(ReadWhole(spool.Path(".q")), page + "\ncB dB\n");
     EXPECT_EQ(std::distance(fs::directory_iterator(spool.Path()), {}), 2) << "no temporary is left";
 }
 
@@ -446,43 +414,35 @@ TEST(Spool, LockStyles) {
     Spool spool;
     char *lock = CreateQueLock(spool.Dir(), nullptr);
     ASSERT_NE(lock, nullptr);
-    struct stat info;
-    stat(spool.Path(".qlock").c_str(), &info);
-    EXPECT_EQ(info.st_mode & 0777, 0666u);
-    EXPECT_EQ(info.st_size, sysconf(_SC_PAGESIZE));
+    EXPECT_EQ(fs::status(spool.Path(".qlock")).permissions(), fs::perms(0666));
+    EXPECT_EQ(fs::file_size(spool.Path(".qlock")), static_cast<size_t>(sysconf(_SC_PAGESIZE)));
     EXPECT_EQ(spool.Lock(), "U prndeck");
     EXPECT_EQ(SetQueLockState(spool.Dir(), 1), 1);
     EXPECT_EQ(ReadWhole(spool.Path(".qlock")), "L prndeck");
     SystemSpy spy;
-    EXPECT_EQ(LockQue(spool.Dir(), lock), lock);
-    EXPECT_EQ(spy.slept, 0u) << "held by this program";
-
-    my_name = "prnout";
-    EXPECT_EQ(LockQue(spool.Dir(), lock), lock);
-    EXPECT_EQ(spy.slept, 5u) << "taken over";
-    EXPECT_EQ(spool.Lock(), "L prnout");
-    UnlockQue(lock);
-    EXPECT_EQ(spool.Lock(), "U prnout");
-    EXPECT_EQ(SetQueLockState(spool.Dir(), 0), 1);
-    my_name = "a-program-whose-name-is-longer-than-the-record-of-40-bytes";
-    EXPECT_EQ(LockQue(spool.Dir(), lock), lock);
-    EXPECT_EQ(spool.Lock(), "L " + std::string(my_name, 37)) << "in a file that the plain style had cut";
-    EXPECT_EQ(LockQue(spool.Dir(), lock), lock);
-    EXPECT_EQ(spy.slept, 5u);
+    const struct {
+        const char *name;
+        unsigned slept; // in all
+    } holders[] = {{"prndeck", 0}, {"prnout", 5}, {"a-program-whose-name-is-longer-than-the-record", 10}};
+    for (const auto &holder : holders) {
+        my_name = holder.name;
+        for (int i = 0; i < 2; i++) EXPECT_EQ(LockQue(spool.Dir(), lock), lock);
+        EXPECT_EQ(spy.slept, holder.slept) << my_name;
+        EXPECT_EQ(spool.Lock(), "L " + std::string(my_name).substr(0, 37)) << "also in a file that was cut";
+        UnlockQue(lock);
+        EXPECT_EQ(spool.Lock()[0], 'U');
+        EXPECT_EQ(SetQueLockState(spool.Dir(), 1), 1);
+    }
     my_name = "x";
-    char *again = LockQue(spool.Dir(), nullptr);
-    EXPECT_EQ(spy.slept, 10u) << "a lock of one's own does not forget the holder";
-    FreeQueLock(again);
+    FreeQueLock(LockQue(spool.Dir(), nullptr));
+    EXPECT_EQ(spy.slept, 15u) << "a lock of one's own does not forget the holder";
     FreeQueLock(lock);
-    FreeQueLock(nullptr);
-    UnlockQue(nullptr);
 
     fs::remove(spool.Path(".qlock"));
     spool.MakeDir(".qlock");
-    EXPECT_EQ(SetQueLockState(spool.Dir(), 1), 0);
-    EXPECT_EQ(spy.slept, 14u) << "five tries";
     spool.Write(".q", "cA dA\ncB dB\n");
     DeleteJobFromQue(spool.Dir(), "cA", 0);
+    EXPECT_EQ(spy.slept, 19u) << "five tries";
     EXPECT_EQ(ReadWhole(spool.Path(".q")), "cB dB\n") << "without the lock";
 }
 
@@ -507,7 +467,6 @@ TEST(Spool, MapsFiles) {
 TEST(Spool, Mailbox) {
     Spool spool;
     SystemSpy spy;
-    const char *saved = pSpoolRoot;
     pSpoolRoot = spool.Dir();
     Capture caught;
     EXPECT_STREQ(AddCmdToQue("early", 1), "");
@@ -515,19 +474,14 @@ TEST(Spool, Mailbox) {
     std::string path = spool.Write("Tarvo/.cmd", "");
     EXPECT_STREQ(AddCmdToQue("one", 0), "");
     snprintf(pQueCmdResponse, 10, "answer");
-    EXPECT_EQ(AddCmdToQue("two", 1), pQueCmdResponse);
+    EXPECT_STREQ(AddCmdToQue("two", 1), "") << "an old answer is no answer";
     EXPECT_EQ(spy.slept, 1u);
     EXPECT_STREQ(ReadWhole(path).c_str(), "one\ntwo\n");
-    EXPECT_GE(fs::file_size(path), static_cast<size_t>(QUE_CMD_SIZE));
-    EXPECT_STREQ(pQueCmdResponse, "") << "an old answer is no answer";
     std::string fill(QUE_CMD_TEXT - 8 - 2, 'x');
     AddCmdToQue((fill + "y").c_str(), 0);
     EXPECT_STREQ(pQueCmd, "one\ntwo\n") << "no room: dropped";
-    AddCmdToQue(fill.c_str(), 0);
+    for (int i = 0; i < 2; i++) AddCmdToQue(fill.c_str(), 0);
     EXPECT_EQ(strlen(pQueCmd), QUE_CMD_TEXT - 1u);
-    AddCmdToQue("", 0);
-    EXPECT_EQ(strlen(pQueCmd), QUE_CMD_TEXT - 1u);
-    pSpoolRoot = saved;
 }
 
 // ---- Two processes

@@ -187,31 +187,26 @@ TEST(Screen, Sends) {
     screen.buffer = nullptr;
     const struct {
         const char *name, *text;
-        int height, wait;
+        int height;
         const char *want;
     } cases[] = {
-        {"short rows", "a\nbc", 0, 0, "********\n* a    *\n* bc   *\n********\n"},
-        {"a long one, a full one", "abcdef\nghij\nk", 0, 0,
+        {"short rows", "a\nbc", 0, "********\n* a    *\n* bc   *\n********\n"},
+        {"a long one, a full one", "abcdef\nghij\nk", 0,
          "********\n* abcd *\n* ef   *\n* ghij *\n* k    *\n********\n"},
-        {"cut at the height", "a\nb\nc", 2, 0, "********\n* a    *\n* b    *\n********\n"},
-        {"empty, waits", "", 5, 1, "********\n*      *\n* Pres *\n********\n"},
+        {"cut at the height", "a\nb\nc", 2, "********\n* a    *\n* b    *\n********\n"},
     };
-    std::string all;
     for (const auto &c : cases) {
         size_t start = caught.Out().size();
         screen.overlayHeight = c.height;
-        if (c.wait) continue;
         Overlay(&screen, c.text, 0);
         EXPECT_EQ(caught.Out().substr(start), c.want) << c.name;
     }
-    ChildEnd end = RunForked(
-        [&] {
-            char rest = 0;
-            Overlay(&screen, "", 1);
-            if (read(0, &rest, 1) == 1) putchar(rest);
-        },
-        "xy");
-    EXPECT_EQ(end.out, std::string(cases[3].want) + "y") << "one character is read";
+    auto ask = [&] {
+        char rest[2];
+        Overlay(&screen, "", 1);
+        printf("%s", Gets(rest, sizeof rest));
+    };
+    EXPECT_EQ(RunForked(ask, "xy").out, "********\n*      *\n* Pres *\n********\ny") << "reads one character";
 }
 
 TEST(Screen, BoxOnATerminal) {
@@ -413,30 +408,33 @@ TEST(PassPhrase, OnATerminal) {
     }
 }
 
-// Runs the prompt in a process group of its own in front, as a shell does: only such a process can be
-// stopped.
-static void RunAsJob() {
+// Runs the prompt in a process group of its own, as a shell does: only such a process can be stopped. One
+// that starts in the background is brought to the front when it has stopped.
+static void RunAsJob(bool flFront) {
     signal(SIGTTOU, SIG_IGN);
     pid_t job = fork();
     setpgid(job, job);
-    tcsetpgrp(0, job ? job : getpid());
+    if (flFront) tcsetpgrp(0, job ? job : getpid());
     if (job == 0) {
         signal(SIGTTOU, SIG_DFL);
         PrintPass("Phrase: ");
         fflush(stdout);
         _exit(0);
     }
-    printf("job %d\r\n", job);
+    printf("job %d\n", job);
     fflush(stdout);
     int status;
     while (waitpid(job, &status, WUNTRACED) == job && WIFSTOPPED(status)) {
         printf("[stopped]");
         fflush(stdout);
+        if (flFront) continue;
+        tcsetpgrp(0, job);
+        kill(job, SIGCONT);
     }
 }
 
 TEST(PassPhrase, Stopped) {
-    Pty pty(80, 24, RunAsJob);
+    Pty pty(80, 24, [] { RunAsJob(true); });
     ASSERT_TRUE(pty.Expect("job ") && pty.Expect("\n") && pty.Expect("Phrase: "));
     pid_t job = atoi(pty.said.c_str() + pty.said.find("job ") + 4);
     ASSERT_GT(job, 1);
@@ -452,6 +450,13 @@ TEST(PassPhrase, Stopped) {
     pty.Send("whole\n");
     EXPECT_TRUE(pty.Expect("<5 whole>")) << pty.said;
     EXPECT_EQ(pty.Wait(), 0);
+
+    Pty behind(80, 24, [] { RunAsJob(false); });
+    ASSERT_TRUE(behind.Expect("[stopped]") && behind.Expect("Phrase: ", 2)) << behind.said;
+    while (behind.Echoes()) usleep(1000);
+    behind.Send("x\n");
+    EXPECT_TRUE(behind.Expect("<1 x>")) << behind.said;
+    EXPECT_TRUE(behind.Echoes());
 }
 
 TEST(PassPhrase, Signals) {
