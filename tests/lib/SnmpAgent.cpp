@@ -58,8 +58,8 @@ std::string BerResponse(int id, const std::string &bindings, int errorStatus, in
                       BerInt(id) + BerInt(errorStatus) + BerInt(errorIndex) + BerElement(0x30, bindings));
 }
 
-// Cuts the next element off; its content, or the whole element.
-static std::string TakeElement(std::string &in, unsigned &tag, bool whole = false) {
+// Cuts the next element off; its content.
+static std::string TakeElement(std::string &in, unsigned &tag) {
     if (in.size() < 2) return "";
     tag = static_cast<uint8_t>(in[0]);
     size_t head = 2;
@@ -68,7 +68,7 @@ static std::string TakeElement(std::string &in, unsigned &tag, bool whole = fals
         size_t bytes = n & 0x7F;
         for (n = 0; head < 2 + bytes && head < in.size(); head++) n = n << 8 | static_cast<uint8_t>(in[head]);
     }
-    std::string out = whole ? in.substr(0, head + n) : in.substr(std::min(head, in.size()), n);
+    std::string out = in.substr(std::min(head, in.size()), n);
     in.erase(0, head + n);
     return out;
 }

@@ -20,52 +20,25 @@ static std::string Plain(std::string line) {
 
 TEST(MakeAddLine, EachTypeHasItsTail) {
     struct Case {
-        const char *name;
         QueTarget target;
         int printingModel;
         QueOptions options;
         const char *want;
     };
     static const Case Cases[] = {
-        {"host, defaults",
-         {QUEUE_PRINTER_HOST, "q1", "h", "lp"},
-         PM_HOST,
-         {1, 1, 1, 0},
-         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wp  -lpd -hn h -psqn lp -fe -bp -ui"},
-        {"host, default queue, nothing else",
-         {QUEUE_PRINTER_HOST, "q1", "h", "lp"},
-         PM_HOST,
-         {0, 0, 0, 1},
-         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wp -d -lpd -hn h -psqn lp   "},
-        {"server",
-         {QUEUE_SERVER, "q1", "SRV", "ps1"},
-         PM_SERVER,
-         {1, 0, 1, 0},
-         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wps  -lpd -hn SRV -psqn ps1 -fe  -ui"},
-        {"device",
-         {QUEUE_PRINTER_DEVICE, "q1", "/dev/lp0", "lp"},
-         PM_HOST,
-         {0, 1, 0, 0},
-         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm wp  -lpd -dn /dev/lp0 -psqn lp  -bp "},
-        {"server to host",
-         {QUEUE_SERVER_HOST, "q1", "h", "lp"},
-         PM_SERVER_PRINTER,
-         {1, 1, 1, 0},
-         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm psp  -lpd -hn h "},
-        {"server to device",
-         {QUEUE_SERVER_DEVICE, "q1", "/dev/lp0", "lp"},
-         PM_SERVER_PRINTER,
-         {1, 1, 1, 1},
-         "T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm psp -d -lpd -dn /dev/lp0"},
-    };
+        {{QUEUE_PRINTER_HOST, "q1", "h", "lp"}, PM_HOST, {1, 1, 1, 0}, "wp  -lpd -hn h -psqn lp -fe -bp -ui"},
+        {{QUEUE_PRINTER_HOST, "q1", "h", "lp"}, PM_HOST, {0, 0, 0, 1}, "wp -d -lpd -hn h -psqn lp   "},
+        {{QUEUE_SERVER, "q1", "SRV", "ps1"}, PM_SERVER, {1, 0, 1, 0}, "wps  -lpd -hn SRV -psqn ps1 -fe  -ui"},
+        {{QUEUE_PRINTER_DEVICE, "q1", "/l", "lp"}, PM_HOST, {0, 1, 0, 0}, "wp  -lpd -dn /l -psqn lp  -bp "},
+        {{QUEUE_SERVER_HOST, "q1", "h", "lp"}, PM_SERVER_PRINTER, {1, 1, 1, 0}, "psp  -lpd -hn h "},
+        {{QUEUE_SERVER_DEVICE, "q1", "/l", "lp"}, PM_SERVER_PRINTER, {1, 1, 1, 1}, "psp -d -lpd -dn /l"}};
     AppTool tool;
     for (const Case &c : Cases) {
-        tool.Write(".settings", "x"); // named in every line, there or not
-        EXPECT_EQ(Plain(MakeAddLine(c.target, "M.ppd", c.printingModel, c.options)), c.want) << c.name;
+        std::string want = std::string("T/prnqtool q1 -log prndeck -fs .settings -ppd M.ppd -pm ") + c.want;
+        EXPECT_EQ(Plain(MakeAddLine(c.target, "M.ppd", c.printingModel, c.options)), want);
         tool.Write(BannerFile, "x");
-        EXPECT_EQ(Plain(MakeAddLine(c.target, "M.ppd", c.printingModel, c.options)),
-                  c.want + std::string(" -bps .bsettings"))
-            << c.name;
+        want += " -bps .bsettings";
+        EXPECT_EQ(Plain(MakeAddLine(c.target, "M.ppd", c.printingModel, c.options)), want);
         DeleteFile(pToolPath, BannerFile);
     }
 }
@@ -90,29 +63,12 @@ TEST(MakeModifyLine, OptionsInTheirOrder) {
 
 TEST(QueLines, TheOthers) {
     AppTool tool;
-    EXPECT_EQ(Plain(MakeCopyLine({QUEUE_PRINTER_HOST, "new", "h", "lp"}, "old", PM_HOST)),
-              "T/prnqtool new -log prndeck -cl old -pm wp -hn h -psqn lp");
-    EXPECT_EQ(Plain(MakeCopyLine({QUEUE_SERVER_DEVICE, "new", "/dev/lp1", "raw"}, "old", PM_SERVER_PRINTER)),
-              "T/prnqtool new -log prndeck -cl old -pm psp -dn /dev/lp1 -psqn raw");
     EXPECT_EQ(Plain(MakeCopyLine({QUEUE_SERVER, "new", "srv", "ps1"}, "old", 7)),
               "T/prnqtool new -log prndeck -cl old -pm wp -hn srv -psqn ps1");
-    EXPECT_EQ(Plain(MakeDeleteLine("q1")), "T/prnqtool q1 -x -log prndeck");
     EXPECT_EQ(Plain(MakeDeleteListLine(" q1  q;2 ")), "T/prnqtool -log prndeck -xl q1 'q;2'");
     EXPECT_EQ(Plain(MakeDeleteAllLine()), "T/prnqtool -log prndeck -x all");
-    EXPECT_EQ(Plain(MakeDefaultBannerLine(1)), "T/prnqtool -dbps .bsettings");
-    EXPECT_EQ(Plain(MakeDefaultBannerLine(0)), "T/prnqtool -xdbps");
     EXPECT_EQ(Plain(MakeFeatureLine("M.ppd", 0)), "T/prnpnxxtty -tty  -GST/ppd/M.ppd");
     EXPECT_EQ(Plain(MakeFeatureLine("M.ppd", 1)), "T/prnpnxxtty -tty -SBP -GST/ppd/M.ppd");
-}
-
-TEST(QueLines, TypesOfTheChoices) {
-    EXPECT_EQ(GetQueueType(PM_HOST, CONNECTION_TCP), QUEUE_PRINTER_HOST);
-    EXPECT_EQ(GetQueueType(PM_HOST, CONNECTION_DEVICE), QUEUE_PRINTER_DEVICE);
-    EXPECT_EQ(GetQueueType(PM_SERVER, CONNECTION_TCP), QUEUE_SERVER);
-    EXPECT_EQ(GetQueueType(PM_SERVER, CONNECTION_DEVICE), QUEUE_SERVER);
-    EXPECT_EQ(GetQueueType(PM_SERVER_PRINTER, CONNECTION_TCP), QUEUE_SERVER_HOST);
-    EXPECT_EQ(GetQueueType(PM_SERVER_PRINTER, CONNECTION_DEVICE), QUEUE_SERVER_DEVICE);
-    EXPECT_EQ(GetQueueType(-1, CONNECTION_TCP), QUEUE_PRINTER_HOST);
 }
 
 // The real shell runs a stand-in for prnqtool that notes its arguments, one between two line feeds each.

@@ -15,33 +15,19 @@
 #include <cerrno>
 #include <cstring>
 #include <gtest/gtest.h>
-
-static std::string Take(char *text) {
-    std::string copy = text ? text : "(null)";
-    PutMem(text);
-    return copy;
-}
+#include <tuple>
 
 TEST(FormatQueList, BreaksInFrontOfTheWidth) {
-    struct Case {
-        const char *name, *list;
-        int width;
-        const char *want;
-        int count;
-    };
-    static const Case Cases[] = {
-        {"none", nullptr, 10, "H\n", 0},
-        {"one", ",q1", 10, "H\n q1", 1},
-        {"closing comma", ",q1,q2,", 80, "H\n q1 q2", 2},
-        {"column and length reach the width", ",abcd,abcde", 10, "H\n abcd\n abcde", 2},
-        {"one less stays", ",abcd,abcd", 10, "H\n abcd abcd", 2},
-        {"column restarts behind the name", ",abcd,abcde,abc,ab", 10, "H\n abcd\n abcde abc\n ab", 4},
-        {"longer than the width", ",abcdefghijkl,a", 10, "H\n\n abcdefghijkl\n a", 2},
-    };
-    for (const Case &c : Cases) {
+    const std::tuple<const char *, const char *, int> cases[] = {
+        {nullptr, "H\n", 0},
+        {",q1,q2,", "H\n q1 q2", 2},
+        {",abcd,abcd", "H\n abcd abcd", 2},
+        {",abcd,abcde,abc,ab", "H\n abcd\n abcde abc\n ab", 4}, // the column restarts behind the name
+        {",abcdefghijkl,a", "H\n\n abcdefghijkl\n a", 2}};
+    for (auto [list, want, names] : cases) {
         int count = -1;
-        EXPECT_EQ(Take(FormatQueList(c.list, "H\n", c.width, &count)), c.want) << c.name;
-        EXPECT_EQ(count, c.count) << c.name;
+        EXPECT_EQ(TakeText(FormatQueList(list, "H\n", 10, &count)), want);
+        EXPECT_EQ(count, names) << want;
     }
 }
 
@@ -82,7 +68,8 @@ protected:
                 spy.error = error;
                 spy.answers = {{"-LQ", "q1\nq3\nq10\n"}};
                 MPS_tty.settings = nullptr;
-                ReadLists();
+                pQueList = nullptr;
+                InitMainMenu(&MainMenu);
                 flow();
                 fprintf(stderr, "%s", pQueList ? "" : "[lists dropped]\n");
                 for (std::string line : spy.lines) fprintf(stderr, "%s\n", Plain(line).c_str());
@@ -90,10 +77,6 @@ protected:
                 _exit(0); // nothing of the test's own runs twice
             },
             input);
-    }
-    static void ReadLists() {
-        pQueList = nullptr;
-        InitMainMenu(&MainMenu);
     }
     static std::string Plain(std::string line) {
         for (size_t at; (at = line.find(pToolPath)) != line.npos;) line.replace(at, strlen(pToolPath), "T");
@@ -107,11 +90,6 @@ protected:
         InitMenu(&AddPrinterMenu);
         SetText(AddPrinterMenu, ADD_NAME, "new");
         SetText(AddPrinterMenu, ADD_HOST, "h");
-    }
-    static std::string States(const TextMenu &menu) {
-        std::string text;
-        for (int i = 0; menu.items[i].text; i++) text += static_cast<char>('0' + menu.items[i].state);
-        return text;
     }
     AppTool tool;
     int result = 0, error = 0;
@@ -140,65 +118,33 @@ TEST_F(Flow, FailedStopOfThePrintSystem) {
               "/bin/sh -c \"/opt/lpsched  \n");
 }
 
-TEST_F(Flow, AddStartsAnewEachTime) {
-    tool.Write(SettingsFile, "x");
-    tool.Write(BannerFile, "x");
-    ChildEnd end = Run([] {
-        for (int item : {ADD_CONNECTION, ADD_HOST, ADD_INTERFACE, ADD_BANNER, ADD_SETUP, ADD_BANNER_SETUP})
-            AddPrinterMenuItems[item].state = STATE_HIDDEN; // as an earlier visit may have left them
-        StartAdd();
-        fprintf(stderr, "%s\n", States(AddPrinterMenu).c_str());
-    });
-    EXPECT_EQ(end.err, "000002220000000000\n"
-                       "/bin/sh -c \"/bin/rm -f T/.settings\n"
-                       "/bin/sh -c \"/bin/rm -f T/.bsettings\n");
+// The banner's state and value, then the states of the two setup items.
+static void ShowBannerItems() {
+    const TextMenuItem *items = AddPrinterMenuItems;
+    fprintf(stderr, "%i%li%i%i ", items[ADD_BANNER].state, static_cast<long>(items[ADD_BANNER].value.i),
+            items[ADD_SETUP].state, items[ADD_BANNER_SETUP].state);
 }
 
-TEST_F(Flow, ModelDecidesOnTheBanner) {
+TEST_F(Flow, ModelAndQueueTypeDecideOnTheBanner) {
     tool.WriteDb("en_US/PrtString", {{"DisableCustomBanner", ",b,"},
                                      {"DefaultCustomBannerOff", ",a"},
+                                     {"W2PSDisableCustomBanner", ",a"},
                                      {"tv_generic", ".sppditem v4DriverPluginFilename\n\n.eppditem\n"}});
     ChildEnd end = Run([] {
         StartAdd();
         for (int model = 0; model < 3; model++) {
             AddPrinterMenuItems[ADD_MODEL].value.i = model;
             PrinterModelChangeCB(&AddPrinterMenu, &AddPrinterMenuItems[ADD_MODEL]);
-            fprintf(stderr, "%i %li %i %i|", AddPrinterMenuItems[ADD_BANNER].state,
-                    static_cast<long>(AddPrinterMenuItems[ADD_BANNER].value.i),
-                    AddPrinterMenuItems[ADD_SETUP].state, AddPrinterMenuItems[ADD_BANNER_SETUP].state);
+            ShowBannerItems();
         }
-    });
-    // The banner's state and value, then the states of the two setup items.
-    EXPECT_EQ(end.err, "0 0 0 0|2 0 0 0|0 1 2 2|");
-}
-
-TEST_F(Flow, PrintingModelDecidesOnTheAddress) {
-    ChildEnd end = Run([] {
-        StartAdd();
-        for (int model : {PM_SERVER, PM_HOST}) {
-            AddPrinterMenuItems[ADD_PRINTING_MODEL].value.i = model;
+        AddPrinterMenuItems[ADD_MODEL].value.i = 0;
+        for (int type : {QUEUE_PRINTER_HOST, QUEUE_PRINTER_DEVICE}) {
+            MPS_tty.type = type; // of the queue last modified or copied
             PrintingModelChangeCB(&AddPrinterMenu, nullptr);
-            fprintf(stderr, "%s\n", States(AddPrinterMenu).substr(0, 8).c_str());
-        }
-        AddPrinterMenuItems[ADD_CONNECTION].value.i = CONNECTION_DEVICE; // the choice that was made before
-        PrintingModelChangeCB(&AddPrinterMenu, nullptr);
-        fprintf(stderr, "%s\n", States(AddPrinterMenu).substr(0, 8).c_str());
-    });
-    EXPECT_EQ(end.err, "00022200\n00000222\n00002022\n");
-}
-
-TEST_F(Flow, PrintingModelAsksTheListOfTheLastQueuesType) {
-    tool.WriteDb("en_US/PrtString", {{"DisableCustomBanner", ",b"}, {"W2PSDisableCustomBanner", ",a"}});
-    ChildEnd end = Run([] {
-        StartAdd();
-        for (int type : {QUEUE_PRINTER_HOST, QUEUE_SERVER, QUEUE_PRINTER_DEVICE, QUEUE_SERVER_DEVICE}) {
-            MPS_tty.type = type;
-            PrintingModelChangeCB(&AddPrinterMenu, nullptr);
-            fprintf(stderr, "%i%li ", AddPrinterMenuItems[ADD_BANNER].state,
-                    static_cast<long>(AddPrinterMenuItems[ADD_BANNER].value.i));
+            ShowBannerItems();
         }
     });
-    EXPECT_EQ(end.err, "20 20 01 01 ");
+    EXPECT_EQ(end.err, "0000 2000 0122 2022 0122 ");
 }
 
 // ---- Modify
@@ -212,40 +158,31 @@ static std::string Labels() {
 }
 
 TEST_F(Flow, ModifyShowsTheQueue) {
-    struct Case {
-        const char *fields, *count, *want; // the catalogue is absent: lead-ins are keys
-    };
-    static const Case Cases[] = {
-        {"q h lp b.ppd 0 0 0 0 0 0", "h ps1", "25_55workstation to printer|25_56TCP/IP|25_67h|25_58h|"},
-        {"q h lp b.ppd 0 0 0 0 0 1", "h ps1",
-         "25_55workstation to printer|25_56TCP/IP|25_57h using ps1|25_58h|"},
-        {"q h lp b.ppd 1 0 0 0 0 0", "h ps1",
-         "25_55workstation to print server|25_56TCP/IP|25_57h using ps1|25_58h|"},
-        {"q h lp b.ppd 3 0 0 0 0 0", "", "25_55workstation to printer|25_56TCP/IP|25_58h|"},
-        {"q h lp b.ppd 2 0 0 0 0 0", "", "25_55workstation to printer|25_56local device|25_67h|"},
-        {"q h lp b.ppd 4 0 0 0 0 1", "", "25_55workstation to printer|25_56local device|25_58h|"},
-        {"q h lp b.ppd 4 0 0 0 0 0", "/dev/x",
-         "25_55workstation to printer|25_56local device|25_67/dev/x|25_58h|"},
-    };
-    for (const Case &c : Cases) {
-        tool.WriteDb("que", {{"q", QueData(c.fields)}, {"h count", CountData(c.count)}});
+    const std::string printer = "25_55workstation to printer|", tcp = printer + "25_56TCP/IP|",
+                      device = printer + "25_56local device|"; // the catalogue is absent: lead-ins are keys
+    const std::tuple<const char *, const char *, std::string> cases[] = {
+        // fields, count record, labels
+        {"0 0 0 0 0 0", "h ps1", tcp + "25_67h|25_58h|"},
+        {"0 0 0 0 0 1", "h ps1", tcp + "25_57h using ps1|25_58h|"},
+        {"1 0 0 0 0 0", "h ps1", "25_55workstation to print server|25_56TCP/IP|25_57h using ps1|25_58h|"},
+        {"3 0 0 0 0 0", "", tcp + "25_58h|"},
+        {"2 0 0 0 0 0", "", device + "25_67h|"},
+        {"4 0 0 0 0 1", "", device + "25_58h|"},
+        {"4 0 0 0 0 0", "/dev/x", device + "25_67/dev/x|25_58h|"}};
+    for (const auto &[fields, count, want] : cases) {
+        tool.WriteDb("que",
+                     {{"q", QueData(std::string("q h lp b.ppd ") + fields)}, {"h count", CountData(count)}});
         SetQueSettingsTty("q");
-        EXPECT_EQ(Labels(), std::string("25_53q|25_54Model b|") + c.want) << c.fields << " " << c.count;
+        EXPECT_EQ(Labels(), "25_53q|25_54Model b|" + want) << fields << " " << count;
     }
     tool.WriteDb("que", {{"q", QueData("q h lp gone.ppd 0 7 0 255 0 0")}, {" default", "q"}});
     SetQueSettingsTty("q");
-    EXPECT_EQ(PrinterModelTty, 0);
     EXPECT_EQ(Labels().find("25_53q|25_54Model a|"), 0u); // no position counts as the first model
-    EXPECT_EQ(ModifyQueMenuItems[MOD_BANNER].initial.i, 1);
-    EXPECT_EQ(ModifyQueMenuItems[MOD_INTERFACE].initial.i, 0);
-    EXPECT_EQ(ModifyQueMenuItems[MOD_FEATURES].initial.i, 1);
-    EXPECT_EQ(ModifyQueMenuItems[MOD_DEFAULT].initial.i, 1);
+    const int initial[] = {MOD_BANNER, MOD_FEATURES, MOD_DEFAULT, MOD_INTERFACE};
+    for (int item : initial) EXPECT_EQ(ModifyQueMenuItems[item].initial.i, item != MOD_INTERFACE) << item;
 }
 
 TEST_F(Flow, ModifyWritesTheSettingsAsTheyStand) {
-    SetQueSettingsTty("q1");
-    EXPECT_EQ(ReadWhole(tool.Path(SettingsFile)), "100% \"x\"\nend");
-    EXPECT_EQ(MPS_tty.settings, nullptr);
     std::string large(60000, '%');
     tool.WriteDb("que",
                  {{"q", QueData("q h lp b.ppd 0 0 0 0 0 0")}, {"q **", large}, {std::string(400, 'k'), "x"}});
@@ -256,18 +193,15 @@ TEST_F(Flow, ModifyWritesTheSettingsAsTheyStand) {
 // ---- Copy
 
 TEST_F(Flow, CopyOfEachType) {
-    struct Case {
-        int type;
-        const char *defaults, *line;
-    };
-    static const Case Cases[] = {
-        {0, "0 0 srv||ps1", "-pm wp -hn srv -psqn raw"},  {1, "1 0 srv||ps1", "-pm wps -hn srv -psqn ps1"},
-        {2, "0 1 |srv|ps1", "-pm wp -dn srv -psqn raw"},  {3, "2 0 srv||ps1", "-pm psp -hn srv -psqn raw"},
-        {4, "2 1 |srv|ps1", "-pm psp -dn srv -psqn raw"},
-    };
+    const std::pair<const char *, const char *> cases[] = {// defaults of the menu, options of the line
+                                                           {"0 0 srv||ps1", "-pm wp -hn srv -psqn raw"},
+                                                           {"1 0 srv||ps1", "-pm wps -hn srv -psqn ps1"},
+                                                           {"0 1 |srv|ps1", "-pm wp -dn srv -psqn raw"},
+                                                           {"2 0 srv||ps1", "-pm psp -hn srv -psqn raw"},
+                                                           {"2 1 |srv|ps1", "-pm psp -dn srv -psqn raw"}};
     tool.WriteDb("en_US/PrtString", {{"b", ".sppditem LprQue\nraw\n.eppditem\n"}});
-    for (const Case &c : Cases) {
-        tool.WriteDb("que", {{"q1", QueData("q1 h x b.ppd " + std::to_string(c.type))},
+    for (int type = 0; type < 5; type++) {
+        tool.WriteDb("que", {{"q1", QueData("q1 h x b.ppd " + std::to_string(type))},
                              {"h count", CountData("srv ps1")}});
         ChildEnd end = Run([&] {
             GetQueDbEntry(&MPS_tty, "q1");
@@ -282,91 +216,46 @@ TEST_F(Flow, CopyOfEachType) {
             SetText(CloneQueMenu, COPY_NAME, "new");
             Report(ApplyCQSettingsTty(&CloneQueMenu, nullptr));
         });
-        EXPECT_EQ(end.err, std::string("25_91Model b ") + c.defaults +
-                               "\n=0 [lists dropped]\nT/prnqtool new -log prndeck -cl q1 " + c.line + "\n");
+        EXPECT_EQ(end.err, std::string("25_91Model b ") + cases[type].first +
+                               "\n=0 [lists dropped]\nT/prnqtool new -log prndeck -cl q1 " +
+                               cases[type].second + "\n");
     }
 }
 
 TEST_F(Flow, CopyRefusesWhatIsMissing) {
-    struct Case {
-        const char *name, *host, *device, *printer;
-        int printingModel, connection;
-        const char *want;
-    };
-    static const Case Cases[] = {
-        {"no host", "", "d", "p", PM_HOST, CONNECTION_TCP, "20_126Error"},
-        {"no device", "h", "", "p", PM_HOST, CONNECTION_DEVICE, "20_126Error"},
-        {"unknown host", "nohost", "", "", PM_SERVER_PRINTER, CONNECTION_TCP, "Unknown hostname nohostError"},
-        {"neither of the server's names", "", "", "", PM_SERVER, CONNECTION_TCP, "20_126Error20_129Error"},
-    };
-    for (const Case &c : Cases) {
-        ChildEnd end = Run(
-            [&] {
-                GetQueDbEntry(&MPS_tty, "q1");
-                SetText(CloneQueMenu, COPY_NAME, "new");
-                SetText(CloneQueMenu, COPY_HOST, c.host);
-                SetText(CloneQueMenu, COPY_DEVICE, c.device);
-                SetText(CloneQueMenu, COPY_SERVER_PRINTER, c.printer);
-                CloneQueMenuItems[COPY_PRINTING_MODEL].value.i = c.printingModel;
-                CloneQueMenuItems[COPY_CONNECTION].value.i = c.connection;
-                Report(ApplyCQSettingsTty(&CloneQueMenu, nullptr));
-            },
-            "\n\n");
-        EXPECT_EQ(end.out, c.want) << c.name;
-        EXPECT_EQ(end.err, "=1 ") << c.name;
+    const std::tuple<const char *, const char *, int, int, const char *> cases[] = {
+        {"", "d", PM_HOST, CONNECTION_TCP, "20_126Error"},
+        {"h", "", PM_HOST, CONNECTION_DEVICE, "20_126Error"},
+        {"nohost", "", PM_SERVER_PRINTER, CONNECTION_TCP, "Unknown hostname nohostError"},
+        {"", "", PM_SERVER, CONNECTION_TCP, "20_126Error20_129Error"}}; // the queue of the server too
+    for (auto [host, device, printingModel, connection, want] : cases) {
+        MPS_tty.settings = nullptr;
+        SetText(CloneQueMenu, COPY_NAME, "new");
+        SetText(CloneQueMenu, COPY_HOST, host);
+        SetText(CloneQueMenu, COPY_DEVICE, device);
+        CloneQueMenuItems[COPY_PRINTING_MODEL].value.i = printingModel;
+        CloneQueMenuItems[COPY_CONNECTION].value.i = connection;
+        ChildEnd end = Run([] { Report(ApplyCQSettingsTty(&CloneQueMenu, nullptr)); }, "\n\n");
+        EXPECT_EQ(end.out, want);
+        EXPECT_EQ(end.err, "=1 ") << want;
     }
+    FreeMenu(&CloneQueMenu);
 }
 
 // ---- Delete
 
 TEST_F(Flow, DeleteRunsALineForEachName) {
-    struct Case {
-        const char *name, *input, *want;
-    };
     // The catalogue is absent, so the headings are keys without a line feed.
-    static const Case Cases[] = {
-        {"one", "q1\ny\n", "T/prnqtool q1 -x -log prndeck\n"},
+    const std::tuple<const char *, const char *, const char *> cases[] = {
         {"refused", "q1\nn\n", ""},
         {"no answer", "\n", ""},
         {"end of input", "", ""},
         {"end at the question", "q1\n", ""},
-        {"commas, blanks and tabs", "q1, q3\tq10\ny\n",
+        {"commas, blanks, tabs and an unknown name", "q1, zz q3\tq10\ny\n\n",
          "T/prnqtool q1 -x -log prndeck\nT/prnqtool q3 -x -log prndeck\nT/prnqtool q10 -x -log prndeck\n"},
-        {"unknown between known", "q1 zz q3\ny\n\n",
-         "T/prnqtool q1 -x -log prndeck\nT/prnqtool q3 -x -log prndeck\n"},
         {"part of a name runs", "q\ny\n", "T/prnqtool q -x -log prndeck\n"},
-        {"shell words", "$(id) `id` ;id\ny\n\n\n\n", ""},
+        {"shell words", "$(id) `id` %n ;id\ny\n\n\n\n\n", ""},
     };
-    for (const Case &c : Cases) {
-        ChildEnd end = Run([] { RemoveExistingPrinter(&MainMenu, nullptr); }, c.input);
-        EXPECT_EQ(end.err, c.want) << c.name;
-    }
-    ChildEnd end = Run([] { RemoveExistingPrinter(&MainMenu, nullptr); }, "zz %n\ny\n\n\n");
-    EXPECT_NE(end.out.find("\"zz\" is not an existing queue.Error\"%n\" is not an existing queue."),
-              std::string::npos)
-        << end.out;
-}
-
-// ---- Main menu
-
-TEST_F(Flow, ListsOfAHostWithoutQueues) {
-    SystemSpy spy;
-    pQueList = nullptr;
-    InitMainMenu(&MainMenu);
-    EXPECT_EQ(spy.asked.size(), 1u); // the second list isn't asked for
-    EXPECT_EQ(pQueList, nullptr);
-    EXPECT_STREQ(MainMenuItems[MAIN_QUEUES].text, "25_33");
-    EXPECT_EQ(pExistingTarvoPrinterList, nullptr);
-    EXPECT_EQ(ExistingPrinterCnt + ExistingTarvoPrinterCnt, 0);
-
-    spy.answers = {{"-LQ", "x\nq3\nq1\n"}};
-    InitMainMenu(&MainMenu);
-    InitMainMenu(&MainMenu); // has its lists
-    EXPECT_EQ(spy.asked.size(), 3u);
-    EXPECT_STREQ(MainMenuItems[MAIN_QUEUES].text, "25_33 q1 q3 x");
-    EXPECT_STREQ(pTarvoQueList, ",q1,q3");
-    EXPECT_STREQ(pExistingTarvoPrinterList, "25_34 q1 q3");
-    EXPECT_EQ(ExistingPrinterCnt, 3);
-    EXPECT_EQ(ExistingTarvoPrinterCnt, 2);
-    EXPECT_STREQ(MainMenu.title, "25_1 4.50.29");
+    for (auto [name, input, want] : cases)
+        EXPECT_EQ(Run([] { RemoveExistingPrinter(&MainMenu, nullptr); }, input).err, want) << name;
 }

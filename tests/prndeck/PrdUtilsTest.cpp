@@ -59,13 +59,3 @@ TEST(LoadModels, SortedAndInStep) {
     LoadModels();
     EXPECT_EQ(Models(), " A.ppd b.ppd |B\\, 100% \\\\ B"); // one entry, whatever the name holds
 }
-
-TEST(LoadModels, NoPpdFileEndsTheRun) {
-    AppTool tool;
-    for (int step = 0; step < 2; step++) {
-        ChildEnd end = RunForked(LoadModels);
-        EXPECT_EQ(end.status, 0);
-        EXPECT_EQ(end.err, "ERROR: \nUnable to locate ppd files ppd/* \n\n");
-        tool.Write("ppd/readme.txt", "");
-    }
-}

@@ -56,12 +56,10 @@ class Start(unittest.TestCase):
         shutil.rmtree(self.tool.path / "ppd")
         for words in ([], ["-tty"]):
             self.assertEqual(self.tool.run(*words), (0, "", NO_PPD))
+        self.assertEqual(self.tool.run("-tty", cwd="/"), (0, "", NO_PPD))
         (self.tool.path / "ppd").mkdir()
         self.tool.write("ppd/x.txt", "")
         self.assertEqual(self.tool.run("-tty"), (0, "", NO_PPD))
-
-    def test_current_directory_without_models(self):
-        self.assertEqual(self.tool.run("-tty", cwd="/"), (0, "", NO_PPD))
 
     @unittest.skipUnless(ROOT and shutil.which("setpriv"), "needs root and setpriv")
     def test_not_root(self):
@@ -91,13 +89,6 @@ class Start(unittest.TestCase):
         status, out, err = self.tool.run("-tty", script=script)
         self.assertEqual((status, err), (0, ""))
         self.assertEqual(out.count(MENU % ""), script.count("\n"))
-
-    @unittest.skipUnless(ROOT, "needs root")
-    def test_end_of_input(self):
-        for prefix in (), ("sh", "-c", 'exec "$0" "$@" <&-'):
-            status, out, err = self.tool.run("-tty", prefix=prefix)
-            self.assertEqual((status, err), (1, INPUT_END), prefix)
-            self.assertEqual(out.count("\f"), 1)
 
     @unittest.skipUnless(ROOT, "needs root")
     def test_environment_of_the_siblings(self):
