@@ -1,6 +1,8 @@
 // Rules for queue values, the device URI, banner titles and the options that a PPD file offers.
 #include "siblings/lib/Queue.h"
 
+#include "siblings/lib/Ppd.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdlib>
@@ -160,13 +162,6 @@ std::string QueueUri(const Queue &queue) {
     return "socket://" + name + ":" + (port.empty() ? "9100" : port);
 }
 
-// The next line of a text, which loses it.
-static std::string_view CutLine(std::string_view &text) {
-    std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(text.size(), line.size() + 1));
-    return line.ends_with('\r') ? line.substr(0, line.size() - 1) : line;
-}
-
 Titles ReadTitles(std::string_view banner) {
     Titles titles;
     while (!banner.empty()) {
@@ -187,27 +182,13 @@ bool HasTitle(std::string_view banner) {
     return std::any_of(titles.begin(), titles.end(), [](const Title &title) { return !title.text.empty(); });
 }
 
-// True if a line of the text starts with lead and goes on with one of the ends.
-static bool HasPpdLine(std::string_view text, const std::string &lead, std::string_view ends) {
-    while (!text.empty()) {
-        std::string_view line = CutLine(text);
-        if (line.starts_with(lead) && line.size() > lead.size() && ends.find(line[lead.size()]) != ends.npos)
-            return true;
-    }
-    return false;
-}
-
 std::vector<std::string> OfferedSettings(std::string_view settings, std::string_view ppdText) {
+    Ppd ppd;
+    ReadPpdText(ppdText, ppd);
     std::vector<std::string> offered;
     while (!settings.empty()) {
-        std::string_view line = CutLine(settings);
-        size_t equal = line.find('=');
-        if (equal == line.npos || equal == 0 || !HasOnly(line.substr(0, equal), "_-.")) continue;
-        std::string option(line.substr(0, equal)), value(line.substr(equal + 1));
-        if (value.empty() || !HasOnly(value, "_-.+")) continue;
-        bool flOffered = HasPpdLine(ppdText, "*OpenUI *" + option, "/: ") ||
-                         HasPpdLine(ppdText, "*JCLOpenUI *" + option, "/: ");
-        if (flOffered && HasPpdLine(ppdText, "*" + option + " " + value, "/:")) offered.emplace_back(line);
+        std::string line(CutLine(settings));
+        if (ppd.offered.contains(line)) offered.push_back(line);
     }
     return offered;
 }

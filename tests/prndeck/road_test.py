@@ -97,6 +97,21 @@ class OnScheduler(Road):
         self.printer = self.enterContext(FakeLpd(self.tool + "/got", 515, ADDRESS))
         self.road()
 
+    def duplex(self):
+        return re.findall(r"\*DefaultDuplex: (\w+)", self.cups.ppd("first"))
+
+    def test_features(self):
+        """Features chosen in the dialogue are the queue's, on the host and in the next dialogue."""
+        self.start()
+        self.agree(self.add("first", ("12", MENU), ("6 2", MENU), ("11", MENU)), "first")
+        self.assertEqual(self.duplex(), ["DuplexNoTumble"])
+        self.do(("2", "modify: "), ("first", MENU), ("4", MENU), ("6 3", MENU), ("11", MENU), ("7", MENU))
+        self.assertEqual(self.term.output.count("[2. Long Edge]"), 2)
+        self.assertEqual(self.duplex(), ["DuplexTumble"])
+        self.assertIn(b"Duplex=DuplexTumble\n", self.records()["first **"])
+        self.term.line("6")
+        self.assertEqual(self.term.end(), 0)
+
     def test_a_scheduler_that_is_gone_changes_nothing(self):
         self.start()
         self.add("kept")

@@ -1,0 +1,227 @@
+// The menu of a model's options, made from its PPD file at run time.
+#include "siblings/prnpnxxtty/Dialogue.h"
+
+#include "common/NlsUtils.h"
+#include "common/TextMenu.h"
+#include "common/utils.h"
+#include "siblings/prnpnxxtty/Settings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <deque>
+
+enum { // texts of set 26
+    FEATURE_SET = 26,
+    TXT_TITLE = 1,
+    TXT_APPLY = 2,
+    TXT_CANCEL = 3,
+    TXT_LIST = 4,
+    TXT_UNSET = 5,
+    TXT_LIST_WHICH = 6,
+    TXT_NO_OPTIONS = 7,
+    TXT_BROKEN = 8,
+    TXT_MORE_BROKEN = 9,
+    TXT_ALL_THE_SAME = 10,
+};
+// An item with label and choice stays in one line of the terminal; the list has room for more.
+enum { LABEL_MAX = 36, CHOICE_MAX = 29, LISTED_MAX = 70, MODEL_MAX = 60, BROKEN_MAX = 4, LIST_PAGE = 20 };
+
+struct Dialogue {
+    Ppd &ppd;
+    const std::string &text; // the settings before
+    const std::string &path;
+    std::deque<std::string> texts; // of the items, which keep their addresses
+    std::vector<TextMenuItem> items;
+    std::string title;
+    TextMenu menu;
+};
+
+static Dialogue *pDialogue; // the one that runs, for the callbacks; writer: RunDialogue
+
+static std::string FeatureText(int number) {
+    return NlsText(pDrvCoreDB, FEATURE_SET, number);
+}
+
+// ---- Texts of the file, as they may be shown
+
+// Neither control characters, which could drive the terminal, nor what the menu's lists and labels would
+// read: commas, backslashes and a tilde in front. Other characters beyond ASCII show as one question mark
+// each.
+static std::string CleanText(const std::string &text, size_t limit) {
+    std::string clean;
+    for (char ch : text) {
+        unsigned char byte = static_cast<unsigned char>(ch);
+        bool flGoesOn = byte >= 0x80 && byte < 0xC0 && clean.ends_with('?');
+        if (flGoesOn) continue;
+        clean += byte >= 0x80                ? '?'
+                 : byte < ' ' || byte == 127 ? ' '
+                 : ch == ','                 ? ';'
+                 : ch == '\\'                ? '/'
+                                             : ch;
+    }
+    clean.erase(0, std::min(clean.size(), clean.find_first_not_of(' ')));
+    clean.resize(std::min(clean.size(), limit));
+    clean.erase(clean.find_last_not_of(' ') + 1);
+    if (clean.starts_with('~')) clean[0] = '-';
+    return clean;
+}
+
+static std::string ShownText(const std::string &text, const std::string &name, size_t limit) {
+    std::string clean = CleanText(text, limit);
+    return clean.empty() ? CleanText(name, limit) : clean;
+}
+
+static std::string OptionText(const PpdOption &option) {
+    return ShownText(option.text, option.name, LABEL_MAX);
+}
+
+static std::string ChoiceText(const PpdChoice &choice, size_t limit) {
+    return ShownText(choice.text, choice.name, limit);
+}
+
+// ---- Choices that don't go together
+
+static std::string ChosenText(const PpdOption &option) {
+    return ChoiceText(option.choices[static_cast<size_t>(option.chosen)], CHOICE_MAX);
+}
+
+static std::string RuleText(const Ppd &ppd, const PpdRule &rule) {
+    const PpdOption &left = ppd.options[rule.left.option], &right = ppd.options[rule.right.option];
+    return NlsFmt(FeatureText(TXT_BROKEN).c_str(), "ssss", OptionText(left).c_str(), ChosenText(left).c_str(),
+                  OptionText(right).c_str(), ChosenText(right).c_str());
+}
+
+static std::string BrokenText(const Ppd &ppd) {
+    size_t count;
+    std::string text;
+    for (const PpdRule *rule : BrokenRules(ppd, BROKEN_MAX, count)) text += "\n" + RuleText(ppd, *rule);
+    if (count > BROKEN_MAX)
+        text +=
+            "\n" + NlsFmt(FeatureText(TXT_MORE_BROKEN).c_str(), "i", static_cast<int>(count) - BROKEN_MAX);
+    return text;
+}
+
+// What is broken stands below the title, where a change of it moves no item.
+static void MakeTitle(Dialogue &dialogue) {
+    std::string model = CleanText(dialogue.ppd.model, MODEL_MAX), broken = BrokenText(dialogue.ppd);
+    dialogue.title = NlsFmt(FeatureText(TXT_TITLE).c_str(), "s", model.c_str());
+    if (!broken.empty()) dialogue.title += "\n" + broken;
+    dialogue.menu.title = dialogue.title.c_str();
+}
+
+// ---- Callbacks
+
+// An option that is at nothing offers that as its first choice, so that it can stay there.
+static bool HasUnset(const TextMenuItem &item) {
+    const PpdOption *option = static_cast<const PpdOption *>(item.link);
+    return static_cast<size_t>(item.count) > option->choices.size();
+}
+
+static int ChangeOption(TextMenu *, TextMenuItem *item) {
+    PpdOption *option = static_cast<PpdOption *>(item->link);
+    option->chosen = static_cast<int>(item->value.i) - HasUnset(*item);
+    MakeTitle(*pDialogue);
+    return 0;
+}
+
+static int ApplyOptions(TextMenu *, TextMenuItem *) {
+    Dialogue &dialogue = *pDialogue;
+    std::string broken = BrokenText(dialogue.ppd);
+    fputs(broken.c_str(), stdout);
+    if (!broken.empty() && !PromptYN("%s", FeatureText(TXT_ALL_THE_SAME).c_str())) return 1;
+    std::string error = WriteSettings(dialogue.path, MakeSettings(dialogue.ppd, dialogue.text));
+    if (!error.empty()) PostMsg("\n%s: %s\n", my_name, error.c_str());
+    return !error.empty();
+}
+
+static void ListChoices(const TextMenuItem &item) {
+    const PpdOption *option = static_cast<const PpdOption *>(item.link);
+    int number = 0;
+    printf("\n%s\n", item.text);
+    if (HasUnset(item)) printf("%4i. %s\n", ++number, FeatureText(TXT_UNSET).c_str());
+    for (const PpdChoice &choice : option->choices) {
+        printf("%4i. %s\n", ++number, ChoiceText(choice, LISTED_MAX).c_str());
+        if (number % LIST_PAGE == 0) PostMsg("\n");
+    }
+    PostMsg("\n");
+}
+
+// "l 3" lists the choices of item 3; "l" asks which.
+static int ListOption(TextMenu *menu, TextMenuItem *) {
+    char answer[16];
+    snprintf(answer, sizeof answer, "%s", pOption);
+    if (!answer[0]) PromptUser(FeatureText(TXT_LIST_WHICH).c_str(), answer, sizeof answer);
+    for (const TextMenuItem *item = menu->items; item->text; item++)
+        if (item->type == ITEM_PICK && item->number == ParseInt(answer)) ListChoices(*item);
+    return 1;
+}
+
+// ---- The menu
+
+static char *KeepText(Dialogue &dialogue, std::string text) {
+    return dialogue.texts.emplace_back(std::move(text)).data();
+}
+
+static void AddLine(Dialogue &dialogue, const std::string &text, int type, ItemCall callback) {
+    dialogue.items.push_back({.text = KeepText(dialogue, text), .type = type, .callback = callback});
+}
+
+static void AddOption(Dialogue &dialogue, PpdOption &option) {
+    bool flUnset = option.chosen < 0;
+    std::string choices = flUnset ? "_" + FeatureText(TXT_UNSET) : "";
+    for (const PpdChoice &choice : option.choices)
+        choices += (choices.empty() ? "_" : ",_") + ChoiceText(choice, CHOICE_MAX);
+    dialogue.items.push_back({.text = KeepText(dialogue, OptionText(option)),
+                              .type = ITEM_PICK,
+                              .choices = KeepText(dialogue, choices),
+                              .initial = {.i = option.chosen + flUnset},
+                              .callback = ChangeOption,
+                              .link = &option});
+}
+
+static bool IsBannerOption(const PpdOption &option) {
+    std::string name = option.name;
+    std::transform(name.begin(), name.end(), name.begin(), [](unsigned char ch) { return tolower(ch); });
+    return name.find("banner") != name.npos || name.find("separator") != name.npos;
+}
+
+// The options in the order of the file, with the name of its group above the first of each run.
+static void AddOptions(Dialogue &dialogue, bool flBanner) {
+    const std::string *group = nullptr;
+    for (PpdOption &option : dialogue.ppd.options) {
+        if (!option.flPick || option.choices.empty() || (IsBannerOption(option) && !flBanner)) continue;
+        if (group && *group != option.group) AddLine(dialogue, "", ITEM_TEXT, nullptr);
+        if (!option.group.empty() && (!group || *group != option.group))
+            AddLine(dialogue, CleanText(option.group, LABEL_MAX), ITEM_TEXT, nullptr);
+        group = &option.group;
+        AddOption(dialogue, option);
+    }
+}
+
+static void AddCommands(Dialogue &dialogue) {
+    AddLine(dialogue, "", ITEM_TEXT, nullptr);
+    AddLine(dialogue, FeatureText(TXT_LIST), ITEM_ACTION, ListOption);
+    AddLine(dialogue, "", ITEM_BAR, nullptr);
+    dialogue.items.back().value.i = 2;
+    AddLine(dialogue, FeatureText(TXT_APPLY), ITEM_APPLY, ApplyOptions);
+    AddLine(dialogue, FeatureText(TXT_CANCEL), ITEM_CANCEL, nullptr);
+    dialogue.items.push_back({});
+}
+
+void RunDialogue(Ppd &ppd, const std::string &text, const std::string &path, bool flBanner) {
+    Dialogue dialogue = {ppd, text, path, {}, {}, "", {}};
+    AddOptions(dialogue, flBanner);
+    if (dialogue.items.empty()) {
+        std::string model = CleanText(ppd.model, MODEL_MAX);
+        return PostMsg("%s", NlsFmt(FeatureText(TXT_NO_OPTIONS).c_str(), "s", model.c_str()).c_str());
+    }
+    AddCommands(dialogue);
+    dialogue.menu = {.titleMode = TITLE_CENTRE,
+                     .items = dialogue.items.data(),
+                     .flags = MENU_NO_LEAVE | MENU_HELP | MENU_DENSE};
+    pDialogue = &dialogue;
+    MakeTitle(dialogue);
+    RunMenu(&dialogue.menu, nullptr, 1);
+    pDialogue = nullptr;
+}

@@ -1,0 +1,186 @@
+// Words, the model or queue that they name, and where the settings go.
+#include "siblings/prnpnxxtty/FrontEnd.h"
+
+#include "common/MainUtils.h"
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/SysCmd.h"
+#include "common/TextMenu.h"
+#include "common/utils.h"
+#include "siblings/lib/Files.h"
+#include "siblings/lib/Ppd.h"
+#include "siblings/lib/Queue.h"
+#include "siblings/prnpnxxtty/Dialogue.h"
+#include "siblings/prnpnxxtty/Settings.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+struct Arguments {
+    std::string ppd;      // of -GS: path, or file name in "ppd"
+    std::string queue;    // of -MS, else the one named in passing, or empty
+    bool flQueue = false; // -MS
+    bool flTty = false;
+    bool flBanner = false;
+    bool flBackground = false; // -FP
+};
+
+static const char SettingsFile[] = "/.settings";
+
+static void PrintUsage(int face) {
+    if (face == FACE_DIALOGUE)
+        fprintf(stderr,
+                "usage: %s [-tty] [QUEUE|-dQUEUE] [-SBP] -GS PPDFILE\n       %s [-tty] [-SBP] -MS QUEUE\n",
+                my_name, my_name);
+    else
+        fprintf(stderr, "usage: %s -GS PPDFILE|-MS QUEUE\n", my_name);
+}
+
+// ---- Arguments
+
+// "-GSPATH" and "-GS PATH" are the same, and so are those of -MS.
+static std::string ReadSource(int argc, char **argv, int &at, Arguments &arguments) {
+    std::string word = argv[at], value = word.substr(3);
+    word.resize(3);
+    if (value.empty() && at + 1 < argc) value = argv[++at];
+    arguments.flQueue = word == "-MS";
+    if (value.empty() || value[0] == '-')
+        return "option " + word + (arguments.flQueue ? " needs a queue" : " needs a PPD file");
+    (arguments.flQueue ? arguments.queue : arguments.ppd) = value;
+    return "";
+}
+
+static std::string ReadWord(const std::string &word, int face, Arguments &arguments) {
+    bool flDialogue = face == FACE_DIALOGUE;
+    if (word == "-tty" && flDialogue)
+        arguments.flTty = true;
+    else if (word == "-SBP" && flDialogue)
+        arguments.flBanner = true;
+    else if (word == "-FP" && flDialogue)
+        arguments.flBackground = true;
+    else if (word.starts_with("-") && !word.starts_with("-d"))
+        return "option " + word.substr(0, 80) + " is unknown";
+    else if (!arguments.flQueue && word != "-d" && !word.empty())
+        arguments.queue = word.starts_with("-") ? word.substr(2) : word;
+    return "";
+}
+
+static std::string ReadArguments(int argc, char **argv, int face, Arguments &arguments) {
+    for (int at = 1; at < argc; at++) {
+        std::string word = argv[at];
+        bool flSource = word.starts_with("-GS") || word.starts_with("-MS");
+        std::string error =
+            flSource ? ReadSource(argc, argv, at, arguments) : ReadWord(word, face, arguments);
+        if (!error.empty()) return error;
+    }
+    if (arguments.flBackground) return "";
+    return arguments.ppd.empty() && !arguments.flQueue ? "no PPD file told; -GS or -MS is needed" : "";
+}
+
+// ---- Model and queue
+
+static std::string PpdPath(const std::string &name) {
+    return std::string(pToolPath) + "/ppd/" + name;
+}
+
+static std::string FileName(const std::string &path) {
+    return path.substr(path.rfind('/') + 1);
+}
+
+// The path of the PPD file and the settings that the queue keeps. A record may come from anybody: its PPD is
+// a file name or nothing.
+static std::string ReadQueue(const std::string &queue, std::string &path, std::string &settings) {
+    static QueRecord record;
+    if (!GetQueDbEntry(&record, queue.c_str())) return "there is no queue \"" + queue.substr(0, 80) + "\"";
+    std::string file = record.ppdFile;
+    if (file.empty() || file.find('/') != file.npos)
+        return "the record of queue \"" + queue.substr(0, 80) + "\" names no PPD file";
+    path = PpdPath(file);
+    if (record.settings) settings = record.settings;
+    return "";
+}
+
+// With -GS a queue may be named that is still to be made, or one that has another model now: its settings
+// count only if they are this model's.
+static std::string FindModel(const Arguments &arguments, std::string &path, std::string &settings) {
+    if (arguments.flQueue) return ReadQueue(arguments.queue, path, settings);
+    path = arguments.ppd.find('/') == arguments.ppd.npos ? PpdPath(arguments.ppd) : arguments.ppd;
+    std::string kept, keptPath;
+    if (arguments.queue.empty() || !ReadQueue(arguments.queue, keptPath, kept).empty()) return "";
+    if (FileName(path) == FileName(keptPath)) settings = kept;
+    return "";
+}
+
+// ---- The program
+
+static void FindToolDirectory() {
+    char *path = realpath("/proc/self/exe", nullptr);
+    std::string directory = path ? path : "./";
+    free(path);
+    directory.resize(directory.rfind('/'));
+    pToolPath = SaveStr_(directory.c_str());
+}
+
+// The menu that called clears the screen as soon as this program ends, so the user is asked to have read.
+static int Refuse(const std::string &error, bool flTty) {
+    errormsg("%s", error.c_str());
+    if (flTty) PostMsg("\n");
+    return 1;
+}
+
+static int RefuseWords(const std::string &error, int face, bool flTty) {
+    PrintUsage(face);
+    return Refuse(error, flTty);
+}
+
+static void OpenTerminal() {
+    InitSysCmdList();
+    pDrvCoreDB = NlsOpenDB("CoreString", DBT_NO_WRITE | DBT_NO_RELOAD);
+    pTtyHtmlName = SaveStr("%s/help/QBguide-%s.html#features", pToolPath, pNLSLang ? pNLSLang : "en_US");
+    pTtyHtmlTitle = "Tarvo Administration Help"; // until the page's own stands
+}
+
+// ".settings" holds what was chosen before in the same flow, so the dialogue goes on from there; those of a
+// queue that was asked for by name are its record's.
+static void Talk(Ppd &ppd, const Arguments &arguments, std::string settings, const std::string &target) {
+    std::string before;
+    if (!arguments.flQueue && ReadWholeFile(target, SETTINGS_MAX, before).empty()) settings = before;
+    ChooseSettings(ppd, settings);
+    RunDialogue(ppd, settings, target, arguments.flBanner);
+}
+
+static std::string Store(Ppd &ppd, const std::string &settings, const std::string &path,
+                         const std::string &target) {
+    ChooseSettings(ppd, settings);
+    std::string made = MakeSettings(ppd, settings), error = WriteSettings(target, made);
+    if (!error.empty()) return error;
+    printf("%s: %d settings of %s kept in %s\n", my_name,
+           static_cast<int>(std::count(made.begin(), made.end(), '\n')), FileName(path).c_str(),
+           target.c_str());
+    return fflush(stdout) ? "can't tell so on standard output" : "";
+}
+
+int RunFrontEnd(int argc, char **argv, const char *name, int face) {
+    Arguments arguments;
+    Ppd ppd;
+    std::string path, settings;
+    my_name = name;
+    FindToolDirectory();
+    std::string error = ReadArguments(argc, argv, face, arguments);
+    if (arguments.flTty) OpenTerminal();
+    if (!error.empty()) return RefuseWords(error, face, arguments.flTty);
+    if (arguments.flBackground)
+        error = "-FP: nothing to do; features are chosen where a queue is added or modified";
+    if (error.empty()) error = FindModel(arguments, path, settings);
+    if (error.empty()) error = ReadPpd(path, ppd);
+    if (!error.empty()) return Refuse(error, arguments.flTty);
+    std::string target = std::string(pToolPath) + SettingsFile;
+    if (ppd.model.empty()) ppd.model = FileName(path);
+    if (arguments.flTty)
+        Talk(ppd, arguments, settings, target);
+    else
+        error = Store(ppd, settings, path, target);
+    return error.empty() ? 0 : Refuse(error, false);
+}
