@@ -240,7 +240,7 @@ static bool AddLine(const char *directory, std::string line) {
     std::string path = SpoolName(directory, QueName);
     std::string text = ReadQue(directory);
     // What somebody left without a line end must not run into this job.
-    if (!text.empty() && text.back() != '\n') line.insert(0, "\n");
+    if (!text.empty() && text.back() != '\n') line.insert(line.begin(), '\n');
     if (MapSize(text.size()) == MapSize(text.size() + line.size() - 1)) return AppendLine(path, line);
     std::string name = WriteNewQue(path, text + line);
     if (!name.empty() && rename(name.c_str(), path.c_str()) == 0) return true;

@@ -65,46 +65,42 @@ public:
         pDrvCoreDB = nullptr;
         pToolPath = saved;
     }
-    void Queues(const Records &records) { WriteXdb(Path("tool/db/que.xdb"), false, records); }
+    using Scratch::Write;
+    void Write(const Records &records) { WriteXdb(Path("tool/db/que.xdb"), false, records); }
 
 private:
     char *saved;
     std::string tool;
 };
 
-static std::pair<std::string, std::string> Queue(const std::string &name, const std::string &fields) {
-    return {name, name + " " + fields + '\0'};
+// Records of queues; the first word is the name.
+static Records Queues(std::initializer_list<const char *> texts, Records records = {}) {
+    for (std::string text : texts) records.emplace_back(text.substr(0, text.find(' ')), text + '\0');
+    return records;
+}
+
+// Each is found under its first word, and looks like that.
+static void ExpectPrinters(std::initializer_list<const char *> printers) {
+    for (std::string printer : printers) {
+        EXPECT_EQ(FindPrinter(printer.substr(0, printer.find(' ')).c_str()), 1) << printer;
+        EXPECT_EQ(ShowPrinter(), printer);
+    }
 }
 
 TEST(Printer, OfTheDatabase) {
     Tool tool;
-    tool.Queues({Queue("q0", "host rem tv.ppd 0 1 1 1 0 0 "),
-                 Queue("q1", "host lp tv.ppd 1 0 0 0 0 0 "),
-                 Queue("q2", "/dev/usb/lp0 lp tv.ppd 2 0 0 0 0 0 "),
-                 Queue("q2u", "/dev/lp lp tv.ppd 2 0 1 0 0 0 "),
-                 Queue("q3", "host lp tv.ppd 3 0 0 1 0 0 "),
-                 Queue("q4", "/dev/lp lp tv.ppd 4 1 0 0 0 0 "),
-                 Queue("q9", "host lp tv.ppd 9 0 0 0 0 0 "),
-                 {"host count", std::string("\1\0\0\0srv psq", 11)},
-                 {"q3 **", "a=b\n"},
-                 {" default", "q1"}});
-    const struct {
-        const char *queue, *want;
-    } cases[] = {
-        {"q0", "q0 host srv host NIS rem lufpb"},
-        {"q1", "q1 host srv host SERVER lp ld"},
-        {"q2", "q2 /dev/usb/lp0  _dev_usb_lp0 DIRECT lp "},
-        {"q2u", "q2u /dev/lp  /dev/lp DIRECT lp lu"},
-        {"q3", "q3 host srv host NIS lp f"},
-        {"q4", "q4 /dev/lp  _dev_lp DIRECT lp pb"},
-        {"q9", "q9 host srv - - lp "},
-        {nullptr, "q1 host srv host SERVER lp ld"},
-    };
-    for (const auto &c : cases) {
-        EXPECT_EQ(FindPrinter(c.queue), 1) << Text(c.queue);
-        EXPECT_EQ(ShowPrinter(), c.want);
-        EXPECT_STREQ(pDefaultPrinterQueue, "q1");
-    }
+    tool.Write(
+        Queues({"q0 host rem tv.ppd 0 1 1 1 0 0 ", "q1 host lp tv.ppd 1 0 0 0 0 0 ",
+                "q2 /dev/usb/lp0 lp tv.ppd 2 0 0 0 0 0 ", "q2u /dev/lp lp tv.ppd 2 0 1 0 0 0 ",
+                "q3 host lp tv.ppd 3 0 0 1 0 0 ", "q4 /dev/lp lp tv.ppd 4 1 0 0 0 0 ",
+                "q9 host lp tv.ppd 9 0 0 0 0 0 "},
+               {{"host count", std::string("\1\0\0\0srv psq", 11)}, {"q3 **", "a=b\n"}, {" default", "q1"}}));
+    ExpectPrinters({"q0 host srv host NIS rem lufpb", "q1 host srv host SERVER lp ld",
+                    "q2 /dev/usb/lp0  _dev_usb_lp0 DIRECT lp ", "q2u /dev/lp  /dev/lp DIRECT lp lu",
+                    "q3 host srv host NIS lp f", "q4 /dev/lp  _dev_lp DIRECT lp pb", "q9 host srv - - lp "});
+    EXPECT_EQ(FindPrinter(nullptr), 1);
+    EXPECT_EQ(ShowPrinter(), "q1 host srv host SERVER lp ld");
+    EXPECT_STREQ(pDefaultPrinterQueue, "q1");
     EXPECT_EQ(pPPDFile, std::string(pToolPath) + "/ppd/tv.ppd");
     EXPECT_STREQ(pPpdToolPath, pToolPath);
     EXPECT_STREQ(pSettings, "a=b\n") << "of the first queue that had some";
@@ -115,31 +111,22 @@ TEST(Printer, OfTheDatabase) {
 
 TEST(Printer, OfTheFile) {
     Tool tool;
-    tool.Queues({Queue("both", "host lp tv.ppd 0 0 0 0 0 0 ")});
+    tool.Write(Queues({"both host lp tv.ppd 0 0 0 0 0 0 "}));
     const std::string ppd = "/opt/" + std::string(200, 'x') + "/ppd/tv.ppd";
-    tool.Write("77yyprinters", "\nf1 host,dir " + ppd +
-                                   " DIRECT Tray2 NoGui BannerPageAtEnd Tty huh\r\n"
-                                   "both other /p NIS\nf2\thost\t/opt/t/p.ppd SERVER Default\nf1x a b c\n"
-                                   "f3 old /x/y NIS Tray2\nf3 new, /x/y NIS BannerPageAtBeginning");
+    tool.Write("77yyprinters", "both other /p NIS\nf2\thost\t/opt/t/p.ppd SERVER Default\nf1x a b c\n"
+                               "f3 old /x/y NIS Tray2\nf3 new, /x/y NIS BannerPageAtBeginning\n"
+                               "\nf1 host,dir " +
+                                   ppd + " DIRECT Tray2 NoGui BannerPageAtEnd Tty huh\r\n");
     SetTokenBuf("a,b,c");
     GetToken(nullptr, ",");
-    const struct {
-        const char *queue, *want;
-    } cases[] = {
-        {"f1", "f1 host - dir DIRECT - tpe"},    {"f2", "f2 host - host SERVER - ud"},
-        {nullptr, "f2 host - host SERVER - ud"}, {"both", "both host  host NIS lp "},
-        {"f3", "f3 new - new NIS - upb"},
-    };
-    for (const auto &c : cases) {
-        EXPECT_EQ(FindPrinter(c.queue), 1) << Text(c.queue);
-        EXPECT_EQ(ShowPrinter(), c.want);
-    }
-    EXPECT_STREQ(GetToken(nullptr, ","), "b") << "the scan goes on";
+    ExpectPrinters({"f2 host - host SERVER - ud", "both host  host NIS lp ", "f3 new - new NIS - upb"});
     EXPECT_STREQ(pPpdToolPath, "/x");
-    EXPECT_EQ(FindPrinter("f1"), 1);
+    ExpectPrinters({"f1 host - dir DIRECT - tpe"});
     EXPECT_EQ(pPPDFile, ppd);
+    EXPECT_STREQ(GetToken(nullptr, ","), "b") << "the scan goes on";
+    EXPECT_EQ(FindPrinter(nullptr), 1);
+    EXPECT_STREQ(pPrinterQueue, "f2");
     EXPECT_EQ(FindPrinter("huh"), 0);
-    EXPECT_STREQ(pDefaultPrinterQueue, "f2");
 }
 
 TEST(Printer, SpoolPath) {
@@ -194,7 +181,7 @@ TEST(Printer, EndsTheTool) {
 
 TEST(Printer, Config) {
     Tool tool;
-    tool.Queues({Queue("q1", "host lp tv.ppd 0 0 0 0 0 0 "), {" default", "q1"}});
+    tool.Write(Queues({"q1 host lp tv.ppd 0 0 0 0 0 0 "}, {{" default", "q1"}}));
     tool.Write("77yyprinters", "f1 host /x/ppd/y NIS\n");
     const struct {
         const char *name, *config;
@@ -449,15 +436,13 @@ TEST(Spool, LockStyles) {
 TEST(Spool, MapsFiles) {
     Scratch scratch;
     const size_t page = static_cast<size_t>(sysconf(_SC_PAGESIZE));
-    const struct { size_t size, pages; } cases[] = {{0, 1}, {page - 1, 1}, {page, 2}, {page + 1, 2}};
-    for (const auto &c : cases) {
+    for (size_t size : {size_t{0}, page - 1, page, page + 1}) {
         std::string path = scratch.Write("m", "text");
-        void *address = MapMemFile(path.c_str(), 0, c.size, 1);
+        void *address = MapMemFile(path.c_str(), 0, size, 1);
         ASSERT_NE(address, nullptr);
-        EXPECT_EQ(fs::file_size(path), c.pages * page) << c.size;
-        static_cast<char *>(address)[0] = 'T';
-        EXPECT_STREQ(ReadWhole(path).c_str(), "Text");
-        munmap(address, c.pages * page);
+        EXPECT_EQ(fs::file_size(path), (size < page ? 1 : 2) * page) << size;
+        EXPECT_STREQ(static_cast<char *>(address), "text");
+        munmap(address, fs::file_size(path));
     }
     Capture caught;
     EXPECT_EQ(MapMemFile(scratch.Path("no").c_str(), 0, 1, 1), nullptr);
