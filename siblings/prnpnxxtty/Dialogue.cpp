@@ -10,6 +10,7 @@
 #include <cctype>
 #include <cstdio>
 #include <deque>
+#include <iterator>
 
 enum { // texts of set 26
     FEATURE_SET = 26,
@@ -26,6 +27,7 @@ enum { // texts of set 26
 };
 // An item with label and choice stays in one line of the terminal; the list has room for more.
 enum { LABEL_MAX = 36, CHOICE_MAX = 29, LISTED_MAX = 70, MODEL_MAX = 60, BROKEN_MAX = 4, LIST_PAGE = 20 };
+enum { FIRST_LETTER = 0xC0 };
 
 struct Dialogue {
     Ppd &ppd;
@@ -45,20 +47,42 @@ static std::string FeatureText(int number) {
 
 // ---- Texts of the file, as they may be shown
 
+// Letters of Latin 1 from 0xC0 on in ASCII, which every terminal can show.
+static constexpr const char *Letters[] = {
+    "A", "A", "A", "A", "Ae", "A", "Ae", "C", "E", "E", "E", "E", "I",  "I", "I",  "I",  //
+    "D", "N", "O", "O", "O",  "O", "Oe", "x", "O", "U", "U", "U", "Ue", "Y", "Th", "ss", //
+    "a", "a", "a", "a", "ae", "a", "ae", "c", "e", "e", "e", "e", "i",  "i", "i",  "i",  //
+    "d", "n", "o", "o", "o",  "o", "oe", "/", "o", "u", "u", "u", "ue", "y", "th", "y",
+};
+static_assert(std::size(Letters) == 0x100 - FIRST_LETTER);
+
+static unsigned char ByteAt(const std::string &text, size_t at) {
+    return at < text.size() ? static_cast<unsigned char>(text[at]) : 0;
+}
+
+// What stands for the character beyond ASCII that begins at this place, which moves to its last byte. Files
+// say what encoding they have, but not all are right: bytes that are UTF-8 are hardly meant as anything else.
+static const char *TakeLetter(const std::string &text, size_t &at) {
+    unsigned code = ByteAt(text, at);
+    size_t first = at;
+    while (code >= FIRST_LETTER && (ByteAt(text, at + 1) & 0xC0) == 0x80) at++;
+    if (at == first + 1 && code < 0xE0)
+        code = (code & 0x1F) << 6 | (ByteAt(text, at) & 0x3F);
+    else if (at > first)
+        return "?";
+    return code >= FIRST_LETTER && code < 0x100 ? Letters[code - FIRST_LETTER] : "?";
+}
+
 // Neither control characters, which could drive the terminal, nor what the menu's lists and labels would
-// read: commas, backslashes and a tilde in front. Other characters beyond ASCII show as one question mark
-// each.
+// read: commas, backslashes and a tilde in front.
 static std::string CleanText(const std::string &text, size_t limit) {
     std::string clean;
-    for (char ch : text) {
-        unsigned char byte = static_cast<unsigned char>(ch);
-        bool flGoesOn = byte >= 0x80 && byte < 0xC0 && clean.ends_with('?');
-        if (flGoesOn) continue;
-        clean += byte >= 0x80                ? '?'
-                 : byte < ' ' || byte == 127 ? ' '
-                 : ch == ','                 ? ';'
-                 : ch == '\\'                ? '/'
-                                             : ch;
+    for (size_t at = 0; at < text.size(); at++) {
+        unsigned char byte = ByteAt(text, at);
+        if (byte >= 0x80)
+            clean += TakeLetter(text, at);
+        else
+            clean += byte < ' ' || byte == 127 ? ' ' : byte == ',' ? ';' : byte == '\\' ? '/' : text[at];
     }
     clean.erase(0, std::min(clean.size(), clean.find_first_not_of(' ')));
     clean.resize(std::min(clean.size(), limit));

@@ -1,5 +1,6 @@
 """The feature front end keeps a model's or a queue's settings in the tool directory, alone or as the user chooses."""
 import os
+import re
 import shutil
 import subprocess
 import unittest
@@ -205,6 +206,16 @@ class FrontEnd(unittest.TestCase):
         self.assertIsNone(self.settings())
         self.assertEqual(self.tool.run("prnpnxxtty", "-GShostile.ppd").returncode, 0)
         self.assertEqual(self.settings(), "Many=C1\n")
+
+    def test_letters_beyond_ascii(self):
+        for text, shown in ((b"Gr\xf6\xdfe", "Groesse"), ("Gr\u00f6\u00dfe".encode(), "Groesse"), (b"Gr<F6DF>e", "Groesse"),
+                            (b"\xc4\xe9<E9>", "Aeee"), ("\u20ac \u0416a".encode(), "? ?a"), (b"\xc3", "A"), (b"\x9b2J", "?2J")):
+            with self.subTest(text):
+                ppd = b'*PPD-Adobe: "4.3"\n*OpenUI *A/' + text + b': PickOne\n*A B/' + text + b': ""\n*DefaultA: B\n'
+                self.tool.write("ppd/letters.ppd", ppd)
+                term = self.talk("-GSletters.ppd")
+                self.assertRegex(term.output, r" 1\) %s \.+ \[1\. %s\]" % (re.escape(shown), re.escape(shown)))
+                self.assertIn(" Features of letters.ppd\n", term.output)
 
     def test_a_model_without_options(self):
         self.tool.write("ppd/none.ppd", '*PPD-Adobe: "4.3"\n*ModelName: "%s"\n')
