@@ -665,7 +665,8 @@ class Sources:
 
     def atom(self, file, word, at, row):
         if word[0].isdigit():
-            return [int(word.replace("'", ""), 0)]
+            digits = word.replace("'", "")
+            return [int(digits, 8 if re.fullmatch("0[0-7]+", digits) else 0)]
         constant = self.constant(file, word)
         if constant is not None:
             return [constant]

@@ -22,6 +22,7 @@
 enum { OUTPUT_MAX = 4 * 1024 * 1024, STATUS_NO_EXEC = 127, LOG_NAME_MAX = 64 };
 
 static std::string LogPath;
+static double RunStart; // 0: no command has run yet
 
 static double Now() {
     struct timespec now;
@@ -106,13 +107,17 @@ static std::vector<char *> ChildEnvironment() {
     _exit(STATUS_NO_EXEC);
 }
 
+void RestartRunLimit() {
+    RunStart = Now();
+}
+
 // Whole-run limit: what is left of it bounds each child. PRNQ_LIMIT shortens the limit of one child.
 static double ChildSeconds() {
-    static const double Start = Now();
+    if (RunStart == 0) RestartRunLimit();
     const char *limit = getenv("PRNQ_LIMIT");
     int seconds = limit ? atoi(limit) : 0;
     if (seconds < 1 || seconds > CHILD_LIMIT) seconds = CHILD_LIMIT;
-    return std::max(0.0, std::min((double)seconds, Start + (double)RUN_LIMIT - Now()));
+    return std::max(0.0, std::min((double)seconds, RunStart + (double)RUN_LIMIT - Now()));
 }
 
 // Moves what a pipe holds into the text; false at its end.

@@ -26,6 +26,9 @@ std::string FindProgram(const std::string &name);
 // group is killed.
 Ran RunChild(const std::vector<std::string> &words);
 
+// Starts the limit for all commands anew: for a run that goes on for as long as there is work.
+void RestartRunLimit();
+
 // First line of what a command complained about, in words for the user; never empty.
 std::string ComplaintOf(const Ran &ran);
 

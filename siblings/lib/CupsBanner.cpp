@@ -1,6 +1,7 @@
 // The banner template, how it gets to the scheduler, and the coding of its titles.
 #include "siblings/lib/CupsBanner.h"
 
+#include "siblings/lib/BannerPage.h"
 #include "siblings/lib/Child.h"
 #include "siblings/lib/Files.h"
 
@@ -20,47 +21,12 @@ static const char DataDirectory[] = "/usr/share/cups";
 static const char SocketPath[] = "/run/cups/cups.sock";
 
 // The scheduler puts a job's values for {name}, escaped for PostScript; {?name} may be absent. An empty size
-// leaves the 0, an empty title no line. Titles come in UTF-8, which the printer's fonts don't know: what
-// Latin 1 has is shown, the rest as a question mark.
-static const char Template[] = R"(%!PS-Adobe-3.0
-%%Title: Banner page of a print queue
-%%Pages: 1
-%%BoundingBox: 0 0 595 842
-%%EndComments
-%%Page: 1 1
-/Row 620 def
-/Helvetica-Bold findfont dup length dict begin
-  { 1 index /FID ne { def } { pop pop } ifelse } forall
-  /Encoding ISOLatin1Encoding def
-currentdict end /Banner-Font exch definefont pop
-/Put { Out Used 3 -1 roll put /Used Used 1 add def } bind def
-/Latin {
-  /In exch def /Out In length string def /Used 0 def /Lead 0 def
-  In {
-    dup 128 lt { Put } {
-      dup 192 ge { /Lead exch def Lead 196 ge { 63 Put } if } {
-        Lead 196 lt { 63 and Lead 3 and 64 mul add Put } { pop } ifelse
-      } ifelse
-    } ifelse
-  } forall
-  Out 0 Used getinterval
-} bind def
-/Centered {
-  /Points exch def Latin /Text exch def
-  Points 0 gt {
-    /Banner-Font findfont Points scalefont setfont
-    Text dup stringwidth pop 2 div 297 exch sub Row moveto show
-    /Row Row Points 1.6 mul sub def
-  } if
-} bind def
-({?prnq-ha}) 0{?prnq-sa} Centered
-({?prnq-hb}) 0{?prnq-sb} Centered
-({?prnq-hc}) 0{?prnq-sc} Centered
-({job-originating-user-name}  {printer-name}-{job-id}  {?job-name}) 14 Centered
-showpage
-%%Trailer
-%%EOF
-)";
+// leaves the 0, an empty title no line.
+static const char TemplateLines[] =
+    "({?prnq-ha}) 0{?prnq-sa} Centered\n"
+    "({?prnq-hb}) 0{?prnq-sb} Centered\n"
+    "({?prnq-hc}) 0{?prnq-sc} Centered\n"
+    "({job-originating-user-name}  {printer-name}-{job-id}  {?job-name}) 14 Centered\n";
 
 static double Seconds(const struct timespec &time) {
     return (double)time.tv_sec + (double)time.tv_nsec / 1e9;
@@ -142,7 +108,7 @@ static std::string WriteTemplate(const std::string &path) {
     std::string beside = DataPath() + "/.prnq";
     if (mkdir((DataPath() + "/banners").c_str(), 0755) && errno != EEXIST)
         return "can't make " + DataPath() + "/banners";
-    std::string error = PrepareFile(beside, Template, 0644);
+    std::string error = PrepareFile(beside, BannerPage(TemplateLines), 0644);
     if (!error.empty()) return error;
     if (!rename((beside + "_new").c_str(), path.c_str())) return "";
     DropFile(beside);

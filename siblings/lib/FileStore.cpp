@@ -1,18 +1,15 @@
 // The lines of "db/hostq".
 #include "siblings/lib/FileStore.h"
 
-#include "common/utils.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Spool.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <unistd.h>
 
 enum { HOSTQ_MAX = 4 * 1024 * 1024, HOSTQ_MODE = 0644 };
 
 static const char HostQueues[] = "db/hostq";
-static const char SpoolRoot[] = "/var/spool/Tarvo";
 
 static std::vector<std::string> Lines; // without their newline
 static std::string Loaded;             // the file as it was read
@@ -55,14 +52,6 @@ static std::vector<std::string>::iterator FindLine(const std::string &name) {
 
 bool FileStoreHas(const std::string &name) {
     return FindLine(name) != Lines.end();
-}
-
-// Queues of one printer share a spool directory, as the whole family of tools finds it.
-static std::string SpoolDirectory(const Queue &queue) {
-    const char *root = getenv("PRNQ_SPOOL");
-    const char *tool = strrchr(pToolPath, '/');
-    return std::string(root && *root == '/' ? root : SpoolRoot) + "/" + (tool ? tool + 1 : pToolPath) + "/" +
-           queue.printer;
 }
 
 void FileStorePut(const Queue &queue) {

@@ -2,6 +2,7 @@
 #include "siblings/lib/Files.h"
 
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
@@ -42,7 +43,7 @@ std::string ReadWholeFile(const std::string &path, size_t limit, std::string &co
     return error;
 }
 
-static bool WriteAll(int file, std::string_view content) {
+bool WriteAll(int file, std::string_view content) {
     while (!content.empty()) {
         ssize_t count = write(file, content.data(), content.size());
         if (count < 0 && errno == EINTR) continue;
@@ -76,16 +77,50 @@ void DropFile(const std::string &path) {
     unlink((path + "_new").c_str());
 }
 
+std::string ReplaceFile(const std::string &path, std::string_view content, unsigned mode) {
+    std::string name = path + ".XXXXXX", error;
+    int file = mkostemp(name.data(), O_CLOEXEC);
+    if (file < 0) return Failed("write", path);
+    bool flWritten = WriteAll(file, content) && !fchmod(file, mode);
+    if (!flWritten) error = Failed("write", path);
+    if (close(file) && flWritten) error = Failed("write", path);
+    if (error.empty() && rename(name.c_str(), path.c_str())) error = Failed("replace", path);
+    if (!error.empty()) unlink(name.c_str());
+    return error;
+}
+
+// Answers 0 once the lock is held, or the reason.
+static int WaitForLock(int file, int seconds) {
+    struct timespec pause = {0, LOCK_POLL_NS};
+    time_t end = time(nullptr) + seconds;
+    while (flock(file, LOCK_EX | LOCK_NB)) {
+        if (errno != EWOULDBLOCK && errno != EINTR) return errno;
+        if (!seconds || time(nullptr) > end) return EWOULDBLOCK;
+        nanosleep(&pause, nullptr);
+    }
+    return 0;
+}
+
+FileLock::FileLock(const std::string &path, int seconds, unsigned mode)
+    : file(open(path.c_str(), O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, mode)) {
+    int status = file < 0 ? errno : WaitForLock(file, seconds);
+    if (file < 0 || !status) return;
+    close(file);
+    file = -1;
+    errno = status;
+}
+
+FileLock::~FileLock() {
+    if (file >= 0) close(file);
+}
+
 std::string TakeLock(const char *path, int seconds) {
     // Only root and the owner may open it: anybody else who could would hold up every change.
     int file = open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
     if (file < 0) return Failed("write", path);
-    struct timespec pause = {0, LOCK_POLL_NS};
-    time_t end = time(nullptr) + seconds;
-    while (flock(file, LOCK_EX | LOCK_NB)) {
-        if (errno != EWOULDBLOCK && errno != EINTR) return Failed("lock", path);
-        if (time(nullptr) > end) return "another queue change is still under way";
-        nanosleep(&pause, nullptr);
-    }
-    return ""; // the descriptor stays open on purpose: the lock ends with the process
+    int status = WaitForLock(file, seconds);
+    errno = status;
+    if (status) close(file);
+    if (status == EWOULDBLOCK) return "another queue change is still under way";
+    return status ? Failed("lock", path) : ""; // the descriptor stays open: the lock ends with the process
 }

@@ -16,5 +16,26 @@ std::string PrepareFile(const std::string &path, std::string_view content, unsig
 std::string CommitFile(const std::string &path);
 void DropFile(const std::string &path);
 
+// Replaces a small file by a new one of its own name, so that several processes may do so at once.
+std::string ReplaceFile(const std::string &path, std::string_view content, unsigned mode);
+
+// All of the bytes; false with errno set.
+bool WriteAll(int file, std::string_view content);
+
+// A lock of the kernel on a file, which is made if need be. It is held from the constructor, which waits some
+// seconds for another holder, until this ends or the process does. If it isn't held errno tells why:
+// EWOULDBLOCK for another holder.
+class FileLock {
+public:
+    FileLock(const std::string &path, int seconds, unsigned mode = 0600);
+    ~FileLock();
+    FileLock(const FileLock &) = delete;
+    FileLock &operator=(const FileLock &) = delete;
+    bool IsHeld() const { return file >= 0; }
+
+private:
+    int file;
+};
+
 // Takes the lock for a change, and holds it until the process ends; waits for another run for some seconds.
 std::string TakeLock(const char *path, int seconds);

@@ -149,17 +149,29 @@ static std::string EscapeUri(std::string_view path) {
     return escaped;
 }
 
+Target QueueTarget(const Queue &queue) {
+    Target target;
+    if (IsDeviceType(queue.type)) return {TARGET_DEVICE, "", "", queue.printer};
+    bool flLpd = queue.type == QUEUE_SERVER || (queue.type == QUEUE_PRINTER_HOST && queue.flLpd);
+    if (flLpd) target = {TARGET_LPD, "", "", queue.remote};
+    SplitHost(queue.printer, target.host, target.port);
+    if (target.host.starts_with('[')) target.host = target.host.substr(1, target.host.size() - 2);
+    return target;
+}
+
+static std::string DeviceUri(const std::string &device) {
+    bool flSerial = device.starts_with("/dev/tty");
+    return (flSerial ? "serial:" : "parallel:") + EscapeUri(device) + (flSerial ? "?baud=9600" : "");
+}
+
 std::string QueueUri(const Queue &queue) {
-    if (IsDeviceType(queue.type)) {
-        bool flSerial = queue.printer.starts_with("/dev/tty");
-        return (flSerial ? "serial:" : "parallel:") + EscapeUri(queue.printer) +
-               (flSerial ? "?baud=9600" : "");
-    }
-    std::string name, port;
-    SplitHost(queue.printer, name, port);
-    if (queue.type == QUEUE_SERVER || (queue.type == QUEUE_PRINTER_HOST && queue.flLpd))
-        return "lpd://" + name + (port.empty() ? "" : ":" + port) + "/" + EscapeUri(queue.remote);
-    return "socket://" + name + ":" + (port.empty() ? "9100" : port);
+    Target target = QueueTarget(queue);
+    if (target.kind == TARGET_DEVICE) return DeviceUri(target.path);
+    std::string host = target.host.find(':') == std::string::npos ? target.host : "[" + target.host + "]";
+    if (target.kind == TARGET_LPD)
+        return "lpd://" + host + (target.port.empty() ? "" : ":" + target.port) + "/" +
+               EscapeUri(target.path);
+    return "socket://" + host + ":" + (target.port.empty() ? "9100" : target.port);
 }
 
 Titles ReadTitles(std::string_view banner) {

@@ -54,6 +54,15 @@ std::string CheckQueueTarget(const Queue &queue);
 bool DiffersByCase(std::string_view left, std::string_view right);
 
 bool IsDeviceType(int type);
+
+enum TargetKind { TARGET_SOCKET, TARGET_LPD, TARGET_DEVICE };
+struct Target {
+    TargetKind kind = TARGET_SOCKET;
+    std::string host; // name or address, without brackets
+    std::string port; // empty: the protocol's own
+    std::string path; // device, or queue at the host's LPD
+};
+Target QueueTarget(const Queue &queue); // the queue passed its check
 // Where jobs go: lpd://HOST/REMOTE, socket://HOST:9100, serial: or parallel:DEVICE. The queue passed its
 // check.
 std::string QueueUri(const Queue &queue);

@@ -257,6 +257,7 @@ static std::string CopyQueue(const Options &options) {
 static std::string FinishModify(const Queue &queue, const Queue &old, Place place) {
     std::string before = RecordsDefault(), banner = RecordsBanner();
     RecordsPut(queue);
+    if (place == PLACE_FILE) FileStorePut(queue); // a device's spool directory goes by the user interface
     std::string error = PrepareChange();
     if (!error.empty()) return error;
     if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner));

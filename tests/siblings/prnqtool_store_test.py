@@ -181,9 +181,12 @@ class OnFile(Scenario, unittest.TestCase):
 
     def test_spool_directory(self):
         self.add("q", "-pm wp -dn /dev/lp7")
-        with open(self.tool.path + "/db/hostq") as lines:
-            self.assertEqual(lines.read(), "q: parallel:/dev/lp7 %s/spool/%s//dev/lp7\n" %
-                             (self.tool.path, os.path.basename(self.tool.path)))
+        for change, directory in ("", "_dev_lp7"), ("q -mq -ui", "dev/lp7"):
+            if change:
+                self.tool_run(change)
+            with open(self.tool.path + "/db/hostq") as lines:
+                self.assertEqual(lines.read(), "q: parallel:/dev/lp7 %s/spool/%s/%s\n" %
+                                 (self.tool.path, os.path.basename(self.tool.path), directory))
 
 
 if __name__ == "__main__":

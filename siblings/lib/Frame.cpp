@@ -1,0 +1,59 @@
+// Standard streams, signals, working directory, complaints.
+#include "siblings/lib/Frame.h"
+
+#include "common/MemMgr.h"
+#include "common/utils.h"
+#include "siblings/lib/Child.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+enum { BACKSTOP = 30 }; // seconds that a run may last beyond the limit for its commands
+
+const char ToolVersion[] = "4.50.29";
+
+static void OpenStandardStreams() {
+    int file;
+    do file = open("/dev/null", O_RDWR);
+    while (file >= 0 && file <= 2);
+    if (file > 2) close(file);
+}
+
+static void EndRun(int) {
+    static const char text[] = ": gave up: the host doesn't answer\n";
+    if (write(2, my_name, strlen(my_name)) < 0 || write(2, text, sizeof text - 1) < 0) _exit(2);
+    _exit(1);
+}
+
+void BeginProgram(const char *name) {
+    my_name = name;
+    OpenStandardStreams();
+    signal(SIGPIPE, SIG_IGN);
+    signal(SIGCHLD, SIG_DFL); // where a parent left it ignored no child could be waited for
+    umask(022);
+}
+
+bool EnterToolDirectory() {
+    char *path = realpath("/proc/self/exe", nullptr);
+    char *slash = path ? strrchr(path, '/') : nullptr;
+    if (slash) slash[slash == path] = '\0';
+    if (slash) pToolPath = SaveStr_(path);
+    bool flEntered = slash && !chdir(path);
+    free(path);
+    return flEntered;
+}
+
+void LimitRun() {
+    signal(SIGALRM, EndRun);
+    alarm((unsigned)RUN_LIMIT + (unsigned)BACKSTOP);
+}
+
+int Complain(const std::string &error) {
+    if (error.empty()) return 0;
+    TellUser(error);
+    return 1;
+}

@@ -1,0 +1,319 @@
+// Directories, lists, job files and status of the spool.
+#include "siblings/lib/Spool.h"
+
+#include "common/prnoutbase.h"
+#include "common/utils.h"
+#include "siblings/lib/CupsBanner.h"
+#include "siblings/lib/Files.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <pwd.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+enum { QUE_MAX = 4 * 1024 * 1024, TICKET_MAX = 8192, NUMBER_MAX = 99999, DIRECTORY_MODE = 0755 };
+enum { TICKET_TITLE_MAX = 240, JOB_NAME_MAX = 200, COPY_SIZE = 65536 };
+
+static const char SpoolRoot[] = "/var/spool/Tarvo";
+
+static std::string Failed(const char *what, const std::string &path) {
+    return std::string("can't ") + what + " " + path + ": " + strerror(errno);
+}
+
+// ---- Directories
+
+static std::string Root() {
+    const char *root = getenv("PRNQ_SPOOL");
+    return root && *root == '/' ? root : SpoolRoot;
+}
+
+// A device is a path of its own below the tool's directory, or, for a queue without user interface, a single
+// name.
+static std::string PrinterPath(const Queue &queue) {
+    bool flFlat = IsDeviceType(queue.type) && !queue.flUserInterface;
+    return flFlat ? GenDirName(queue.printer.c_str()) : queue.printer;
+}
+
+// The components of a path; false if one of them leads upwards or nowhere.
+static bool SplitPath(std::string_view path, std::vector<std::string> &parts) {
+    while (!path.empty()) {
+        std::string_view part = path.substr(0, path.find('/'));
+        path.remove_prefix(std::min(path.size(), part.size() + 1));
+        if (part == "." || part == ".." || part.size() > NAME_MAX) return false;
+        if (!part.empty()) parts.emplace_back(part);
+    }
+    return true;
+}
+
+std::string SpoolDirectory(const Queue &queue) {
+    const char *tool = strrchr(pToolPath, '/');
+    std::string directory = Root() + "/" + (tool ? tool + 1 : pToolPath);
+    std::vector<std::string> parts;
+    if (!SplitPath(PrinterPath(queue), parts) || parts.empty()) return "";
+    for (const std::string &part : parts) directory += "/" + part;
+    return directory;
+}
+
+// Opens one component below the directory, which it closes.
+static int EnterPart(int directory, const std::string &part, bool flMake) {
+    if (flMake && mkdirat(directory, part.c_str(), DIRECTORY_MODE) && errno != EEXIST) {
+        int reason = errno;
+        close(directory);
+        errno = reason;
+        return -1;
+    }
+    int next = openat(directory, part.c_str(), O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC);
+    int reason = errno;
+    close(directory);
+    errno = reason;
+    return next;
+}
+
+static bool IsOurs(int directory) {
+    struct stat status;
+    return !fstat(directory, &status) && (status.st_uid == 0 || status.st_uid == geteuid()) &&
+           !(status.st_mode & (S_IWGRP | S_IWOTH));
+}
+
+std::string SpoolOpen(const std::string &directory, bool flMake) {
+    std::string root = Root(), parent = root.substr(0, root.rfind('/')) + "/";
+    std::vector<std::string> parts;
+    bool flBelow = directory.starts_with(root + "/") && SplitPath(directory.substr(parent.size()), parts);
+    errno = EINVAL;
+    if (!flBelow) return directory + " is no spool directory";
+    int file = open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    for (const std::string &part : parts) {
+        if (file >= 0) file = EnterPart(file, part, flMake);
+        if (file < 0) return Failed("open the spool directory", directory);
+        if (IsOurs(file)) continue;
+        close(file);
+        errno = EPERM;
+        return "the spool directory " + directory + " may be written by others, from \"" + part + "\" on";
+    }
+    close(file);
+    return "";
+}
+
+bool MayWriteSpool(const std::string &directory) {
+    return !access(directory.c_str(), W_OK);
+}
+
+// ---- Names
+
+static bool IsNumber(std::string_view text) {
+    return !text.empty() && text.size() <= 10 &&
+           std::all_of(text.begin(), text.end(), [](char byte) { return byte >= '0' && byte <= '9'; });
+}
+
+bool IsHostJob(std::string_view name) {
+    return IsNumber(name);
+}
+
+bool IsOwnJob(std::string_view name) {
+    return name.starts_with('A') && IsNumber(name.substr(1));
+}
+
+bool IsJobName(std::string_view name) {
+    return !name.empty() && name.size() <= JOB_NAME_MAX && name.front() != '.' &&
+           std::all_of(name.begin(), name.end(),
+                       [](char byte) { return (unsigned char)byte > ' ' && byte != 127 && byte != '/'; });
+}
+
+// ---- The list
+
+static std::string ListText(const std::string &directory) {
+    std::string text;
+    // A missing list is an empty one.
+    if (!ReadWholeFile(directory + "/.q", QUE_MAX, text).empty()) return "";
+    return text;
+}
+
+// The words of a job's line, false for any other line.
+static bool ReadLine(std::string_view line, SpoolJob &job) {
+    size_t blank = line.find(' ');
+    if (blank == line.npos) return false;
+    job = {std::string(line.substr(1, blank - 1)), std::string(line.substr(0, blank)),
+           std::string(line.substr(blank + 1))};
+    bool flControl = line.starts_with('c') || line.starts_with('C');
+    return flControl && IsJobName(job.name) && IsJobName(job.data);
+}
+
+static std::vector<std::string> Lines(const std::string &text) {
+    std::vector<std::string> lines;
+    for (size_t at = 0, end; (end = text.find('\n', at)) != text.npos; at = end + 1)
+        lines.push_back(text.substr(at, end - at));
+    return lines;
+}
+
+std::vector<SpoolJob> SpoolJobs(const std::string &directory) {
+    std::vector<SpoolJob> jobs;
+    SpoolJob job;
+    for (const std::string &line : Lines(ListText(directory)))
+        if (ReadLine(line, job)) jobs.push_back(job);
+    return jobs;
+}
+
+std::string SpoolShow(const std::string &directory, const std::vector<SpoolJob> &jobs) {
+    FileLock lock(directory + "/.qlock", SPOOL_LOCK_SECONDS, 0666);
+    int flLocked = SetQueLockState(directory.c_str(), 1);
+    std::string before = ListText(directory), after, error;
+    SpoolJob job;
+    for (const std::string &line : Lines(before))
+        if (!ReadLine(line, job) || !IsHostJob(job.name)) after += line + "\n";
+    for (const SpoolJob &each : jobs) after += each.control + " " + each.data + "\n";
+    if (before != after) error = ReplaceFile(directory + "/.q", after, SPOOL_LIST_MODE);
+    if (flLocked) SetQueLockState(directory.c_str(), 0);
+    return error;
+}
+
+std::string SpoolStatus(const std::string &directory, std::string_view text) {
+    std::string path = directory + "/.status", before, after(text.substr(0, SPOOL_TEXT_MAX));
+    if (ReadWholeFile(path, SPOOL_TEXT_MAX + 1, before).empty() && before == after) return "";
+    return ReplaceFile(path, after, SPOOL_LIST_MODE);
+}
+
+// ---- Tickets
+
+std::string UserName() {
+    const struct passwd *entry = getpwuid(getuid());
+    return entry && entry->pw_name && *entry->pw_name ? entry->pw_name
+                                                      : "uid" + std::to_string((long)getuid());
+}
+
+std::string HostName() {
+    char name[256] = "";
+    if (gethostname(name, sizeof name - 1)) return "localhost";
+    std::string host = name;
+    std::erase_if(host, [](char byte) { return !isalnum((unsigned char)byte) && !strchr("._-", byte); });
+    return host.empty() ? "localhost" : host;
+}
+
+// One word: the job monitor takes the fourth word of the file for the owner.
+static std::string OneWord(std::string text) {
+    for (char &byte : text)
+        if ((unsigned char)byte <= ' ' || byte == 127) byte = '_';
+    return text.empty() ? "-" : text;
+}
+
+std::string TicketText(const JobTicket &ticket, std::string_view data) {
+    std::string text = "H " + OneWord(ticket.host) + "\nP " + OneWord(ticket.user) + "\n";
+    text += "J " + CupsText(ticket.title, TICKET_TITLE_MAX) + "\n";
+    text += "f" + std::string(data) + "\nQ " + OneWord(ticket.queue) + "\n";
+    return text + (ticket.flRaw ? "R\n" : "");
+}
+
+bool ReadTicket(const std::string &path, JobTicket &ticket) {
+    std::string text;
+    ticket = JobTicket();
+    if (!ReadWholeFile(path, TICKET_MAX, text).empty()) return false;
+    for (const std::string &line : Lines(text)) {
+        std::string value = line.size() > 2 ? line.substr(2) : "";
+        switch (line.empty() ? 0 : line[0]) {
+        case 'H': ticket.host = value; break;
+        case 'P': ticket.user = value; break;
+        case 'J': ticket.title = value; break;
+        case 'Q': ticket.queue = value; break;
+        case 'R': ticket.flRaw = true; break;
+        default: break; // lines of others
+        }
+    }
+    return !ticket.queue.empty();
+}
+
+// ---- Jobs of the tool's own store
+
+// Numbers go on from job to job: one that is asked for late must not meet another job.
+static int NextNumber(const std::string &directory) {
+    std::string text;
+    FileLock lock(directory + "/.lastlock", SPOOL_LOCK_SECONDS);
+    if (!ReadWholeFile(directory + "/.last", 16, text).empty()) text = "0";
+    int number = atoi(text.c_str());
+    number = number < 0 || number >= NUMBER_MAX ? 1 : number + 1;
+    ReplaceFile(directory + "/.last", std::to_string(number) + "\n", SPOOL_LIST_MODE);
+    return number;
+}
+
+static int MakeJobFile(const std::string &path) {
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, SPOOL_JOB_MODE);
+}
+
+static bool CopyAll(int from, int to) {
+    static char buffer[COPY_SIZE];
+    ssize_t count;
+    while ((count = read(from, buffer, sizeof buffer)) > 0 || (count < 0 && errno == EINTR))
+        if (count > 0 && !WriteAll(to, std::string_view(buffer, (size_t)count))) return false;
+    return count == 0;
+}
+
+// Closes the new job file, whose bytes must have reached the disk.
+static std::string EndJobFile(int file, bool flWritten, const std::string &path) {
+    flWritten = flWritten && !fsync(file);
+    std::string error = flWritten ? "" : Failed("write", path);
+    if (close(file) && flWritten) error = Failed("write", path);
+    if (!error.empty()) unlink(path.c_str());
+    return error;
+}
+
+static std::string WriteJob(const std::string &directory, const SpoolJob &job, const JobTicket &ticket,
+                            int data, int file) {
+    std::string dataPath = directory + "/" + job.data, controlPath = directory + "/" + job.control;
+    std::string error = EndJobFile(data, CopyAll(file, data), dataPath);
+    if (!error.empty()) return error;
+    int control = MakeJobFile(controlPath);
+    if (control < 0)
+        error = Failed("write", controlPath);
+    else
+        error = EndJobFile(control, WriteAll(control, TicketText(ticket, job.data)), controlPath);
+    if (!error.empty()) unlink(dataPath.c_str());
+    return error;
+}
+
+static bool IsListed(const std::string &directory, const std::string &name) {
+    std::vector<SpoolJob> jobs = SpoolJobs(directory);
+    return std::any_of(jobs.begin(), jobs.end(), [&](const SpoolJob &job) { return job.name == name; });
+}
+
+// A name that nobody has, and its data file; -1 without one.
+static int TakeName(const std::string &directory, SpoolJob &job) {
+    char name[16];
+    for (int tries = 0; tries < NUMBER_MAX; tries++) {
+        snprintf(name, sizeof name, "A%05d", NextNumber(directory));
+        job = {name, std::string("c") + name, std::string("d") + name};
+        if (!access((directory + "/" + job.control).c_str(), F_OK) || IsListed(directory, name)) continue;
+        int data = MakeJobFile(directory + "/" + job.data);
+        if (data >= 0 || errno != EEXIST) return data;
+    }
+    return -1;
+}
+
+std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int file, std::string &name) {
+    SpoolJob job;
+    int data = TakeName(directory, job);
+    if (data < 0) return Failed("write to", directory);
+    std::string error = WriteJob(directory, job, ticket, data, file);
+    if (!error.empty()) return error;
+    AddJobToQue(directory.c_str(), job.control.c_str(), job.data.c_str());
+    name = job.name;
+    // A job without a line but with a control file wasn't taken; one without either is printed already.
+    if (IsListed(directory, name) || access((directory + "/" + job.control).c_str(), F_OK)) return "";
+    SpoolRemove(directory, job);
+    return "can't write the list of jobs in " + directory;
+}
+
+static std::string RemoveFile(const std::string &path) {
+    return !unlink(path.c_str()) || errno == ENOENT ? "" : Failed("remove", path);
+}
+
+std::string SpoolRemove(const std::string &directory, const SpoolJob &job) {
+    std::string error = RemoveFile(directory + "/" + job.control);
+    if (error.empty()) error = RemoveFile(directory + "/" + job.data);
+    if (error.empty()) DeleteJobFromQue(directory.c_str(), job.control.c_str(), 0);
+    return error;
+}

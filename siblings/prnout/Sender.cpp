@@ -1,0 +1,226 @@
+// Detached work: delivery with retries, and the watch over the scheduler's jobs.
+#include "siblings/prnout/Sender.h"
+
+#include "common/prnoutbase.h"
+#include "siblings/lib/BannerPage.h"
+#include "siblings/lib/Child.h"
+#include "siblings/lib/CupsJobs.h"
+#include "siblings/lib/FileStore.h"
+#include "siblings/lib/Files.h"
+#include "siblings/lib/Records.h"
+#include "siblings/lib/Spool.h"
+#include "siblings/prnout/Deliver.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <csignal>
+#include <cstdlib>
+#include <cstring>
+#include <ctime>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+enum { RETRY_SECONDS = 10, WATCH_SECONDS = 2, WATCH_DOWN_SECONDS = 30 };
+enum { LOCK_SECONDS = 1 }; // other programs look for a sender by its lock, and hold it for a moment then
+
+// ---- Processes
+
+[[noreturn]] static void BecomeDetached(const char *mode, const std::string &directory) {
+    sigset_t none;
+    setsid();
+    if (fork()) _exit(0);
+    int null = open("/dev/null", O_RDWR);
+    for (int stream = 0; stream < 3 && null >= 0; stream++) dup2(null, stream);
+    close_range(3, ~0u, 0);
+    sigemptyset(&none);
+    sigprocmask(SIG_SETMASK, &none, nullptr);
+    execl("/proc/self/exe", "prnout", mode, directory.c_str(), nullptr);
+    _exit(1);
+}
+
+std::string StartDetached(const char *mode, const std::string &directory) {
+    pid_t child = fork();
+    if (!child) BecomeDetached(mode, directory);
+    if (child < 0) return std::string("can't start the sender: ") + strerror(errno);
+    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    }
+    return "";
+}
+
+// Another process that does the work is no error.
+static std::string Taken(const std::string &directory) {
+    return errno == EWOULDBLOCK ? "" : "can't work in " + directory + ": " + strerror(errno);
+}
+
+static void Pause(const char *variable, double seconds) {
+    const char *told = getenv(variable);
+    double wanted = told ? atof(told) : 0;
+    if (wanted >= 0.01 && wanted < seconds) seconds = wanted;
+    struct timespec pause = {(time_t)seconds, (long)((seconds - (double)(time_t)seconds) * 1e9)};
+    nanosleep(&pause, nullptr);
+}
+
+// ---- Sender
+
+enum Outcome {
+    JOB_DONE,  // out of the spool
+    JOB_LATER, // the printer doesn't take it now
+    JOB_HELD,  // it can't be printed as things are; the others go on
+};
+
+static std::string Printed; // the last job that was delivered whole
+
+static std::string LoadQueues() {
+    std::string error = FileStoreOpen();
+    return error.empty() ? RecordsOpen() : error;
+}
+
+// Why the job's queue can't print it, or empty.
+static std::string FindQueue(const JobTicket &ticket, Queue &queue) {
+    std::string quoted = "queue \"" + ticket.queue + "\" ";
+    if (!FileStoreHas(ticket.queue)) return quoted + "does not exist";
+    if (!RecordsRead(ticket.queue, queue)) return quoted + "has no record";
+    return CheckQueueTarget(queue);
+}
+
+static int OpenData(const std::string &path, long long &size) {
+    struct stat status;
+    int data = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (data < 0 || (!fstat(data, &status) && S_ISREG(status.st_mode))) {
+        size = data < 0 ? 0 : status.st_size;
+        return data;
+    }
+    close(data);
+    errno = EINVAL;
+    return -1;
+}
+
+static std::string BannerFor(const Queue &queue, const SpoolJob &job, const JobTicket &ticket) {
+    if (!queue.flBanner || ticket.flRaw) return "";
+    Titles titles = ReadTitles(queue.banner.empty() ? RecordsBanner() : queue.banner);
+    return BannerOfJob(titles, ticket.user, ticket.queue + "-" + job.name, ticket.title);
+}
+
+static std::string DeliverJob(const std::string &directory, const SpoolJob &job, const JobTicket &ticket,
+                              const Queue &queue) {
+    Delivery delivery;
+    delivery.data = OpenData(directory + "/" + job.data, delivery.size);
+    if (delivery.data < 0) return job.data + ": " + strerror(errno);
+    delivery.target = QueueTarget(queue);
+    delivery.user = ticket.user;
+    delivery.title = ticket.title;
+    delivery.number = atoi(job.name.c_str() + 1);
+    delivery.banner = BannerFor(queue, job, ticket);
+    delivery.control = directory + "/" + job.control;
+    delivery.directory = directory;
+    delivery.status = "printing " + job.name + " on " + queue.printer + "\n";
+    std::string error = Deliver(delivery);
+    close(delivery.data);
+    return error;
+}
+
+static Outcome SendJob(const std::string &directory, const SpoolJob &job, std::string &error) {
+    JobTicket ticket;
+    Queue queue;
+    std::string control = directory + "/" + job.control;
+    // A line whose file is gone is what a removal left that was killed.
+    if (access(control.c_str(), F_OK) && errno == ENOENT) {
+        error = SpoolRemove(directory, job);
+        return error.empty() ? JOB_DONE : JOB_HELD;
+    }
+    error = ReadTicket(control, ticket) ? FindQueue(ticket, queue) : job.control + " can't be read";
+    if (!error.empty()) return JOB_HELD;
+    // A job that is printed but can't be removed must not be printed again.
+    if (Printed != job.name) error = DeliverJob(directory, job, ticket, queue);
+    if (!error.empty() && error != Cancelled) return JOB_LATER;
+    Printed = job.name;
+    error = SpoolRemove(directory, job);
+    return error.empty() ? JOB_DONE : JOB_LATER;
+}
+
+// The first job that isn't held, if any; held tells about the first that is.
+static Outcome SendNext(const std::string &directory, std::string &held, std::string &error) {
+    held.clear();
+    for (const SpoolJob &job : SpoolJobs(directory)) {
+        if (!IsOwnJob(job.name)) continue;
+        Outcome outcome = SendJob(directory, job, error);
+        if (outcome != JOB_HELD) return outcome;
+        if (held.empty()) held = job.name + ": " + error;
+    }
+    error.clear();
+    return JOB_HELD;
+}
+
+static void SendAll(const std::string &directory) {
+    std::string held, error;
+    for (;;) {
+        error = LoadQueues();
+        Outcome outcome = error.empty() ? SendNext(directory, held, error) : JOB_LATER;
+        if (outcome == JOB_HELD) break;
+        if (outcome == JOB_DONE) continue;
+        SpoolStatus(directory, "waiting: " + error + "\n");
+        Pause("PRNQ_RETRY", RETRY_SECONDS);
+    }
+    SpoolStatus(directory, held.empty() ? "idle\n" : "held: " + held + "\n");
+}
+
+static bool HasWork(const std::string &directory) {
+    JobTicket ticket;
+    Queue queue;
+    std::vector<SpoolJob> jobs = SpoolJobs(directory);
+    if (!LoadQueues().empty()) return false;
+    return std::any_of(jobs.begin(), jobs.end(), [&](const SpoolJob &job) {
+        return IsOwnJob(job.name) && ReadTicket(directory + "/" + job.control, ticket) &&
+               FindQueue(ticket, queue).empty();
+    });
+}
+
+std::string RunSender(const std::string &directory) {
+    std::string error = SpoolOpen(directory, false);
+    if (!error.empty()) return error;
+    do {
+        FileLock lock(directory + "/.sender", LOCK_SECONDS);
+        if (!lock.IsHeld()) return Taken(directory);
+        SendAll(directory);
+    } while (HasWork(directory)); // a job may have come in while the lock was still held
+    return "";
+}
+
+// ---- Watcher
+
+// Answers how many jobs wait, or -1 if that can't be told.
+static int Watch(const std::string &directory) {
+    Host host;
+    size_t waiting = 0;
+    RestartRunLimit();
+    std::string error = HostOpen(host);
+    if (error.empty() && host.state == CUPS_DOWN) error = host.error;
+    if (error.empty()) error = RecordsOpen();
+    if (error.empty()) error = CupsRefresh(directory, CupsSharers(host, directory), 0, "", waiting);
+    if (error.empty()) return (int)waiting;
+    SpoolStatus(directory, error + "\n");
+    return -1;
+}
+
+// A scheduler that was just started may know its jobs only a moment later, so one look without a job isn't
+// enough.
+static void WatchAll(const std::string &directory) {
+    for (int empty = 0; empty < 2;) {
+        int waiting = Watch(directory);
+        empty = waiting ? 0 : empty + 1;
+        if (empty < 2) Pause("PRNQ_WATCH", waiting < 0 ? WATCH_DOWN_SECONDS : WATCH_SECONDS);
+    }
+}
+
+std::string RunWatcher(const std::string &directory) {
+    std::string error = SpoolOpen(directory, false);
+    if (!error.empty()) return error;
+    do {
+        FileLock lock(directory + "/.watch", 0);
+        if (!lock.IsHeld()) return Taken(directory);
+        WatchAll(directory);
+    } while (Watch(directory) > 0);
+    return "";
+}

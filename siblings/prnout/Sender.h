@@ -1,0 +1,17 @@
+// The two processes that stay behind a call: the sender, which prints the jobs of the tool's own store, and
+// the watcher, which keeps the picture of the scheduler's jobs true. Each is alone in its spool directory.
+#pragma once
+
+#include <string>
+
+// Starts "prnout MODE DIRECTORY" on its own: no terminal, no parent, no open files. Does nothing but cost a
+// moment if there is one already. Empty, or why it can't be started.
+std::string StartDetached(const char *mode, const std::string &directory);
+
+// Delivers job after job, oldest first, and tries again for as long as the printer can't be reached; returns
+// when no job is left that it could print. Jobs of a queue that is gone are held. A job leaves the spool only
+// after it was delivered whole. PRNQ_RETRY tells the seconds between two tries (10).
+std::string RunSender(const std::string &directory);
+
+// Refreshes the picture every two seconds, or as PRNQ_WATCH tells; returns when no job waits.
+std::string RunWatcher(const std::string &directory);

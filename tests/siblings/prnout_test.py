@@ -1,0 +1,397 @@
+"""prnout and prnrm: files on their way to a printer, on a private scheduler and in the tool's own store."""
+import contextlib
+import os
+import pty
+import re
+import signal
+import socket
+import subprocess
+import time
+import tty
+import unittest
+
+from cups import Scheduler
+from fakeprinter import FakeLpd, FakePrinter
+from tooldir import QueueTool, ToolDir
+
+FIRMWARE = b"\x1b%-12345X@PJL ENTER LANGUAGE=XFLASH\r\n" + bytes(range(256)) * 200
+TEXT = b"%!PS-Adobe-3.0\n" + b"% one page\n" * 300  # what a scheduler without further filters takes
+TITLES = ".h1 20 Dept (A) \\ 100%\n.h3 12 \u00e4\n"
+
+# File names that a shell, a protocol, PostScript or a terminal would read as more than a name.
+HOSTILE_FILES = ["a b;touch hit", "$(touch hit)`touch hit`", "-oNoUi", "it's \"(\\) %s%n", "a\nQ other\nR", "\u00e4\u20ac", b"\xe4\xff",
+                 "x" * 200]
+HOSTILE_JOBS = ["", "../x", "/etc/passwd", "a/b", ".q", ".", "-x", "A1;touch hit", "a b", "A00001\n", "9" * 30, "-1", "cA00001"]
+
+# What is wrong with prnout's line, and words of the answer.
+REFUSED = [
+    ([], "no file"), (["-d"], "-d needs a queue"), (["-dq"], "no file"), (["-dq", "F", "F"], "one file at a time"),
+    (["-dq", "-x", "F"], "option"), (["-dq", "/tmp"], "no regular file"), (["-dq", "/dev/null"], "no regular file"),
+    (["-dq", "FIFO"], "no regular file"), (["-dq", "/nosuch"], "can't open"), (["F"], "no default queue"),
+    (["-dnosuch", "F"], 'queue "nosuch" does not exist'), (["-da/b", "F"], "name of a queue"), (["-d", "", "F"], "name of a queue"),
+    (["-send", "/etc"], "no spool directory"), (["-send", "SPOOL/../etc"], "no spool directory"),
+]
+
+
+def until(condition, seconds=15):
+    end = time.monotonic() + seconds
+    while not condition() and time.monotonic() < end:
+        time.sleep(0.01)
+    return condition()
+
+
+def free_port():
+    with socket.create_server(("127.0.0.1", 0)) as taken:
+        return taken.getsockname()[1]
+
+
+class Scenario(QueueTool):
+    """What holds for either store."""
+
+    def setUp(self):
+        self.stack = contextlib.ExitStack()
+        self.addCleanup(self.stack.close)
+        self.tool = self.stack.enter_context(ToolDir("prnqtool", "prnout", "prnrm"))
+        self.tool.env = self.environment(PRNQ_SPOOL=self.tool.path + "/spool", PRNQ_RETRY="0.1", PRNQ_WATCH="0.1")
+        self.addCleanup(self.end_jobs)
+        self.tool.write("file.txt", TEXT)
+
+    def end_jobs(self):
+        for name in self.tool.run("prnqtool", "-LQ").stdout.replace(":", "").split():
+            self.tool.run("prnrm", name, "-")
+        self.assertTrue(until(lambda: not self.detached()), self.detached())
+
+    def detached(self):
+        """The senders and watchers of this test's tool directory."""
+        found = []
+        for pid in filter(str.isdigit, os.listdir("/proc")):
+            with contextlib.suppress(OSError):
+                if os.readlink("/proc/%s/exe" % pid) == self.tool.path + "/prnout":
+                    found.append(int(pid))
+        return found
+
+    def queue(self, name, port, more=""):
+        self.add(name, "-pm wp -hn 127.0.0.1:%d %s" % (port, more))
+
+    def printer(self, **more):
+        return self.stack.enter_context(FakePrinter(self.tool.path + "/got%d" % time.monotonic_ns(), **more))
+
+    def out(self, *words, status=0, **env):
+        done = self.tool.run("prnout", *words, **env)
+        self.assertEqual((done.returncode, done.stdout), (status, ""), (words, done.stderr))
+        self.assertEqual(done.stderr == "", status == 0, done.stderr)
+        self.assertTrue(status == 0 or done.stderr.startswith("prnout: "), done.stderr)
+        return done.stderr
+
+    def remove(self, *words, status=0):
+        done = self.tool.run("prnrm", *words)
+        self.assertEqual((done.returncode, done.stdout, done.stderr == ""), (status, "", status == 0), (words, done.stderr))
+        return done.stderr
+
+    def spool(self, printer):
+        return "%s/spool/%s/%s" % (self.tool.path, os.path.basename(self.tool.path), printer)
+
+    def listed(self, printer):
+        """The list of jobs as the monitor shows it: owner, name and size; a job without both files is left out."""
+        rows, directory = [], self.spool(printer)
+        with contextlib.suppress(FileNotFoundError), open(directory + "/.q") as lines:
+            for control, data in map(str.split, lines):
+                paths = [directory + "/" + control, directory + "/" + data]
+                if all(map(os.path.isfile, paths)):
+                    with open(paths[0], errors="replace") as words:
+                        rows.append((words.read().split()[3], control[1:], os.path.getsize(paths[1])))
+        return rows
+
+    def names(self, printer):
+        return [name for _, name, _ in self.listed(printer)]
+
+    def status(self, printer):
+        with contextlib.suppress(FileNotFoundError), open(self.spool(printer) + "/.status") as text:
+            return text.read()
+
+    def test_banner_in_front_but_not_of_firmware(self):
+        printer = self.printer()
+        self.tool.write(".bsettings", TITLES)
+        self.tool.write("fw", FIRMWARE)
+        self.queue("q", printer.port, "-bp -bps .bsettings")
+        self.out("-dq", self.tool.path + "/file.txt")
+        page, = printer.wait(1)
+        self.assertTrue(page.startswith(b"%!PS"), page[:80])
+        self.assertTrue(page.endswith(TEXT), page[-80:])
+        banner = page[:-len(TEXT)]
+        for word in rb"(Dept \(A\) \\ 100%) ", rb"(\303\244)", b"root  q-", b"file.txt":
+            self.assertIn(word, banner)
+        self.out("-dq", "-DL", "-oNoUi", self.tool.path + "/fw")
+        self.assertEqual(printer.wait(2)[1], FIRMWARE)
+
+    def test_default_queue_and_relative_names(self):
+        printer = self.printer()
+        self.queue("q", printer.port, "-d")
+        self.out("file.txt", PrnOutFileSourceDir=self.tool.path)
+        line = "cd %s && PrnOutFileSourceDir=. ./prnout -dq  -oNoUi file.txt\n" % self.tool.path
+        subprocess.run(line, shell=True, env=self.tool.env, check=True, stdin=subprocess.DEVNULL)
+        self.assertEqual(printer.wait(2), [TEXT, TEXT])
+
+    def test_removal_of_one_of_two_and_of_all(self):
+        port = free_port()
+        self.queue("q", port)
+        self.queue("q2", port)  # shares the printer, so the jobs, too
+        here = "127.0.0.1:%d" % port
+        for queue in "q", "q2", "q":
+            self.out("-d", queue, self.tool.path + "/file.txt")
+        rows = self.listed(here)
+        self.assertEqual([owner for owner, _, _ in rows], ["root"] * 3)
+        self.assertTrue(all(size >= len(TEXT) for _, _, size in rows), rows)
+        first, second, third = self.names(here)
+        self.assertTrue(self.status(here))
+        self.remove("q", second)
+        self.assertEqual(self.names(here), [first, third])
+        self.assertIn(second, self.remove("q", second, third, status=1))
+        self.assertEqual(self.names(here), [first])
+        self.remove("q2", "-")
+        self.assertEqual(self.names(here), [])
+        self.assertTrue(until(lambda: "idle" in self.status(here)), self.status(here))
+        left = [name for name in os.listdir(self.spool(here)) if not name.startswith(".")]
+        self.assertEqual(left, [])
+
+    def test_another_queues_jobs_stay(self):
+        ports = free_port(), free_port()
+        places = ["127.0.0.1:%d" % port for port in ports]
+        self.queue("a", ports[0])
+        self.queue("b", ports[1])
+        self.out("-da", self.tool.path + "/file.txt")
+        self.out("-db", self.tool.path + "/file.txt")
+        self.out("-db", self.tool.path + "/file.txt")
+        before = [self.listed(place) for place in places]
+        other = self.names(places[1])[1]
+        self.assertIn(other, self.remove("a", other, status=1))
+        for name in HOSTILE_JOBS:
+            with self.subTest(name):
+                self.remove("a", name, status=1)
+        self.remove("nosuch", "-", status=1)
+        self.remove("a", status=1)
+        self.assertEqual([self.listed(place) for place in places], before)
+        self.assertEqual(sorted(self.waiting()), sorted(self.names(places[0]) + self.names(places[1])))
+
+    def test_hostile_file_names(self):
+        printer = self.printer()
+        self.queue("q", printer.port, "-bp")
+        os.mkdir(self.tool.path + "/odd")
+        for count, name in enumerate(HOSTILE_FILES, 1):
+            with self.subTest(name):
+                path = os.path.join(os.fsencode(self.tool.path), b"odd", os.fsencode(name))
+                with open(path, "wb") as out:
+                    out.write(TEXT + b"%d" % count)
+                self.out("-dq", path)
+                self.assertTrue(printer.wait(count)[-1].endswith(TEXT + b"%d" % count))
+        self.assertFalse(os.path.exists("/hit") or os.path.exists(self.tool.path + "/hit"))
+
+    def test_refused(self):
+        os.mkfifo(self.tool.path + "/fifo")
+        self.queue("q", free_port())
+        for words, answer in REFUSED:
+            with self.subTest(words):
+                paths = {"F": self.tool.path + "/file.txt", "FIFO": self.tool.path + "/fifo"}
+                words = [paths.get(word, word.replace("SPOOL", self.tool.path + "/spool")) for word in words]
+                self.assertIn(answer, self.out(*words, status=1))
+        self.assertEqual(self.waiting(), [])
+        for program in "prnout", "prnrm":
+            self.assertIn("usage: " + program, self.tool.run(program, "--help").stdout)
+
+
+class OnCups(Scenario, unittest.TestCase):
+    @classmethod
+    def setUpClass(cls):
+        if Scheduler.missing():
+            raise unittest.SkipTest(Scheduler.missing())
+        cls.cups = cls.enterClassContext(Scheduler())
+
+    def environment(self, **more):
+        return self.cups.env(**more)
+
+    def waiting(self):
+        return ["%05d" % int(line.split()[0].rpartition("-")[2]) for line in self.cups.run("lpstat", "-o").stdout.splitlines()]
+
+    def tearDown(self):
+        self.cups.run("cancel", "-a")
+        for name in self.cups.queues():
+            self.cups.run("lpadmin", "-x", name)
+
+    def test_list_follows_the_scheduler_and_leaves_foreign_jobs(self):
+        port = free_port()
+        here = "127.0.0.1:%d" % port
+        self.queue("q", port)
+        os.makedirs(self.spool(here))
+        for name in "cfA1host", "dfA1host":
+            with open(self.spool(here) + "/" + name, "w") as out:
+                out.write("H host\nP someone\n")
+        with open(self.spool(here) + "/.q", "w") as out:
+            out.write("cfA1host dfA1host\n")
+        self.out("-dq", self.tool.path + "/file.txt")
+        own = self.waiting()
+        self.assertEqual(self.names(here), ["fA1host"] + own)
+        self.cups.run("cancel", "q-" + own[0])
+        self.assertTrue(until(lambda: self.names(here) == ["fA1host"]), self.names(here))
+        self.remove("q", "fA1host")
+        self.assertEqual(self.names(here), [])
+
+    def test_banner_where_the_scheduler_has_none(self):
+        printer = self.printer()
+        self.tool.write(".bsettings", TITLES)
+        banner = self.cups.data + "/banners/prnq"
+        if os.path.exists(banner):
+            os.unlink(banner)
+        self.tool.env["PRNQ_DATADIR"] = "/dev/null/none"
+        self.queue("q", printer.port, "-bp -bps .bsettings")
+        self.out("-dq", self.tool.path + "/file.txt")
+        page, = printer.wait(1)
+        self.assertRegex(page, re.compile(rb"\A%!PS.*Dept \\\(A\\\).*\004" + re.escape(TEXT) + rb"\Z", re.S))
+
+    def test_scheduler_down(self):
+        self.queue("q", free_port())
+        self.cups.stop()
+        try:
+            self.assertIn("isn't running", self.out("-dq", self.tool.path + "/file.txt", status=1))
+            self.assertIn("isn't running", self.remove("q", "-", status=1))
+        finally:
+            self.cups.start()
+
+
+class OnFile(Scenario, unittest.TestCase):
+    def environment(self, **more):
+        return dict(os.environ, PRNQ_STORE="file", **more)
+
+    def waiting(self):
+        found = []
+        for _, _, names in os.walk(self.tool.path + "/spool"):
+            found += [name[1:] for name in names if name.startswith("c")]
+        return found
+
+    def idle(self, printer):
+        self.assertTrue(until(lambda: self.status(printer) == "idle\n" and not self.detached()), self.status(printer))
+        self.assertEqual((self.names(printer), self.waiting()), ([], []))
+
+    def test_printer_off_then_on(self):
+        port = free_port()
+        here = "127.0.0.1:%d" % port
+        self.queue("q", port)
+        files = [b"%d\n" % number * 1000 for number in range(4)]
+        for content in files:
+            self.tool.write("file.txt", content)
+            self.out("-dq", self.tool.path + "/file.txt")
+        self.assertTrue(until(lambda: self.status(here) == "waiting: 127.0.0.1: Connection refused\n"), self.status(here))
+        for name in os.listdir(self.spool(here)):
+            if not name.startswith("."):
+                self.assertEqual(os.stat(self.spool(here) + "/" + name).st_mode & 0o777, 0o600, name)
+        self.remove("q", self.names(here)[1])
+        printer = self.printer(port=port)
+        self.assertEqual(printer.wait(3), [files[0], files[2], files[3]])
+        self.idle(here)
+
+    def test_killed_or_cut_in_mid_job_nothing_is_lost(self):
+        content = os.urandom(20_000_000)
+        self.tool.write("big", content)
+        with socket.create_server(("127.0.0.1", 0)) as listener:
+            port = listener.getsockname()[1]
+            here = "127.0.0.1:%d" % port
+            self.queue("q", port)
+            self.out("-dq", self.tool.path + "/big")
+            with listener.accept()[0] as first:
+                first.recv(1000)
+                self.assertIn("printing", self.status(here))
+                for pid in self.detached():
+                    os.kill(pid, signal.SIGKILL)
+                self.assertTrue(until(lambda: not self.detached()))
+            self.assertEqual(len(self.names(here)), 1)
+            self.out("-send", self.spool(here) + "x", status=1)
+            sender = subprocess.Popen(self.tool.command("prnout", "-send", self.spool(here)), env=self.tool.env)
+            with listener.accept()[0] as second:  # closes with bytes unread, as a printer that is switched off
+                second.recv(1000)
+            got = b""
+            with listener.accept()[0] as third:
+                while chunk := third.recv(1 << 20):
+                    got += chunk
+            self.assertEqual(sender.wait(15), 0)
+        self.assertTrue(got == content, len(got))
+        self.idle(here)
+
+    def test_job_that_nobody_takes_can_be_removed(self):
+        self.tool.write("big", bytes(20_000_000))
+        with socket.create_server(("127.0.0.1", 0)) as listener:
+            port = listener.getsockname()[1]
+            self.queue("q", port)
+            self.out("-dq", self.tool.path + "/big")
+            with listener.accept()[0]:
+                self.remove("q", "-")
+                self.idle("127.0.0.1:%d" % port)
+
+    def test_line_printer_protocol(self):
+        with FakeLpd(self.tool.path + "/lpd") as printer:
+            self.add("q", "-pm wps -hn 127.0.0.1:%d -psqn rem -bp" % printer.port)
+            self.out("-dq", "-DL", self.tool.path + "/file.txt")
+            self.out("-dq", self.tool.path + "/file.txt")
+            plain, page = printer.wait(2)
+            self.assertEqual((plain, printer.queues, printer.problems), (TEXT, ["rem", "rem"], []))
+            self.assertTrue(page.startswith(b"%!PS") and page.endswith(b"\4" + TEXT))
+            self.idle("127.0.0.1:%d" % printer.port)
+
+    def test_device(self):
+        master, slave = pty.openpty()
+        tty.setraw(slave)
+        device = os.ttyname(slave)
+        self.add("q", "-pm wp -dn %s" % device)
+        self.out("-dq", self.tool.path + "/file.txt")
+        got = b""
+        while len(got) < len(TEXT):
+            got += os.read(master, 4096)
+        self.assertEqual(got, TEXT)
+        self.idle(device.replace("/", "_"))
+        os.close(master), os.close(slave)
+
+    def test_many_at_once(self):
+        port = free_port()
+        self.queue("q", port)
+        contents = [b"job %d\n" % number for number in range(12)]
+        calls = []
+        for number, content in enumerate(contents):
+            self.tool.write("f%d" % number, content)
+            calls.append(subprocess.Popen(self.tool.command("prnout", "-dq", self.tool.path + "/f%d" % number), env=self.tool.env))
+        printer = self.printer(port=port)
+        self.assertEqual([call.wait(60) for call in calls], [0] * 12)
+        self.assertEqual(sorted(printer.wait(12)), sorted(contents))
+        self.idle("127.0.0.1:%d" % port)
+        self.assertEqual(printer.count, 12)
+
+    def test_jobs_of_a_deleted_queue_are_held(self):
+        port = free_port()
+        here = "127.0.0.1:%d" % port
+        self.queue("q", port)
+        self.queue("q2", port)
+        self.out("-dq", self.tool.path + "/file.txt")
+        self.tool_run("q -x")
+        self.tool.write("other", b"other")
+        printer = self.printer(port=port)
+        self.out("-dq2", self.tool.path + "/other")
+        self.assertEqual(printer.wait(1), [b"other"])
+        self.assertTrue(until(lambda: 'queue "q" does not exist' in self.status(here)), self.status(here))
+        self.assertEqual(len(self.names(here)), 1)
+
+    def test_no_way_out_of_the_spool(self):
+        port = free_port()
+        here = "127.0.0.1:%d" % port
+        self.queue("q", port)
+        outside = self.tool.path + "/outside"
+        os.mkdir(outside)
+        os.makedirs(os.path.dirname(self.spool(here)))
+        os.symlink(outside, self.spool(here))
+        self.out("-dq", self.tool.path + "/file.txt", status=1)
+        self.remove("q", "A00001", status=1)
+        os.unlink(self.spool(here))
+        os.mkdir(self.spool(here))
+        os.chmod(self.spool(here), 0o777)
+        self.assertIn("written by others", self.out("-dq", self.tool.path + "/file.txt", status=1))
+        self.assertEqual((os.listdir(outside), os.listdir(self.spool(here))), ([], []))
+
+
+if __name__ == "__main__":
+    unittest.main()
