@@ -389,15 +389,23 @@ struct Walk {
     int counter;
     bool flList;
     HtmlLink *link; // the "a" that waits for its "/a"
+    int linkLine;   // from here a text may have run over, but no new line was begun
 };
+
+// Begins a new line. Of a link that goes on in it only the columns count, so that it never grows by what else
+// stands in its lines.
+static void GoToLine(Walk *walk, int line) {
+    if (line != walk->line) walk->linkLine = line;
+    walk->line = line;
+}
 
 static void NewLine(Walk *walk) {
     if (walk->table) {
-        walk->line++;
+        GoToLine(walk, walk->line + 1);
         walk->column = walk->left;
         return;
     }
-    walk->line += 1 + walk->column / HTML_WIDTH;
+    GoToLine(walk, walk->line + 1 + walk->column / HTML_WIDTH);
     walk->column = 0;
     if (walk->line - Grid.base > PACK_LINES) PackLines(walk->line);
 }
@@ -411,6 +419,7 @@ static void OpenLink(Walk *walk, HtmlItem *item) {
     link->Line = walk->line;
     link->Column = walk->column;
     walk->link = link;
+    walk->linkLine = walk->line;
     if (link->Kind == LINK_HREF) PrintText(walk->file, &walk->line, &walk->column, "<", 1, 0);
 }
 
@@ -419,8 +428,7 @@ static void CloseLink(Walk *walk) {
     if (!link) return;
     walk->link = nullptr;
     if (link->Kind == LINK_HREF) PrintText(walk->file, &walk->line, &walk->column, ">", 1, 0);
-    link->Size = std::max(0, (walk->line - link->Line) * HTML_WIDTH + walk->column - link->Column);
-    if (walk->table && walk->line != link->Line) link->Size = 0;
+    link->Size = std::max(0, (walk->line - walk->linkLine) * HTML_WIDTH + walk->column - link->Column);
     HtmlPage *page = pCurrentPage;
     if ((page->AnchorCount & (page->AnchorCount - 1)) == 0) { // full at each power of two
         size_t size = static_cast<size_t>(std::max(2 * page->AnchorCount, 1)) * sizeof(HtmlLink *);
@@ -440,12 +448,12 @@ static void StartRow(Walk *walk) {
 
 static void EndRow(Walk *walk) {
     if (!walk->table || walk->row < 0 || walk->row >= walk->table->Rows) return;
-    walk->line = walk->rowTop + walk->table->RowHeights[walk->row] + 1;
+    GoToLine(walk, walk->rowTop + walk->table->RowHeights[walk->row] + 1);
 }
 
 static void StartCell(Walk *walk) {
     if (!walk->table) return;
-    walk->line = walk->rowTop;
+    GoToLine(walk, walk->rowTop);
     walk->cell++;
     if (walk->cell > 0 && walk->cell <= walk->table->Cols)
         walk->left += walk->table->ColWidths[walk->cell - 1] + 2 * walk->table->Padding + 1;
@@ -470,13 +478,8 @@ static void LayTable(Walk *walk, HtmlItem *item) {
         table->Y = walk->line;
     }
     BuildTextBody(walk->file, table, table->Y + 1, table->X);
-    if (walk->table) {
-        walk->line = table->Y + table->Height;
-        walk->column = walk->left;
-    } else {
-        walk->line = table->Y + table->Height;
-        walk->column = table->X;
-    }
+    GoToLine(walk, table->Y + table->Height);
+    walk->column = walk->table ? walk->left : table->X;
 }
 
 // Measures from the token behind the table's own, then lays it out from there.
@@ -543,7 +546,7 @@ static bool LayItem(Walk *walk, HtmlItem *item) {
 }
 
 void BuildTextBody(HtmlFile *file, HtmlTable *table, int line, int column) {
-    Walk walk = {file, table, line, column, column, line, -1, -1, 0, false, nullptr};
+    Walk walk = {file, table, line, column, column, line, -1, -1, 0, false, nullptr, 0};
     TableDepth++;
     if (table) DrawTableArea(file, table);
     for (HtmlItem *item = NextItem(); item && LayItem(&walk, item); item = NextItem()) {

@@ -90,13 +90,13 @@ TEST(Html, Pages) {
 TEST(Html, LinksLieBetweenTheirMarks) {
     FileIndex = 0;
     std::string longText(200, 'y');
-    HtmlFile *file =
-        Load("<html><body>ab<a href=\"#x\">one</a><br>" + longText +
-             "<a href=#y class=z>two</a><br><a name=\"x\">here</a><br><a>none</a></body></html>");
+    HtmlFile *file = Load("<html><body>ab<a href=\"#x\">one</a><br>" + longText +
+                          "<a href=#y class=z>two</a><br><a name=\"x\">here</a><br><a>none</a><br><a "
+                          "href=\"#y\">long<br>two</a> and more<br></body></html>");
     HtmlPage *page = file->Pages;
-    const char *const texts[] = {"<one>", "<two>", "here", "none"};
-    ASSERT_EQ(page->AnchorCount, 4);
-    for (int i = 0; i < 4; i++) {
+    const char *const texts[] = {"<one>", "<two>", "here", "none", "<lon"};
+    ASSERT_EQ(page->AnchorCount, 5);
+    for (int i = 0; i < 5; i++) {
         const HtmlLink *link = page->Anchors[i];
         EXPECT_EQ(std::string(page->TextImage + link->Start, page->TextImage + link->End), texts[i]);
     }
