@@ -22,7 +22,7 @@ def section(number):
         f"<tr><td>Tray {row}</td><td>{WORDS[row:row + 24]}</td><td>{number * row % 1000} sheets</td></tr>\n"
         for row in range(1, 8))
     return (f'<h2><a name="s{number}">Section {number}</a></h2>\n<p>'
-            + f"{WORDS[:72]}<br>\n" * 6
+            + f"{WORDS[:83]}<br>\n" * 6
             + f'See <a href="#s{number // 2}">section {number // 2}</a>&#32;for more.</p>\n'
             + f"<table border cellpadding=7>\n{rows}</table>\n")
 
@@ -58,7 +58,7 @@ def main():
             file = str(Path(scratch) / f"page{times}.html")
             size = Path(file).write_text(page(SECTIONS * times))
             ms, kb = over_start([HTMLTEXT], file, start)
-            lynx_ms, lynx_kb = over_start(["lynx", "-dump", "-nolist"], file, start)
+            lynx_ms, lynx_kb = over_start(["lynx", "-dump"], file, start)
             print(f"{size // 1000:>9} KB{'':<12}{ms:>9.1f}{lynx_ms:>9.1f}{ms / lynx_ms:>7.2f}"
                   f"{kb:>10.0f}{lynx_kb:>9.0f}{kb / lynx_kb:>7.2f}")
 

@@ -5,6 +5,7 @@
 #include "common/Token.h"
 #include "common/utils.h"
 
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -12,7 +13,7 @@
 #include <string>
 #include <strings.h>
 
-enum { ENTITY_NAME = 16, FIRST_ENTITY = 160 };
+enum { ENTITY_NAME = 16, FIRST_ENTITY = 160, BODY_PART = 1024 };
 
 HtmlFile *aFile[HTML_FILES];
 int FileIndex = 0;
@@ -114,7 +115,7 @@ static HtmlLink *ReadLink(char *attributes) {
         char *value = strchr(word, '=');
         if (!value) continue;
         *value++ = 0;
-        int kind = FindTokenC(word, ",name,href,");
+        int kind = *word ? FindTokenC(word, ",name,href,") : LINK_NONE; // a blank may precede the "="
         if (kind == LINK_NONE) continue;
         if (*value == '"') value++;
         if (char *end = strchr(value, '"')) *end = 0;
@@ -150,6 +151,9 @@ struct RunState {
     char *run;   // start of the open run, or null
     char *write; // end of it
     bool blank;  // its last character is white space
+    int tables;  // read, but not their ends
+    bool flLink; // the same of an "a"
+    bool flLast; // no ";" is left
 };
 
 static void AddRunChar(RunState *state, char *start, char c) {
@@ -167,7 +171,8 @@ static void ReadEntity(RunState *state) {
     char *end = nullptr;
     size_t length = strnlen(start, ENTITY_NAME);
     if (start[1] == '#') {
-        end = strchr(start, ';');
+        end = state->flLast ? nullptr : strchr(start, ';');
+        state->flLast = !end;
         int code = end ? static_cast<unsigned char>(atoi(start + 2)) : 0;
         state->read = end ? end + 1 : start + 1;
         if (!end)
@@ -188,7 +193,13 @@ static void ReadEntity(RunState *state) {
     AddRunChar(state, start, c);
 }
 
-// The tag at the read position; null at the end tag, which is passed.
+static void NoteOpenTags(RunState *state, HtmlKey key) {
+    if (key == KEY_TABLE) state->tables++;
+    if (key == KEY_TABLE_END && state->tables > 0) state->tables--;
+    if (key == KEY_A || key == KEY_A_END) state->flLink = key == KEY_A;
+}
+
+// The tag at the read position; false at the end tag, which is passed.
 static bool ReadTag(RunState *state, HtmlItems *items, const char *endTag) {
     char *tag = state->read + 1;
     char *end = strchr(tag, '>');
@@ -205,6 +216,7 @@ static bool ReadTag(RunState *state, HtmlItems *items, const char *endTag) {
     if (*value) *value++ = 0;
     if (*tag == '/' && strcasecmp(tag + 1, endTag) == 0) return false;
     AddAtribute(items, tag, value);
+    NoteOpenTags(state, items->items[items->count - 1].Key);
     return true;
 }
 
@@ -217,13 +229,16 @@ static void ReadBlank(RunState *state) {
     state->read++;
 }
 
-void ParseHtml(HtmlFile *file, HtmlItems *items, const char *endTag) {
-    RunState state = {file->Cursor, nullptr, nullptr, false};
-    bool flGoOn = true;
-    while (flGoOn && *state.read) {
+// Reads to the end of the section, or, with enough tokens, to a tag that leaves no table and no link open.
+// Whether more is to come.
+static bool ReadItems(HtmlFile *file, HtmlItems *items, const char *endTag, int enough) {
+    RunState state = {file->Cursor, nullptr, nullptr, false, 0, false, false};
+    bool flGoOn = true, flEnough = false;
+    while (flGoOn && !flEnough && *state.read) {
         char c = *state.read;
         if (c == '<') {
             flGoOn = ReadTag(&state, items, endTag);
+            flEnough = items->count >= enough && state.tables == 0 && !state.flLink;
         } else if (c == '&') {
             ReadEntity(&state);
         } else if (IsBlank(c)) {
@@ -234,6 +249,11 @@ void ParseHtml(HtmlFile *file, HtmlItems *items, const char *endTag) {
         }
     }
     file->Cursor = state.read;
+    return flGoOn && *state.read;
+}
+
+void ParseHtml(HtmlFile *file, HtmlItems *items, const char *endTag) {
+    ReadItems(file, items, endTag, INT_MAX);
 }
 
 /*-- files
@@ -263,6 +283,41 @@ static void SkipDocument(HtmlFile *file) {
     file->Cursor = close ? close + 1 : file->Cursor + strlen(file->Cursor);
 }
 
+// The tokens have done their work when they are laid out; what the anchors hold and the image stay.
+static void DropItems(HtmlItems *items) {
+    for (int i = 0; i < items->count; i++) {
+        const HtmlItem &item = items->items[i];
+        if (item.Key == KEY_A && item.Value.Link->End < 0) PutMem(item.Value.Link);
+        if (item.Key != KEY_FITAB) continue;
+        PutMem(item.Value.Table->RowHeights);
+        PutMem(item.Value.Table->ColWidths);
+        PutMem(item.Value.Table);
+    }
+    items->count = 0;
+}
+
+static void FreeItems(HtmlItems *items) {
+    DropItems(items);
+    PutMem(items->items);
+    *items = HtmlItems{};
+}
+
+// A long body is laid out while it is read, so that few of its tokens are there at a time. Not before there
+// is a head, whose title comes first, nor when the tokens of an earlier body wait for this one.
+static void ReadBody(HtmlFile *file, HtmlPage *page) {
+    bool flParts = page->Head.count > 0 && page->Body.count == 0;
+    while (ReadItems(file, &page->Body, "body", flParts ? BODY_PART : INT_MAX)) {
+        BuildTextPart(file);
+        DropItems(&page->Body);
+    }
+}
+
+static void FinishPage(HtmlFile *file) {
+    PrintTextImage(file);
+    FreeItems(&pCurrentPage->Head);
+    FreeItems(&pCurrentPage->Body);
+}
+
 // An html tag: a page of its own if it is the first or names one, else the page goes on.
 static HtmlPage *ReadHtmlTag(HtmlFile *file, HtmlPage *page, char *tag) {
     if (strstr(tag, "SkipPage")) {
@@ -271,7 +326,9 @@ static HtmlPage *ReadHtmlTag(HtmlFile *file, HtmlPage *page, char *tag) {
     }
     char *name = StrCaseStr(tag, "page=\"");
     if (page && !name) return page;
+    if (page) FinishPage(file);
     page = AddPage(file, page);
+    pCurrentPage = page;
     if (name) {
         page->Name = name + strlen("page=\"");
         if (char *end = strchr(page->Name, '"')) *end = 0;
@@ -290,6 +347,7 @@ static const char *FirstWord(const char *tag) {
     return word;
 }
 
+// Each page is current while it is read.
 static void ReadPages(HtmlFile *file) {
     enum { TAG_HTML = 1, TAG_HEAD, TAG_BODY };
     HtmlPage *page = nullptr;
@@ -300,25 +358,12 @@ static void ReadPages(HtmlFile *file) {
             if (page && page->Head.count == 0) ParseHtml(file, &page->Head, "head");
             break;
         case TAG_BODY:
-            if (page) ParseHtml(file, &page->Body, "body");
+            if (page) ReadBody(file, page);
             break;
         default: break; // other tags stand outside the two sections
         }
     }
-}
-
-// The tokens have done their work when the image stands; what the anchors hold and the image stay.
-static void FreeItems(HtmlItems *items) {
-    for (int i = 0; i < items->count; i++) {
-        const HtmlItem &item = items->items[i];
-        if (item.Key == KEY_A && item.Value.Link->End < 0) PutMem(item.Value.Link);
-        if (item.Key != KEY_FITAB) continue;
-        PutMem(item.Value.Table->RowHeights);
-        PutMem(item.Value.Table->ColWidths);
-        PutMem(item.Value.Table);
-    }
-    PutMem(items->items);
-    *items = HtmlItems{};
+    if (page) FinishPage(file);
 }
 
 void FreeHtmlFile(HtmlFile *file) {
@@ -351,11 +396,6 @@ static HtmlFile *LoadHtmlFile(const std::string &name, const char *buffer) {
     }
     CurrentFile = FileIndex;
     aFile[FileIndex++] = file;
-    for (pCurrentPage = file->Pages; pCurrentPage; pCurrentPage = pCurrentPage->next) {
-        PrintTextImage(file);
-        FreeItems(&pCurrentPage->Head);
-        FreeItems(&pCurrentPage->Body);
-    }
     return file;
 }
 

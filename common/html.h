@@ -3,9 +3,9 @@
 // One file may hold several documents; each becomes a page. A file is read once and stays loaded, with the
 // text image of every page, for the life of the process. Only the tags of HtmlKeys mean anything to the
 // layout; unknown tags pass unharmed. Nothing reports a fault in a page: a missing end tag runs to the end of
-// the content. Costs: reading and layout are linear in the size of the file. The tokens live only until the
-// image of their page is built; what stays is the content (targets of links point into it), the links and the
-// image.
+// the content. Costs: reading and layout are linear in the size of the file. The tokens live only until they
+// are laid out, those of a long body while it is read; what stays is the content (targets of links point into
+// it), the links and the image.
 #pragma once
 
 #include <cstddef>
@@ -142,6 +142,8 @@ void AddAtribute(HtmlItems *items, char *tag, char *value);
 
 // Layout of the current page; the reader calls them for each page of a new file.
 void BuildTextImage(HtmlFile *file);
+// Lays out the tokens in Body, which may go then; more follow. No table and no link is open behind them.
+void BuildTextPart(HtmlFile *file);
 void PrintTextImage(HtmlFile *file);
 void BuildTextBody(HtmlFile *file, HtmlTable *table, int line, int column);
 HtmlTable *GetTextTable(HtmlFile *file, HtmlItem *token, int available);

@@ -13,7 +13,14 @@
 #include <cstdlib>
 #include <cstring>
 
-enum { TABLE_DEPTH = 64, TABLE_CELLS = 1000, PACK_LINES = 64, NO_WIDTH = -1 };
+enum {
+    TABLE_DEPTH = 64,
+    TABLE_CELLS = 1000,
+    PACK_LINES = 64,
+    NO_WIDTH = -1,
+    IMAGE_FIRST = 4096,
+    IMAGE_PART = 32768
+};
 // Widths beyond these come from damaged pages only; they bound what such a page can cost.
 enum { TABLE_WIDTH_MAX = 4096, TABLE_PADDING_MAX = HTML_WIDTH };
 
@@ -25,11 +32,19 @@ static struct {
     int used; // lines below this one hold text, counted from the top of the page
 } Grid;
 
+// The packed text is gathered in parts: so it grows without a second copy of what is there. Most pages need
+// the first part only, which is small enough to share a block of memory with what stays.
+struct ImagePart {
+    ImagePart *next;
+    size_t size; // of the text, which follows
+};
+
 // The packed text, and the offset in it of each line packed so far.
 static struct {
-    char *text; // managed
+    ImagePart *first; // managed, as all of them
+    ImagePart *last;
+    size_t free; // bytes at the end of the last
     size_t length;
-    size_t capacity;
     int *starts; // managed
     int lines;
     int capacityLines;
@@ -82,13 +97,44 @@ static void PrintChars(int line, int column, char c, int length) {
 /*-- packing
  * --------------------------------------------------------------------------------------------------*/
 
+static char *ImageText(ImagePart *part) {
+    return reinterpret_cast<char *>(part + 1);
+}
+
+static void AddImagePart() {
+    size_t size = Image.first ? IMAGE_PART : IMAGE_FIRST;
+    ImagePart *part = static_cast<ImagePart *>(Grow(nullptr, size));
+    part->size = size - sizeof(ImagePart);
+    (Image.last ? Image.last->next : Image.first) = part;
+    Image.last = part;
+    Image.free = part->size;
+}
+
 static void AddImage(const char *text, size_t length) {
-    if (Image.length + length + 1 > Image.capacity) {
-        Image.capacity = std::max(Image.capacity * 3 / 2, Image.length + length + 4096);
-        Image.text = static_cast<char *>(Grow(Image.text, Image.capacity));
-    }
-    memcpy(Image.text + Image.length, text, length);
     Image.length += length;
+    while (length > 0) {
+        if (Image.free == 0) AddImagePart();
+        size_t count = std::min(length, Image.free);
+        memcpy(ImageText(Image.last) + Image.last->size - Image.free, text, count);
+        Image.free -= count;
+        text += count;
+        length -= count;
+    }
+}
+
+// The whole text. Owns: the result.
+static char *JoinImage() {
+    char *text = static_cast<char *>(Grow(nullptr, Image.length + 1));
+    size_t done = 0;
+    for (ImagePart *part = Image.first; part;) {
+        ImagePart *next = part->next;
+        size_t count = std::min(part->size, Image.length - done);
+        memcpy(text + done, ImageText(part), count);
+        done += count;
+        PutMem(part);
+        part = next;
+    }
+    return text;
 }
 
 static void NoteLineStart(int line, size_t start) {
@@ -428,6 +474,7 @@ static void CloseLink(Walk *walk) {
     if (!link) return;
     walk->link = nullptr;
     if (link->Kind == LINK_HREF) PrintText(walk->file, &walk->line, &walk->column, ">", 1, 0);
+    link->End = 0; // it is the page's from here on
     link->Size = std::max(0, (walk->line - walk->linkLine) * HTML_WIDTH + walk->column - link->Column);
     HtmlPage *page = pCurrentPage;
     if ((page->AnchorCount & (page->AnchorCount - 1)) == 0) { // full at each power of two
@@ -545,14 +592,18 @@ static bool LayItem(Walk *walk, HtmlItem *item) {
     return true;
 }
 
-void BuildTextBody(HtmlFile *file, HtmlTable *table, int line, int column) {
-    Walk walk = {file, table, line, column, column, line, -1, -1, 0, false, nullptr, 0};
+static void LayItems(Walk *walk) {
     TableDepth++;
-    if (table) DrawTableArea(file, table);
-    for (HtmlItem *item = NextItem(); item && LayItem(&walk, item); item = NextItem()) {
+    if (walk->table) DrawTableArea(walk->file, walk->table);
+    for (HtmlItem *item = NextItem(); item && LayItem(walk, item); item = NextItem()) {
     }
     TableDepth--;
-    pCurrentPage->LineCount = std::max(Grid.used, walk.line + 1);
+    pCurrentPage->LineCount = std::max(Grid.used, walk->line + 1);
+}
+
+void BuildTextBody(HtmlFile *file, HtmlTable *table, int line, int column) {
+    Walk walk = {file, table, line, column, column, line, -1, -1, 0, false, nullptr, 0};
+    LayItems(&walk);
 }
 
 // The text tokens between title and /title. Returns whether there is a title.
@@ -572,17 +623,28 @@ static bool LayTitle(HtmlFile *file, int *line, int *column) {
     return flText;
 }
 
-void BuildTextImage(HtmlFile *file) {
-    Grid.base = 0;
-    Grid.used = 0;
-    if (Grid.cells) memset(Grid.cells, 0, static_cast<size_t>(Grid.rows) * HTML_WIDTH);
+static Walk BodyWalk; // of the page whose image is being built; no file if there is none
+
+static void StartTextImage(HtmlFile *file) {
+    Grid = {};
     Image = {};
     TableDepth = 0;
     int line = 0, column = 0;
     if (LayTitle(file, &line, &column)) line += 2;
+    BodyWalk = {file, nullptr, line, 0, 0, line, -1, -1, 0, false, nullptr, 0};
+}
+
+void BuildTextPart(HtmlFile *file) {
+    if (!BodyWalk.file) StartTextImage(file);
     pCurrentPage->Body.cursor = 0;
-    BuildTextBody(file, nullptr, line, 0);
+    LayItems(&BodyWalk);
+    BodyWalk.link = nullptr; // goes with the tokens
+}
+
+void BuildTextImage(HtmlFile *file) {
+    BuildTextPart(file);
     PackLines(std::max(Grid.used, 1));
+    BodyWalk = {};
 }
 
 // Layout positions become offsets in the packed text.
@@ -597,9 +659,7 @@ void PrintTextImage(HtmlFile *file) {
     if (pCurrentPage->TextImage) return;
     BuildTextImage(file);
     for (int i = 0; i < pCurrentPage->AnchorCount; i++) PlaceLink(pCurrentPage->Anchors[i]);
-    Image.text = static_cast<char *>(Grow(Image.text, Image.length));
-    Image.text[Image.length] = 0;
-    pCurrentPage->TextImage = Image.text;
+    pCurrentPage->TextImage = JoinImage();
     pCurrentPage->LineCount = Image.printed;
     PutMem(Image.starts);
     PutMem(Grid.cells);
