@@ -83,7 +83,8 @@ def check_tags(manual, text, known):
         if end + tag not in known and tag not in DOCUMENT_TAGS:
             manual.fault(where, "unknown tag %s%s" % (end, tag))
         elif tag in SINGLE_TAGS:
-            continue
+            if tag != "img" and open_tags[-1:] == ["a"]:
+                manual.fault(where, "a link goes on in a new line")
         elif not end:
             open_tags.append(tag)
         elif not open_tags or open_tags.pop() != tag:

@@ -40,7 +40,7 @@ DAMAGES = [
     Damage("dead link", "#two\">Two", "#tow\">Two", "nothing is called #tow"),
     Damage("link to a file", "#two\">Two", "two.html\">Two", "leads out of the file"),
     Damage("link without text", ">Back<", "><", "shows no text"),
-    Damage("link over two lines of a cell", ">Two</a>", ">Two<br>lines</a>", "shows no text"),
+    Damage("link over two lines", ">Two</a>", ">Two<br>lines</a>", "a link goes on in a new line"),
     Damage("page that nothing leads to", "</body></html>\n<html page=\"two\"", "</body></html>\n<html page=\"alone\">"
            "<head></head><body>x</body></html>\n<html page=\"two\"", "no way leads here"),
     Damage("name twice", "page=\"two\"", "page=\"contents\"", "more than one page of this name"),
