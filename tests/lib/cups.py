@@ -41,10 +41,7 @@ DefaultShared No
 WebInterface No
 DirtyCleanInterval 0
 LogLevel info
-"""
-
-# Without a location nobody may administer: a client then asks for a password, if it finds a terminal.
-OPEN_CONF = """<Location />
+<Location />
   Allow localhost
 </Location>
 """
@@ -88,7 +85,7 @@ CONVS = "application/postscript application/vnd.cups-postscript 66 pstops\n"
 
 
 class Scheduler:
-    def __init__(self, locked=False):
+    def __init__(self):
         self.root = tempfile.mkdtemp(prefix="prncups.", dir="/tmp")
         os.chmod(self.root, 0o755)
         self.socket = self.root + "/run/cups.sock"
@@ -97,7 +94,7 @@ class Scheduler:
             os.makedirs(os.path.join(self.root, name))
         self._link_tree()
         self._write("etc/cups-files.conf", FILES_CONF)
-        self._write("etc/cupsd.conf", CUPSD_CONF + ("" if locked else OPEN_CONF))
+        self._write("etc/cupsd.conf", CUPSD_CONF)
 
     @staticmethod
     def missing():

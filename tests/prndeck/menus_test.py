@@ -4,9 +4,7 @@ import sys
 import unittest
 
 from decktool import DeckTool
-from term import Term
 
-FOOTER = "for help: "
 RETURN = "Press <Return> to continue"
 ADD = "prnqtool <%s> <-log> <prndeck> <-fs> <.settings> <-ppd> <tv_c410.ppd> <-pm> "
 
@@ -48,21 +46,13 @@ class Flows(unittest.TestCase):
             self.play("1\n1 new\n" + answers + "6\n")
             self.assertEqual(self.tool.lines(), [ADD % "new" + tail], answers)
 
-    def test_add_model_and_remote_queue(self):
-        out = self.play("1\n1\nnew\n2 9\n5 localhost\n15\n6\n")
-        self.assertIn("[9. Tarvo X150]", out)  # a model without banner pages
-        self.assertEqual(self.tool.lines(), [(ADD % "new").replace("c410", "x150") +
-                                             "<wp> <-lpd> <-hn> <localhost> <-psqn> <PORT1> <-fe> <-ui>"])
-
     def test_add_refuses(self):
         for answers, said in (
                 ("15\n\n", "All names must be set"),
                 ("1 new\n5 no.such.host.invalid\n15\n\n", "Unknown hostname no.such.host.invalid" + RETURN),
                 ("1 new\n5 $(touch$IFS./x)\n15\n\n", "Unknown hostname $(touch$IFS./x)" + RETURN),
                 ("1 q1\n5 localhost\n15\nY\nn\n", 'destroy your current queue "q1"\nReplace q1? [y/n] '),
-                ("1 a.b\n\n", "Invalid character '.'"),
-                ("1 fifteen_letters\n\n", "This entry must have 1 to 14 characters."),
-                ("5 0.0.0.0\n\n", 'Invalid entry "0.0.0.0"')):
+                ("1 fifteen_letters\n\n", "This entry must have 1 to 14 characters.")):
             out = self.play("1\n" + answers + "16\n6\n")
             self.assertIn(said, out)
             self.assertEqual(self.tool.lines(), [], answers)
@@ -88,19 +78,6 @@ class Flows(unittest.TestCase):
             ADD % "new" + "<wp> <-lpd> <-dn> <%s> <-psqn> <lp> <-fe> <-bp> <-ui>" % value for value in values])
         self.assertFalse((self.tool.path / "x").exists())
 
-    def test_entries_too_long(self):
-        for length in (256, 4000, 4095):
-            out = self.play("1\n4\n6\n" + "x" * length + "\n\n5\n" + "y" * length + "\n\n1 " + "z" * length + "\n\n16\n6\n")
-            self.assertEqual(self.tool.lines(), [])
-            self.assertNotIn("Sanitizer", out)
-
-    def test_feature_dialogue_talks_on_the_terminal(self):
-        self.tool.write("prnpnxxtty", '#!/bin/sh\nprintf "words: %s. answer? " "$*"\nread x\necho "answer=$x" >.settings\n', 0o755)
-        out = self.play("1\n12\nmine\n1 new\n5 localhost\n15\n6\n")
-        self.assertIn("words: -tty -SBP -GS%s/ppd/tv_c410.ppd. answer? " % self.tool.path, out)
-        self.assertEqual(self.tool.read(".settings"), "answer=mine\n")
-        self.assertEqual(len(self.tool.lines()), 1)
-
     # ---- Modify
 
     def test_modify(self):
@@ -120,7 +97,6 @@ class Flows(unittest.TestCase):
         self.tool.que({name: name + " host lp tv_w520.ppd 0 0 1 1 0 1 " for name in ("q1", "w" * 31, "w" * 32)})
         for name, said in (("q9", 'Queue "q9" does not exist\nRecreate q9 using Add queue.\n'),
                            ("q", "Modification is not supported for this queue!!!!!\nRecreate q using Add queue.\n"),
-                           ("other", "Modification is not supported for this queue!!!!!\nRecreate other using"),
                            ("w" * 32, "Modification is not supported for this queue!!!!!"),  # not the queue of 31
                            ("%s%n" * 20, 'Queue "' + "%s%n" * 20 + '" does not exist'),
                            ("k" * 4000, 'Queue "' + "k" * 4000 + '" does not exist'),
@@ -128,11 +104,6 @@ class Flows(unittest.TestCase):
             out = self.play("2\n" + name + "\n\n" + ("8\n" if "\xff" in name else "") + "6\n")
             self.assertIn(said, out)
         self.assertEqual(self.tool.lines(), [])
-
-    def test_nothing_to_modify(self):
-        self.tool.queues()
-        out = self.play("2\n\n3\n\n6\n")
-        self.assertEqual(out.count("There have been no queues created yet. Use the Add queue menu selection first.\n"), 2)
 
     def test_damaged_records(self):
         for record in ("", " ", "q1", "q1 " + "h" * 500 + " x y z", "q1 %n%n%n lp $(touch x).ppd 77 300 -1 x", "\xff" * 60000):
@@ -162,12 +133,6 @@ class Flows(unittest.TestCase):
         self.assertIn('"zz" is not an existing queue.' + RETURN, out)
         self.assertEqual(self.tool.lines(), ["prnqtool <%s> <-x> <-log> <prndeck>" % name for name in ("q1", "q2")])
 
-    def test_delete_all(self):
-        names = ["printer%02i" % i for i in range(30)]
-        self.tool.queues(*names)
-        self.play("4\n-\nn\n4\n-\ny\n6\n")
-        self.assertEqual(self.tool.lines(), ["prnqtool <%s> <-x> <-log> <prndeck>" % name for name in names])
-
     # ---- Banner
 
     def test_banner_of_a_new_queue(self):
@@ -182,7 +147,7 @@ class Flows(unittest.TestCase):
         self.assertEqual(self.tool.lines(), ["prnqtool <-dbps> <.bsettings>", "prnqtool <-xdbps>"])
         self.assertFalse((self.tool.path / ".bsettings").exists())
 
-    # ---- End of input, a real terminal
+    # ---- End of input
 
     def test_end_of_input_at_every_prompt(self):
         script = ("1\n1\nnew\n4\n6\n/dev/lp0\n13\n1\ntitle\n8\n15\n" "1\n1 q1\n5 no.such.host.invalid\n15\ny\n\n16\n"
@@ -191,18 +156,6 @@ class Flows(unittest.TestCase):
             status, out, err = self.tool.run("-tty", script="".join(script[:count]))
             self.assertEqual((status, err), (1, "\nprndeck: reading from standard input : Success\n"), script[:count])
             self.assertLess(len(out), 100000)
-
-    def test_on_a_terminal(self):
-        with Term([self.tool.program, "-tty"], cwd=self.tool.path, env={"LANG": "C"}) as term:
-            term.wait(FOOTER)
-            self.assertIn("Setup printing model", term.line("1", FOOTER))
-            term.line("1", "Enter the printer name: ")
-            self.assertIn("[new]", term.line("new", FOOTER))
-            self.assertIn("[localhost]", term.line("5 localhost", FOOTER))
-            self.assertIn("Tarvo Printer Administration 4.50.29", term.line("15", FOOTER))
-            term.line("6")
-            self.assertEqual(term.end(), 0)
-        self.assertEqual(len(self.tool.lines()), 1)
 
 
 if __name__ == "__main__":

@@ -1,7 +1,5 @@
 """The queue tool on a real scheduler: jobs arrive, refusals keep the old queue, faults of the scheduler change nothing."""
 import os
-import pty
-import select
 import shutil
 import subprocess
 import sys
@@ -9,7 +7,7 @@ import time
 import unittest
 
 from cups import Scheduler
-from fakeprinter import FakeLpd, FakePrinter
+from fakeprinter import FakePrinter
 from tooldir import PPD, QueueTool, ToolDir
 
 DOCUMENT = b"%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%Page: 1 1\n(prnqtool) pop showpage\n%%EOF\n"
@@ -20,13 +18,12 @@ PLAIN_PPD = PPD.format(model="Tarvo Plain") + '*cupsFilter: "application/postscr
 
 
 class OnScheduler(QueueTool, unittest.TestCase):
-    locked = False
     ppd, target = "plain.ppd", "-pm psp -hn h1"
 
     def setUp(self):
         if Scheduler.missing():
             self.skipTest(Scheduler.missing())
-        self.cups = self.enterContext(Scheduler(self.locked))
+        self.cups = self.enterContext(Scheduler())
         self.tool = self.enterContext(ToolDir("prnqtool"))
         self.tool.env = self.cups.env()
         self.tool.write("ppd/plain.ppd", PLAIN_PPD)
@@ -36,22 +33,11 @@ class OnScheduler(QueueTool, unittest.TestCase):
         done = self.cups.run("lp", "-s", "-d", queue, *words, self.tool.path + "/job.ps")
         self.assertEqual((done.returncode, done.stderr), (0, ""))
 
-    def printer(self, kind=FakePrinter):
-        return self.enterContext(kind(self.tool.path + "/got." + kind.__name__))
-
-    def leftovers(self):
-        return [name for name in self.cups.queues() if name.startswith("_prnq_")]
+    def printer(self):
+        return self.enterContext(FakePrinter(self.tool.path + "/got"))
 
 
 class Jobs(OnScheduler):
-    def test_jobs_arrive(self):
-        socket, lpd = self.printer(), self.printer(FakeLpd)
-        self.add("s", "-pm psp -lpd -hn 127.0.0.1:%d" % socket.port)
-        self.add("l", "-pm wps -lpd -hn 127.0.0.1:%d -psqn remote1" % lpd.port)
-        self.lp("s")
-        self.lp("l")
-        self.assertEqual((socket.wait(1), lpd.wait(1)), ([DOCUMENT], [DOCUMENT]))
-        self.assertEqual((lpd.queues, lpd.problems), (["remote1"], []))
 
     def test_banner_page_and_firmware(self):
         printer = self.printer()
@@ -78,24 +64,6 @@ class Jobs(OnScheduler):
         self.lp("own")
         self.assertEqual(printer.wait(5)[4].count(b"showpage"), 1)
         self.assertNotIn("Syntax error", self.cups.log())
-
-    def test_no_banner_while_jobs_wait(self):
-        self.add("busy", "-pm psp -hn 127.0.0.1:9")  # nobody listens: the job stays
-        self.lp("busy")
-        done = self.add("q", "-pm psp -hn h1 -bp")
-        self.assertIn("jobs are waiting", done.stderr)
-        self.assertEqual(self.cups.options("q")["JobSheets"], "none none")
-        self.cups.run("cancel", "-a", "busy")
-        self.assertEqual(self.tool_run("q -mq -bp").stderr, "")
-        self.assertEqual(self.cups.options("q")["JobSheets"], "prnq none")
-
-    def test_settings_reach_the_ppd(self):
-        self.tool.write(".settings", "Duplex=DuplexNoTumble\nPageSize=Nowhere\nprinter-op-policy=x\njunk\nX=`id`\n")
-        self.add("q", "-pm psp -hn h1 -fe")
-        self.assertIn("*DefaultDuplex: DuplexNoTumble", self.cups.ppd("q"))
-        self.assertIn("*DefaultPageSize: A4", self.cups.ppd("q"))
-        self.tool_run("q -mq")  # features off: the model's own choice again
-        self.assertIn("*DefaultDuplex: None", self.cups.ppd("q"))
 
 
 class Refusals(OnScheduler):
@@ -160,19 +128,6 @@ class Refusals(OnScheduler):
         self.assertIn("*DefaultPageSize: Letter", self.cups.ppd("q"))
         self.assertEqual((self.cups.options("q")["JobSheets"], self.cups.default()), ("none none", None))
         self.assertEqual(self.cups.options("q")["Info"], "Tarvo B")
-
-    def test_new_queue_goes_without_a_refused_ppd(self):
-        done = self.add("raw", "-pm psp -hn h1", ppd="broken.ppd")
-        self.assertIn("warning: queue \"raw\" goes without its PPD file", done.stderr)
-        self.assertEqual((self.cups.ppd("raw"), "raw" in self.cups.queues()), (None, True))
-        self.tool_run("raw -mq -ui")
-
-    def test_leftovers_of_a_killed_run_go(self):
-        for name in ("_prnq_probe", "_prnq_nodef"):
-            self.cups.run("lpadmin", "-p", name, "-v", "file:/dev/null")
-        self.assertEqual(self.tool_run("-LQ").stdout, "q:\n")
-        self.tool_run("q -mq")
-        self.assertEqual(self.leftovers(), [])
 
     def test_full_or_read_only_disk(self):
         database = self.tool.path + "/db"
@@ -241,31 +196,6 @@ class Faults(OnScheduler):
         self.cups.stop()
         self.assertIn("the scheduler isn't running", self.tool_run("q -x", status=1, **env).stderr)
 
-    def test_queues_of_others(self):
-        self.cups.run("lpadmin", "-p", "foreign", "-v", "socket://h1:9100", "-E")
-        self.assertEqual(self.tool_run("-LQ").stdout, "foreign:\n")
-        self.assertIn("has no record", self.tool_run("foreign -mq -bp", status=1).stderr)
-        self.add("q")
-        self.cups.run("lpadmin", "-x", "q")  # a stale record goes with -x
-        self.tool_run("q -x")
-        self.assertEqual(self.tool.records(), {})
-        self.tool_run("foreign -x")
-        self.assertEqual(self.cups.queues(), {})
-
-    def test_both_stores_side_by_side(self):
-        self.add("mine", PRNQ_STORE="file")
-        self.add("theirs")
-        self.assertEqual(sorted(self.tool_run("-LQ").stdout.split()), ["mine:", "theirs:"])
-        self.add("Theirs", status=1)
-        self.tool_run("mine -mq -d")
-        self.tool_run("theirs -mq -d")
-        self.assertEqual(self.cups.default(), "theirs")
-        self.tool_run("mine -mq -d")
-        self.assertEqual((self.cups.default(), self.tool.records()[" default"]), (None, b"mine\0"))
-        self.cups.stop()
-        self.tool_run("mine -x")
-        self.tool_run("theirs -x", status=1)
-
     def test_killed_at_any_moment(self):
         self.add("q")
         start = time.monotonic()
@@ -283,28 +213,6 @@ class Faults(OnScheduler):
             self.assertIn("q", self.cups.queues())
         self.add("q", "-pm psp -hn last")
         self.assertEqual(self.cups.queues(), {"q": "socket://last:9100/?snmp=false"})
-
-
-class Locked(OnScheduler):
-    locked = True
-
-    def test_never_asks_on_the_terminal(self):
-        pid, terminal = pty.fork()
-        if pid == 0:
-            os.execve(self.tool.path + "/prnqtool", ["prnqtool", "q", "-ppd", "plain.ppd", "-pm", "psp", "-hn", "h1"],
-                      self.tool.env)
-        shown, end = b"", time.monotonic() + 20
-        while time.monotonic() < end and select.select([terminal], [], [], 20)[0]:
-            try:
-                shown += os.read(terminal, 4096)
-            except OSError:
-                break
-        _, status = os.waitpid(pid, 0)
-        os.close(terminal)
-        self.assertEqual(os.waitstatus_to_exitcode(status), 1)
-        self.assertIn(b"Unauthorized", shown)
-        self.assertNotIn(b"assword", shown)
-        self.assertEqual((self.cups.queues(), self.tool.records()), ({}, {}))
 
 
 if __name__ == "__main__":

@@ -9,12 +9,10 @@ from tooldir import QueueTool, ToolDir
 # Queue, words of the add line, main record behind the name, URI in CUPS (less its last part) and in the file.
 ADDED = [
     ("printer", "-pm wp -lpd -hn h1 -psqn lp -fe -bp -ui", "h1 lp tv_a.ppd 0 1 1 1 0 1 ", "lpd://h1/lp"),
-    ("direct", "-pm wp -hn h1:9101", "h1:9101 lp tv_a.ppd 0 0 0 0 0 0 ", "socket://h1:9101"),
     ("server", "-pm wps -lpd -hn s1 -psqn rem-1 -ui", "s1 rem-1 tv_a.ppd 1 0 1 0 0 1 ", "lpd://s1/rem-1"),
     ("device", "-pm wp -lpd -dn /dev/lp7 -fe", "/dev/lp7 lp tv_a.ppd 2 0 0 1 0 1 ", "parallel:/dev/lp7"),
     ("serial", "-pm wp -dn /dev/ttyS9 -psqn lp", "/dev/ttyS9 lp tv_a.ppd 2 0 0 0 0 0 ", "serial:/dev/ttyS9?baud=9600"),
     ("psphost", "-pm psp -lpd -hn 10.1.2.3", "10.1.2.3 lp tv_a.ppd 3 0 0 0 0 1 ", "socket://10.1.2.3:9100"),
-    ("pspdev", "-pm psp -lpd -dn /dev/usb/lp7", "/dev/usb/lp7 lp tv_a.ppd 4 0 0 0 0 1 ", "parallel:/dev/usb/lp7"),
     ("ip6", "-pm psp -lpd -hn fe80::1", "fe80::1 lp tv_a.ppd 3 0 0 0 0 1 ", "socket://[fe80::1]:9100"),
 ]
 
@@ -48,27 +46,6 @@ class Scenario(QueueTool):
         self.assertEqual(self.listed(), sorted(row[0] for row in ADDED))
         self.assertEqual({key for key in self.tool.records() if "**" in key or key[0] == " "}, set())
 
-    def test_settings_and_banner_are_kept_byte_for_byte(self):
-        settings, banner = "Duplex=DuplexNoTumble\nnot a line 100% $(x)", ".h3 40 It's \"x\" {y}\n"
-        self.tool.write(".settings", settings)
-        self.tool.write(".bsettings", banner)
-        self.add("q", "-pm wp -lpd -hn h1 -psqn lp -fe -bp -ui -bps .bsettings")
-        self.assertEqual(self.tool.records()["q **"], settings.encode())
-        self.assertEqual(self.text("q **banner"), banner + "\0")
-        self.add("q")  # replaced: the titles of the old queue are gone, the settings file still stands
-        self.assertEqual((self.text("q **"), self.text("q **banner")), (settings, ""))
-        with open(self.tool.path + "/.bsettings") as kept:
-            self.assertEqual(kept.read(), banner)
-
-    def test_queues_of_one_printer_share_its_count(self):
-        self.add("a")
-        self.add("b", "-pm wps -lpd -hn h1 -psqn rem")
-        self.assertEqual(self.count("h1"), (2, "h1 rem\0"))
-        self.add("b", "-pm wp -lpd -hn h2 -psqn lp")
-        self.assertEqual((self.count("h1"), self.count("h2")), ((1, "h1 lp\0"), (1, "h2 lp\0")))
-        self.tool_run("a -x -log LOG")
-        self.assertEqual((self.count("h1"), self.count("h2")), (None, (1, "h2 lp\0")))
-
     def test_copy(self):
         self.tool.write(".settings", "PageSize=Letter\n")
         self.tool.write(".bsettings", ".h1 20 Own\n")
@@ -96,17 +73,6 @@ class Scenario(QueueTool):
                          ("PageSize=Letter\n", "", ""))
         self.assertEqual(self.uris(), {"q": self.in_store("socket://h1:9100")})
 
-    def test_default_moves_and_goes(self):
-        self.add("a", "-pm psp -hn h1 -d")
-        self.add("b", "-pm psp -hn h1 -d")
-        self.assertEqual((self.text(" default"), self.host_default()), ("b\0", self.in_store("b", "")))
-        self.add("b", "-pm psp -hn h1")  # replaced without -d: no longer
-        self.assertEqual((self.text(" default"), self.host_default()), ("", self.in_store(None, "")))
-        self.tool_run("a -mq -d")
-        self.tool_run("a -x")
-        self.assertEqual((self.text(" default"), self.host_default()), ("", self.in_store(None, "")))
-        self.assertEqual(self.listed(), ["b"])
-
     def test_delete_one_several_all(self):
         for name in "abcdef":
             self.add(name)
@@ -119,16 +85,6 @@ class Scenario(QueueTool):
         self.tool_run("-log LOG -x all")
         self.assertEqual((self.listed(), self.tool.records()), ([], {}))
         self.tool_run("e -x", status=1)
-
-    def test_default_banner(self):
-        self.tool.write(".bsettings", ".h1 40 All of us\n")
-        self.tool_run("-dbps .bsettings")
-        self.assertEqual(self.text(" banner"), ".h1 40 All of us\n\0")
-        self.tool_run("-xdbps")
-        self.assertEqual(self.tool.records(), {})
-        self.tool_run("-dbps nosuch", status=1)
-        self.tool.write(".bsettings", "no title\n")
-        self.tool_run("-dbps .bsettings", status=1)
 
     def test_names_that_differ_by_case_or_are_unknown(self):
         self.add("Lp1")
@@ -153,13 +109,10 @@ class OnCups(Scenario, unittest.TestCase):
     def uris(self):
         return self.cups.queues()
 
-    def host_default(self):
-        return self.cups.default()
-
     @staticmethod
-    def in_store(value, *other):
+    def in_store(value):
         snmp = {"l": "?snmp=false", "s": "/?snmp=false"}
-        return value + snmp[value[0]] if value and "://" in value else value
+        return value + snmp[value[0]] if "://" in value else value
 
 
 class OnFile(Scenario, unittest.TestCase):
@@ -172,12 +125,9 @@ class OnFile(Scenario, unittest.TestCase):
         with open(self.tool.path + "/db/hostq") as lines:
             return {line.split(": ")[0]: line.split()[1] for line in lines}
 
-    def host_default(self):
-        return ""  # the record is all there is
-
     @staticmethod
-    def in_store(value, *other):
-        return other[0] if other else value
+    def in_store(value):
+        return value
 
     def test_spool_directory(self):
         self.add("q", "-pm wp -dn /dev/lp7")
