@@ -7,12 +7,9 @@
 #include "tests/lib/SnmpAgent.h"
 
 #include <arpa/inet.h>
-#include <csignal>
 #include <cstring>
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/socket.h>
-#include <sys/time.h>
 #include <unistd.h>
 
 static const char Name[] = "1.3.6.1.2.1.1.5.0", Location[] = "1.3.6.1.2.1.1.6.0",
@@ -107,21 +104,6 @@ TEST(Engine, LateForeignAndDamagedDatagrams) {
     EXPECT_EQ(Called, "127.0.0.8 - - 5\n"); // last sender, any id
 }
 
-TEST(Engine, GetNextAndSet) {
-    SnmpAgent agent([](SnmpAgent &from, const AgentRequest &request) {
-        if (request.pdu == 1)
-            from.Send(request, BerResponse(request.id, BerBinding(request.name + ".1", BerInt(8))));
-        if (request.pdu == 3 && request.community == "wrcommx") from.Answer(request, request.value);
-    });
-    Prepare(agent);
-    Send(PKG_MODE_GET_2, PDU_GETNEXT, "127.0.0.2");
-    ASSERT_EQ(package.NumRecVars, 6);
-    EXPECT_STREQ(package.Vars[4].Name, "1.3.6.1.2.1.1.6.0.1");
-    ASSERT_EQ(SnmpSetup(&package, PKG_INIT, PKG_STRING, Name, "lobby"), SUCCESS);
-    Send(PKG_MODE_GET, PDU_SET, "127.0.0.2 255.255.255.255", PKG_COMMUNITY, "wrcommx");
-    EXPECT_STREQ(package.Vars[0].RecText, "lobby");
-}
-
 // Rows 9 to 11 of two columns, the second with a hole; then an agent without an end.
 TEST(Engine, Tables) {
     int rows = 11;
@@ -150,93 +132,7 @@ TEST(Engine, Tables) {
     EXPECT_EQ(std::count(Called.begin(), Called.end(), '\n'), PKG_TABLE_ROWS);
 }
 
-TEST(Engine, RunsThatSendNothing) {
-    SnmpAgent agent(AnswerName);
-    Prepare(agent);
-    const char *to = "127.0.0.2";
-    EXPECT_EQ(SnmpSend(nullptr, PKG_SENDMODE, 1), SETUP_ERR_XTL_INIT);
-    EXPECT_EQ(SnmpSend(&package, PKG_PDU, 0, PKG_ADDRESSES, to), SETUP_ERR_XTL_INIT);
-    EXPECT_EQ(SnmpSend(&package, PKG_SENDMODE, 1, PKG_ADDRESSES, to), SETUP_ERR_XTL_INIT);
-    EXPECT_EQ(SnmpSend(&package, PKG_SENDMODE, 1, PKG_PDU, 0), SETUP_ERR_XTL_INIT);
-    EXPECT_EQ(Send(5, 0, to), SETUP_ERR_INVALID_PARAM);
-    EXPECT_EQ(Send(1, 4, to), SETUP_ERR_INVALID_PARAM);
-    EXPECT_EQ(Get(to, PKG_COMMUNITY, std::string(3000, 'c').c_str()), SETUP_ERR_INVALID_PARAM);
-    for (int command : {PKG_INIT + 0, PKG_LOG + 0, PKG_EMPTY + 0, 30, -1})
-        EXPECT_EQ(Get(to, command, 5), SETUP_ERR_INVALID_PARAM) << command;
-    std::vector<int> taken; // no socket is result 2
-    for (int fd; (fd = open("/dev/null", O_RDONLY)) >= 0;) taken.push_back(fd);
-    EXPECT_EQ(Get(to), SETUP_ERR_UNKNOWN_CMD);
-    for (int fd : taken) close(fd);
-    // A target that is none is passed by, whole: its first 17 characters would be 127.0.0.2.
-    EXPECT_EQ(Get("no.address,127.0.0.00000000002,127.0.0.00000002"), SUCCESS);
-    EXPECT_EQ(Called, " - - -\n - - -\n127.0.0.2 2/5.0 2/6.0 2/4.0\n");
-    EXPECT_EQ(agent.Count(), 3);
-}
-
-// The descriptor 0 may be free, and 0 in Socket means none; a signal is no time-out.
-TEST(Engine, NoStandardInputAndManySignals) {
-    SnmpAgent agent([](SnmpAgent &from, const AgentRequest &request) {
-        usleep(300000);
-        AnswerName(from, request);
-    });
-    Prepare(agent);
-    int saved = dup(0);
-    close(0);
-    signal(SIGALRM, [](int) {});
-    itimerval every = {{0, 50000}, {0, 50000}}, none = {};
-    setitimer(ITIMER_REAL, &every, nullptr);
-    EXPECT_EQ(Get("127.0.0.2"), SUCCESS);
-    setitimer(ITIMER_REAL, &none, nullptr);
-    EXPECT_EQ(open("/dev/null", O_RDONLY), 0); // left free
-    dup2(saved, 0);
-    close(saved);
-    EXPECT_EQ(Called, "127.0.0.2 2/5.0 2/6.0 2/4.0\n");
-}
-
-TEST(Engine, TrapAndSinglePackets) {
-    SnmpAgent agent([](SnmpAgent &from, const AgentRequest &request) {
-        from.Send(request, BerResponse(1, BerBinding(Name, BerInt(1)), 5, 3));
-    });
-    Prepare(agent);
-    EXPECT_EQ(Send(PKG_MODE_TRAP, PDU_GET, "127.0.0.2 255.0.0.0"), SEND_ERR_TIMED_OUT); // how its wait ends
-    EXPECT_EQ(agent.Count(), 1);
-    // A caller with a loop of its own hears of an error status.
-    PkgPacket packet;
-    ASSERT_EQ(UdpOpenSocket(&package), 1);
-    ASSERT_EQ(EncodePkg(&package, &packet), SUCCESS);
-    EXPECT_EQ(UdpSendPacketBinAdr(&package, htonl(INADDR_LOOPBACK), &packet), SUCCESS);
-    EXPECT_EQ(ReceivePacket(&package), SUCCESS);
-    EXPECT_EQ(Called, "127.0.0.1 - - - error 5 at 3\n");
-    UdpCloseSocket(&package);
-}
-
 // ---- The discovered set
-
-static std::string Walk() {
-    static std::string visited;
-    SnmpPackage own;
-    visited.clear();
-    SnmpSetup(&own, PKG_INIT);
-    WalkDiscovered(&own, nullptr, [](int, intptr_t, int, int, SnmpPackage *at, PkgSource *) {
-        visited += at->Address + std::string(" ");
-        return 0;
-    });
-    return visited;
-}
-
-TEST(Discovered, AscendingOnceAndClearedInPlace) {
-    InitDiscoveredList();
-    for (const char *text : {"255.255.255.255", "10.0.0.9", "10.0.0.8", "0.0.0.0", "10.0.0.9", "9.255.0.1"}) {
-        in_addr address;
-        inet_aton(text, &address);
-        EXPECT_EQ(Store(&address), 1) << text;
-    }
-    EXPECT_EQ(Walk(), "0.0.0.0 9.255.0.1 10.0.0.8 10.0.0.9 255.255.255.255 ");
-    unsigned char *bitmap = FirstQuad[10][0][0];
-    InitDiscoveredList();
-    EXPECT_EQ(Walk(), "");
-    EXPECT_EQ(FirstQuad[10][0][0], bitmap);
-}
 
 TEST(Discovered, ABroadcastFindsEveryHostOnce) {
     SnmpAgent agent([](SnmpAgent &from, const AgentRequest &request) {
@@ -254,9 +150,6 @@ TEST(Discovered, ABroadcastFindsEveryHostOnce) {
     EXPECT_EQ(Called, want);
     EXPECT_EQ(Send(PKG_MODE_BROADCAST, PDU_GET, "", PKG_CLEAR_DISCOVERED), SUCCESS);
     EXPECT_EQ(Called, "");
-    package.Callback = nullptr; // nobody wants to know: nothing is stored
-    EXPECT_EQ(Send(PKG_MODE_BROADCAST, PDU_GET, "127.0.0.0 255.0.0.0"), 0);
-    EXPECT_EQ(Send(PKG_MODE_BROADCAST, PDU_GET, "127.0.0.0 mask"), SEND_ERR_TRANSPORT_ERR);
 }
 
 // As many answers at once as a large site gives: none is lost between the probe and the first read.
@@ -279,7 +172,6 @@ TEST(Discovered, ABurstOfAThousandAnswers) {
     usleep(500000); // nobody reads while they arrive
     EXPECT_EQ(ReceiveBroadcast(&package), 1000);
     UdpCloseSocket(&package);
-    EXPECT_NE(Walk().find(" 127.3.3.249 127.3.3.250 "), std::string::npos);
 }
 
 // A host that never falls silent does not hold the program.

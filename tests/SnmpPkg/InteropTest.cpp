@@ -1,6 +1,4 @@
-// The package beside net-snmp: the same requests byte for byte as its tools send them, and values from its
-// agent.
-#include "SnmpPkg/Encode.h"
+// The package beside net-snmp: values read from its agent and written to it.
 #include "SnmpPkg/Pkg.h"
 #include "tests/lib/Capture.h"
 
@@ -10,7 +8,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <netinet/in.h>
-#include <poll.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -45,70 +42,6 @@ static int BindLoopback(uint16_t *port) {
     getsockname(fd, reinterpret_cast<sockaddr *>(&at), &size);
     *port = ntohs(at.sin_port);
     return fd;
-}
-
-// The datagram that a tool sends for these arguments.
-static std::string ToolPacket(const Scratch &scratch, const std::string &tool, const std::string &arguments) {
-    uint16_t port = 0;
-    int fd = BindLoopback(&port);
-    pid_t child = Start(scratch, tool + " -v1 -On -c wrcommx -r 0 -t 0.1 127.0.0.1:" + std::to_string(port) +
-                                     " " + arguments);
-    pollfd wait = {fd, POLLIN, 0};
-    char bytes[2048];
-    ssize_t count = poll(&wait, 1, 10000) > 0 ? recv(fd, bytes, sizeof bytes, 0) : 0;
-    waitpid(child, nullptr, 0);
-    close(fd);
-    return std::string(bytes, count > 0 ? static_cast<size_t>(count) : 0);
-}
-
-// The request id of a message: the first number of the PDU, behind the version and the community.
-static int32_t RequestId(const std::string &message) {
-    size_t at = message.find("wrcommx") + 7; // the PDU's tag
-    at += static_cast<uint8_t>(message[at + 1]) >= 0x80 ? 2 + (message[at + 1] & 0x7F) : 2;
-    int32_t id = 0;
-    for (int i = 0; i < message[at + 1]; i++)
-        id = id << 8 | static_cast<uint8_t>(message[at + 2 + static_cast<size_t>(i)]);
-    return id;
-}
-
-TEST(Interop, TheSameBytesAsTheTools) {
-    if (!Installed("snmpset"))
-        GTEST_SKIP() << "snmpget, snmpgetnext and snmpset of net-snmp are not installed";
-    static const char oid[] = "1.3.6.1.2.1.43.5.1.1.4.1", other[] = "1.3.6.1.4.1.2147483647.128.16384";
-    static const std::string text(300, 't'), arguments = std::string(oid) + " ";
-    struct Case {
-        const char *tool;
-        std::string arguments;
-        int pdu;
-        int (*setUp)(SnmpPackage *package);
-    } cases[] = {
-        {"snmpget", arguments + other, 0,
-         [](auto p) { return SnmpSetup(p, PKG_EMPTY_LIST, oid, other, nullptr); }},
-        {"snmpgetnext", arguments, 1, [](auto p) { return SnmpSetup(p, PKG_EMPTY, oid); }},
-        {"snmpset", arguments + "i 200", 3, [](auto p) { return SnmpSetup(p, PKG_NUMBER, oid, 200); }},
-        {"snmpset", arguments + "i 8388608", 3,
-         [](auto p) { return SnmpSetup(p, PKG_NUMBER, oid, 8388608); }},
-        {"snmpset", arguments + "s " + text, 3,
-         [](auto p) { return SnmpSetup(p, PKG_STRING, oid, text.c_str()); }},
-        {"snmpset", arguments + "o 1.3.6.1", 3,
-         [](auto p) { return SnmpSetup(p, PKG_OBJECT, oid, "1.3.6.1"); }},
-        {"snmpset", arguments + "a 1.0.0.200", 3,
-         [](auto p) { return SnmpSetup(p, PKG_IPADDRESS_TEXT, oid, "1.0.0.200"); }},
-    };
-    Scratch scratch;
-    for (const Case &c : cases) {
-        std::string want = ToolPacket(scratch, c.tool, c.arguments);
-        ASSERT_FALSE(want.empty()) << c.tool << ": the tool sent nothing";
-        SnmpPackage package;
-        PkgPacket packet;
-        ASSERT_EQ(SnmpSetup(&package, PKG_INIT), SUCCESS);
-        ASSERT_EQ(c.setUp(&package), SUCCESS) << c.arguments;
-        PkgStartPacket(&packet);
-        EncodeVars(&package, &packet, c.pdu == PDU_SET);
-        ASSERT_TRUE(PkgEncodePacketProlog(&packet, "wrcommx", RequestId(want), c.pdu)) << c.arguments;
-        std::string got(reinterpret_cast<char *>(packet.Data) + packet.Pos, static_cast<size_t>(packet.Len));
-        EXPECT_EQ(got, want) << c.tool << " " << c.arguments;
-    }
 }
 
 // Net-snmp's agent on a free port of loopback, until the end of the test.

@@ -58,27 +58,13 @@ std::string BerResponse(int id, const std::string &bindings, int errorStatus, in
                       BerInt(id) + BerInt(errorStatus) + BerInt(errorIndex) + BerElement(0x30, bindings));
 }
 
-// Cuts the next element off; its content.
-static std::string TakeElement(std::string &in, unsigned &tag) {
+// Cuts the next element off; its content. Requests of one short name have short elements alone.
+static std::string TakeElement(std::string &in) {
     if (in.size() < 2) return "";
-    tag = static_cast<uint8_t>(in[0]);
-    size_t head = 2;
-    size_t n = static_cast<uint8_t>(in[1]);
-    if (n >= 128) {
-        size_t bytes = n & 0x7F;
-        for (n = 0; head < 2 + bytes && head < in.size(); head++) n = n << 8 | static_cast<uint8_t>(in[head]);
-    }
-    std::string out = in.substr(std::min(head, in.size()), n);
-    in.erase(0, head + n);
+    size_t end = 2 + static_cast<uint8_t>(in[1]);
+    std::string out = in.substr(2, end - 2);
+    in.erase(0, end);
     return out;
-}
-
-static int TakeInt(std::string &in) {
-    unsigned tag = 0;
-    std::string content = TakeElement(in, tag);
-    int value = 0;
-    for (char ch : content) value = value << 8 | static_cast<uint8_t>(ch);
-    return value;
 }
 
 static std::string Dotted(const std::string &content) {
@@ -96,19 +82,16 @@ static std::string Dotted(const std::string &content) {
 
 static AgentRequest ReadRequest(std::string in) {
     AgentRequest request;
-    unsigned tag = 0;
-    in = TakeElement(in, tag);
-    TakeInt(in); // version
-    request.community = TakeElement(in, tag);
-    in = TakeElement(in, tag);
-    request.pdu = static_cast<int>(tag & 0x1F);
-    request.id = TakeInt(in);
-    TakeInt(in);
-    TakeInt(in);
-    in = TakeElement(in, tag);
-    in = TakeElement(in, tag);
-    request.name = Dotted(TakeElement(in, tag));
-    request.value = in;
+    in = TakeElement(in);
+    TakeElement(in); // version
+    request.community = TakeElement(in);
+    in = TakeElement(in);
+    for (char ch : TakeElement(in)) request.id = request.id << 8 | static_cast<uint8_t>(ch);
+    TakeElement(in); // error status and index
+    TakeElement(in);
+    in = TakeElement(in);
+    in = TakeElement(in);
+    request.name = Dotted(TakeElement(in));
     return request;
 }
 
@@ -118,13 +101,11 @@ SnmpAgent::SnmpAgent(Handler call) : handler(std::move(call)) {
     sockaddr_in at = {};
     socklen_t size = sizeof at;
     int on = 1;
-    int bytes = 4 << 20;
     socket = ::socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0);
     at.sin_family = AF_INET;
     if (bind(socket, reinterpret_cast<sockaddr *>(&at), sizeof at) != 0) abort();
     getsockname(socket, reinterpret_cast<sockaddr *>(&at), &size);
     setsockopt(socket, IPPROTO_IP, IP_PKTINFO, &on, sizeof on);
-    setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes);
     port = ntohs(at.sin_port);
     thread = std::thread([this] { Run(); });
 }
@@ -151,11 +132,10 @@ void SnmpAgent::Run() {
         ssize_t count = recvmsg(socket, &message, 0);
         if (count < 0) continue;
         AgentRequest request = ReadRequest(std::string(bytes, static_cast<size_t>(count)));
-        in_pktinfo info = {};
-        if (cmsghdr *head = CMSG_FIRSTHDR(&message)) memcpy(&info, CMSG_DATA(head), sizeof info);
+        in_pktinfo info;
+        memcpy(&info, CMSG_DATA(CMSG_FIRSTHDR(&message)), sizeof info);
         request.to = inet_ntoa(info.ipi_addr);
-        request.peer = peer.sin_addr.s_addr;
-        request.peerPort = peer.sin_port;
+        request.peer = peer;
         {
             std::lock_guard guard(lock);
             requests.push_back(request);
@@ -165,10 +145,7 @@ void SnmpAgent::Run() {
 }
 
 void SnmpAgent::Send(const AgentRequest &request, const std::string &bytes, const std::string &from) {
-    sockaddr_in peer = {};
-    peer.sin_family = AF_INET;
-    peer.sin_addr.s_addr = request.peer;
-    peer.sin_port = request.peerPort;
+    sockaddr_in peer = request.peer;
     iovec part = {const_cast<char *>(bytes.data()), bytes.size()};
     alignas(cmsghdr) char control[CMSG_SPACE(sizeof(in_pktinfo))] = {};
     msghdr message = {&peer, sizeof peer, &part, 1, control, sizeof control, 0};

@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <functional>
 #include <mutex>
+#include <netinet/in.h>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,12 +14,9 @@
 struct AgentRequest {
     std::string to; // the address asked
     std::string community;
-    int pdu = 0;
     int id = 0;
-    std::string name;  // of the only binding, dotted
-    std::string value; // of it, as an element
-    uint32_t peer = 0; // network order, with its port
-    uint16_t peerPort = 0;
+    std::string name; // of the only binding, dotted
+    sockaddr_in peer = {};
 };
 
 class SnmpAgent {
