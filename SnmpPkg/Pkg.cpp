@@ -500,14 +500,17 @@ void DecodeVar(PkgPacket *packet, const char *name, SnmpPackage *package, uint32
         packet->Pos = end;
         return;
     }
+    PkgVar before = *var;
     var->RecClass = header.Class >> 6;
     var->RecType = row->RecType;
-    if (row->Read == nullptr)
+    if (row->Read == nullptr) {
         DecodeNothing(package, var, &header);
-    else if (row->Read(packet, &header, package, var))
+    } else if (row->Read(packet, &header, package, var)) {
         var->Status = SUCCESS;
-    else
+    } else {
+        if (before.Status == SUCCESS) *var = before; // RecValue must not be read as another type's
         packet->Pos = end;
+    }
 }
 
 // One step of the walk: an object identifier is a name and its value follows. Everything else is entered,

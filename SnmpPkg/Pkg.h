@@ -196,7 +196,8 @@ int EncodePkg(const SnmpPackage *package, PkgPacket *packet); // 0 or SEND_ERR_T
 // Forgets what was received: Status 15, Unfilled as text, everything else of the receive 0.
 void InitRecVars(SnmpPackage *package);
 // Reads the value at Pos into the variable of that name, appended if there is none. What has no room or does
-// not fit its type is stepped over and leaves the variable as it was. The version plays no part yet.
+// not fit its type is stepped over: a variable with a value keeps that, one without is told the type alone.
+// The version plays no part yet.
 void DecodeVar(PkgPacket *packet, const char *name, SnmpPackage *package, uint32_t version);
 // Walks the bindings from Pos to Len.
 void DecodeVariables(PkgPacket *packet, SnmpPackage *package, uint32_t version);
