@@ -205,11 +205,19 @@ static int SendOnce(SnmpPackage *package, const char *mask) {
     return package->SendMode == PKG_MODE_TRAP ? ReceiveTrap(package) : ReceiveBroadcast(package);
 }
 
+// What stands behind the first blank of an element, which is cut there; null if that is nothing.
+static char *CutMask(char *element) {
+    char *mask = strchr(element, ' ');
+    if (mask == nullptr) return nullptr;
+    *mask++ = 0;
+    mask += strspn(mask, " ");
+    return *mask != 0 ? mask : nullptr;
+}
+
 // One element of the target list, "ADDRESS" or "ADDRESS MASK"; the mask counts in a broadcast alone.
 static int SendTarget(SnmpPackage *package, const PkgSend *send, char *element) {
     element += strspn(element, " ");
-    char *mask = strchr(element, ' ');
-    if (mask != nullptr) *mask++ = 0;
+    char *mask = CutMask(element);
     // An address that was cut might be somebody else's: too long a text is none.
     int length = snprintf(package->Address, sizeof package->Address, "%s", element);
     if (length >= static_cast<int>(sizeof package->Address)) package->Address[0] = 0;
