@@ -46,6 +46,7 @@ static EditFiles OpenEdit(const char *name, const char *extension) {
     bool flExtension = extension && *extension;
     std::string path =
         std::string(name ? name : "") + (flExtension ? "." : "") + (flExtension ? extension : "");
+    if (path[0] == '-') path.insert(0, "./"); // else an option of rm and mv
     EditFiles files = {path, path + (flExtension ? "out" : ".out"), nullptr, nullptr};
     files.in = OpenFile(nullptr, files.path.c_str(), "rt", ERR_FATAL);
     unlink(files.outPath.c_str());
