@@ -245,8 +245,8 @@ static int SearchPrinterFile() {
 int FindPrinter(const char *queue) {
     const char *position = GetTokenBufInput();
     char del = chTokenDel;
+    SetText(&pPrinterQueue, queue); // first: the name may be the default queue's own
     SetText(&pDefaultPrinterQueue, nullptr);
-    SetText(&pPrinterQueue, queue);
     int flFound = ProcessDbmQue() || SearchPrinterFile();
     SetTokenBuf(position);
     chTokenDel = del;
