@@ -208,8 +208,8 @@ static std::string WriteNewQue(const std::string &path, std::string_view text) {
 static void RewriteInPlace(const std::string &path, std::string_view text) {
     FILE *out = OpenFile(nullptr, path.c_str(), "r+", ERR_WARN);
     if (!out) return;
-    if (WriteAll(fileno(out), text) && ftruncate(fileno(out), static_cast<off_t>(text.size())) != 0)
-        perror("ftruncate");
+    if (!WriteAll(fileno(out), text) || ftruncate(fileno(out), static_cast<off_t>(text.size())) != 0)
+        ErrorMsg(ERR_WARN, 0, "can't write file, %s", path.c_str());
     fclose(out);
 }
 
