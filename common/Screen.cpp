@@ -507,7 +507,7 @@ static PickPage LayOutPage(const ScreenRec *screen, const std::vector<int> &widt
     return page;
 }
 
-// One choice at its place; the text is cut at the column's end, in the first column with dots.
+// One choice at its place; the text is cut at the end of its room, in the first column with dots.
 static void PutChoice(ScreenRec *screen, int x, int y, int room, bool flDots, const std::string &text) {
     std::string shown = text;
     size_t width = static_cast<size_t>(std::max(0, room));
@@ -521,11 +521,13 @@ static void PutChoice(ScreenRec *screen, int x, int y, int room, bool flDots, co
 static void PutPageChoices(ScreenRec *screen, const TextMenuItem *item, const PickMask *hidden,
                            const std::vector<std::string> &choices, const std::vector<int> &widths,
                            const PickPage *page, int first, int count) {
-    int x = 0;
+    int x = 0, last = (count - 1) / page->rows;
     for (int i = 0; i < count; i++) {
         int column = i / page->rows, y = PICK_FIRST_ROW + i % page->rows;
         int width =
             std::min(widths[static_cast<size_t>(page->column + column)] + PICK_GAP, screen->width - x);
+        // The first cell of a column is blank, and room for the text of a choice without a marker.
+        int room = column < last ? width + page->gap + 1 : screen->width - x;
         auto choice = static_cast<size_t>(first + i);
         if (TestSelected(item, choice)) PutTextAt(screen, x, y, " ->");
         if (!TestHidden(hidden, choice)) {
@@ -533,7 +535,7 @@ static void PutPageChoices(ScreenRec *screen, const TextMenuItem *item, const Pi
             snprintf(number, sizeof number, "%2zu) ", choice + 1);
             PutTextAt(screen, x + PICK_NUMBER, y, number);
         }
-        PutChoice(screen, x + PICK_TEXT, y, width - PICK_TEXT, column == 0, ChoiceText(choices[choice]));
+        PutChoice(screen, x + PICK_TEXT, y, room - PICK_TEXT, column == 0, ChoiceText(choices[choice]));
         if (y == PICK_FIRST_ROW + page->rows - 1) x += width + page->gap;
     }
 }
