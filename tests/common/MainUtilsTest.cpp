@@ -1,7 +1,6 @@
 // Queue records, short, long and damaged; the marker file; the lists of queues.
 #include "common/MainUtils.h"
 
-#include "common/Dbm.h"
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
 #include "common/utils.h"
@@ -10,7 +9,6 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <tuple>
 
 static std::string Show(const QueRecord &r) {
     char numbers[80];
@@ -22,7 +20,6 @@ static std::string Show(const QueRecord &r) {
 
 TEST(GetQueDbEntry, ReadsWhatIsThere) {
     const std::string main = QueData("q1 host lp a.ppd 1 1 0 1 0 1");
-    const std::string wide(200, 'w');
     const std::pair<Records, const char *> cases[] = {
         {{{"q1", main}}, "q1|host||lp|a.ppd|-|1 10101"},
         {{{"q1 **", "50% \"x\"\nend"},
@@ -36,7 +33,6 @@ TEST(GetQueDbEntry, ReadsWhatIsThere) {
         {{{"q1", "q1 h lp"}}, "q1|h||lp||-|0 00000"},
         {{{"q1", main.substr(0, main.size() - 1) + "7 8 "}}, "q1|host||lp|a.ppd|-|1 10101"},
         {{{"q1", "q1 h lp a.ppd x y z"}}, "q1|h||lp|a.ppd|-|0 00000"},
-        {{{"q1", "    "}}, "|||||-|0 00000"},
         {{{"q1 **", "s"}, {"z", "zzzz"}, {"q1", main}}, "q1|host||lp|a.ppd|s|1 10101"}};
     AppTool tool;
     QueRecord record = {};
@@ -45,13 +41,6 @@ TEST(GetQueDbEntry, ReadsWhatIsThere) {
         EXPECT_EQ(GetQueDbEntry(&record, "q1"), 1) << want;
         EXPECT_EQ(Show(record), want);
     }
-    tool.WriteDb("que", {{"q1", wide + " " + std::string(300, 'p') + " " + wide + " " + wide +
-                                    " 99999999999 300 1 1 1 1"}});
-    EXPECT_EQ(GetQueDbEntry(&record, "q1"), 1);
-    EXPECT_EQ(strlen(record.name), 14u);
-    EXPECT_EQ(strlen(record.printer), 127u); // a token's limit
-    EXPECT_EQ(strlen(record.lprQueue), 14u);
-    EXPECT_EQ(strlen(record.ppdFile), 41u);
     PutMem(record.settings);
 }
 
@@ -67,41 +56,6 @@ TEST(GetQueDbEntry, LeavesTheRecordWhenThereIsNone) {
     EXPECT_EQ(record.type, 3);
 }
 
-TEST(GenQueDbEntry, WritesWhatIsReadBack) {
-    AppTool tool;
-    QueRecord record = {};
-    tool.WriteDb("que", {{"q1", "q1 /dev/lp0 lp a.ppd 2 1 0 0 1 1 "}, {"q1 **", "Tray=2\n"}});
-    EXPECT_EQ(GetQueDbEntry(&record, "q1"), 1);
-    snprintf(record.name, sizeof record.name, "q2");
-    Capture quiet; // the dots of the file operations
-    EXPECT_EQ(GenQueDbEntry(&record), 1);
-    char text[80];
-    EXPECT_EQ(DbmGetRecord("que", "q2", text, sizeof text), 34);
-    EXPECT_STREQ(text, "q2 /dev/lp0 lp a.ppd 2 1 0 0 0 1 ");
-    EXPECT_EQ(DbmGetRecordSize("que", "q2 **"), 7);
-    PutMem(record.settings);
-}
-
-TEST(GetQueCountWords, SplitsBehindTheCounter) {
-    const std::tuple<std::string, int, const char *, const char *> cases[] = {
-        {std::string("\0\0\0\0srv ps1", 11), 1, "srv", "ps1"},
-        {"\1abcsrv", 1, "srv", ""},
-        {CountData("  "), 0, "", ""},
-        {"abcd", 0, "", ""},
-        {"\1", 0, "", ""},
-        {"", 0, "", ""},
-        {CountData("abcdefghijkl mnopqrstuvw"), 1, "abcdefg", "mnopqrs"}};
-    AppTool tool;
-    for (const auto &[data, want, one, two] : cases) {
-        tool.WriteDb("que", {{"before", "xxxxxxxxxxx"}, {"h count", data}});
-        char first[8], second[8], whole[80];
-        GetQueDbText("before", whole, sizeof whole); // its bytes stay in the buffer behind a shorter record
-        EXPECT_EQ(GetQueCountWords("h", first, second, sizeof first), want) << data;
-        EXPECT_STREQ(first, one);
-        EXPECT_STREQ(second, two);
-    }
-}
-
 TEST(SetConfigFlags, WordsOfTheMarkerFile) {
     const std::pair<std::string, int> cases[] = {
         {"", CFG_V5},
@@ -109,8 +63,6 @@ TEST(SetConfigFlags, WordsOfTheMarkerFile) {
         {";CUPS\n", CFG_CUPS},
         {"\nCUPS\nNoDb\n", CFG_CUPS | CFG_NO_DB},
         {";BSD;LPRng;", CFG_LPRNG},
-        {";BSD;AIX;V5", CFG_AIX},
-        {" BSD StandAlone", CFG_BSD | CFG_DIRECT},
         {";Direct;NoDb;other", CFG_V5 | CFG_DIRECT | CFG_NO_DB},
         {"CUPS", CFG_V5},                           // its first letter is the delimiter
         {std::string(5000, ';') + "CUPS", CFG_V5}}; // read up to 4095 bytes
@@ -123,24 +75,8 @@ TEST(SetConfigFlags, WordsOfTheMarkerFile) {
     flToolCfg = 0;
 }
 
-TEST(SetConfigFlags, MissingFileAsksTheHost) {
-    AppTool tool;
-    SystemSpy spy;
-    const char *lpd = ComList[CMD_LPD].path;
-    ComList[CMD_LPD].path = nullptr;
-    SetConfigFlags();
-    EXPECT_EQ(flToolCfg, CFG_V5); // and the process lives on a host without lpd
-    ComList[CMD_LPD].path = "/opt";
-    spy.answers = {{"-V", "LPRng-3.8\n"}};
-    SetConfigFlags();
-    EXPECT_EQ(flToolCfg, CFG_V5 | CFG_LPRNG);
-    ComList[CMD_LPD].path = lpd;
-    flToolCfg = 0;
-}
-
 TEST(GetQueList, FirstTokensSorted) {
     const std::pair<const char *, const char *> cases[] = {{"", "(null)"},
-                                                           {"\n \n::\n", "(null)"},
                                                            {"b:\na: x\n\nC\n", ",a,b,C"},
                                                            {"a b c\t\n", ",a"},
                                                            {"q2 accepting\nq10", ",q10,q2,"}};
@@ -177,17 +113,4 @@ TEST(GetQueueList, QueuesThatBothSidesKnow) {
     EXPECT_EQ(caught.Err(), "Error: couldn't open printer config file 77yyprinters\n");
     PutMem(pToolPath);
     pToolPath = saved;
-}
-
-TEST(AddQToList, GrowsAndSkipsDoubles) {
-    size_t length = 0;
-    char *list = nullptr;
-    std::string want;
-    for (int i = 0; i < 300; i++) {
-        std::string name = "queue" + std::to_string(i % 200);
-        list = AddQToList(list, name.c_str(), &length);
-        if (i < 200) want += " " + name;
-    }
-    EXPECT_EQ(length, want.size());
-    EXPECT_EQ(TakeText(list), want);
 }

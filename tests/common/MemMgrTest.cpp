@@ -1,4 +1,4 @@
-// The manager against a plain first fit model, its failures and fallback, its dump and the duplicators.
+// The manager against a plain first fit model, its failures, and the duplicators of texts.
 #include "common/MemMgr.h"
 
 #include <cerrno>
@@ -9,7 +9,6 @@
 #include <string>
 #include <utility>
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/mman.h>
 
@@ -30,7 +29,6 @@ protected:
     void TearDown() override {
         EXPECT_STREQ(CheckMem(), nullptr);
         while (pMemB) FreeBlock(pMemB);
-        pMemOpen = open;
         pMemMap = mmap;
     }
 };
@@ -174,48 +172,7 @@ TEST_F(MemMgr, TellsAFailureAndKeepsTheOldContents) {
     EXPECT_EXIT((void)SaveStr_("x"), testing::ExitedWithCode(1), "Unable to allocate memory : Cannot");
 }
 
-static int FailingOpen(const char *, int, ...) {
-    return errno = EMFILE, -1;
-}
-
-TEST_F(MemMgr, FallsBackToMallocAndGivesItBack) {
-    char *mapped = Get(10);
-    int saved = std::exchange(fdZero, -1);
-    pMemOpen = FailingOpen;
-    char *large = Get(65535), *dedicated = Get(70000);
-    EXPECT_TRUE(IsZero(large, 65536) && IsZero(dedicated, 70001));
-    memset(dedicated, 'x', 70000);
-    EXPECT_EQ(AdjustMem(dedicated, 131071), dedicated);
-    EXPECT_TRUE(IsZero(dedicated + 70016, 131071 - 70016));
-    PutMem(mapped);
-    fdZero = saved;
-    PutMem(large); // a leak or a wrong release is the sanitizer's to find
-    PutMem(dedicated);
-    EXPECT_EQ(pMemB, nullptr);
-}
-
-// ---- dump and duplicators
-
-TEST_F(MemMgr, DumpsBlocks) {
-    auto number = [](const void *address) { return std::to_string(reinterpret_cast<long>(address)); };
-    char *text = SaveStr_("hello"), *two = Get(32), *large = Get(100000);
-    std::string shared = number(pMemB), next = number(pMemB->next), row = "\n\t" + std::string(64, '_');
-    std::string mat = "\n\tUUU" + std::string(61, '_');
-    for (int i = 1; i < 32; i++) mat += row;
-    strcpy(two, "%s");
-    testing::internal::CaptureStdout();
-    DumpMem();
-    fflush(stdout);
-    std::string got = testing::internal::GetCapturedStdout();
-    EXPECT_EQ(got, "\n============ Block(" + shared +
-                       ") size(65536) Free(2045) Used(3) FreeNodeCount(2045) SizeCnt(2045) <==(0) (" + next +
-                       ")==>\n\tBlock MAT:" + mat +
-                       "\n\n\tAllocated Nodes:\n\tMAT index(     0) Memory Addr(" + number(text) +
-                       ") nodes(    1) size(   32) Memory(hello)\n\tMAT index(     1) Memory Addr(" +
-                       number(two) + ") nodes(    2) size(   64) Memory(%s)\n\n" +
-                       "\n============ Dedicated Block(" + number(large) +
-                       ") size(131072) FreeNodeCount(0) <==(" + shared + ") (0)==>");
-}
+// ---- duplicators
 
 TEST_F(MemMgr, SavesTexts) {
     for (size_t length : {0, 1, 1023, 1024, 65534, 100000}) {

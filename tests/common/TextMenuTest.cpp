@@ -1,4 +1,4 @@
-// The terminal menus: screens byte for byte, selections and entries, leaving, settings files and prompts.
+// The terminal menus: a screen byte for byte, selections and entries, leaving and settings files.
 #include "common/TextMenu.h"
 
 #include "common/MemMgr.h"
@@ -12,7 +12,6 @@
 #include <cstring>
 #include <filesystem>
 #include <gtest/gtest.h>
-#include <sstream>
 #include <unistd.h>
 
 // Each run is a process of its own, so the static tables below are fresh in each.
@@ -62,7 +61,6 @@ static TextMenuItem AllItems[] = {
     {.text = "Colour", .type = ITEM_PICK, .choices = Colours, .initial = {.i = 2}},
     {.text = "No choice left", .type = ITEM_PICK, .choices = Gone},
     {.text = "Beyond", .type = ITEM_PICK, .choices = Digits, .initial = {.i = 2}},
-    {.text = "Plain", .type = ITEM_PICK, .choices = Digits, .initial = {.i = 1}},
     {.text = "~q Letter first", .type = ITEM_ACTION},
     {.text = "Default bits", .type = ITEM_BITS, .choices = Digits},
     {.text = "Some bits", .type = ITEM_BITS, .choices = Digits, .value = {.i = 0x40000006}},
@@ -71,7 +69,6 @@ static TextMenuItem AllItems[] = {
     {.text = "Integer", .type = ITEM_INTEGER, .initial = {.i = -7}},
     {.text = "Float", .type = ITEM_FLOAT, .initial = {.f = 2.5F}},
     {.text = "Title is shown", .type = ITEM_SUBMENU, .value = {.m = &Submenu}},
-    {.text = "Not there", .type = ITEM_SUBMENU},
     {.text = "Hidden", .type = ITEM_INTEGER, .state = STATE_HIDDEN},
     {.text = "Disabled", .type = ITEM_INTEGER, .state = STATE_DISABLED},
     {.text = "", .type = ITEM_BAR, .value = {.i = 2}},
@@ -93,70 +90,18 @@ TEST(TextMenu, ShowsEveryTypeAndState) {
               " 1) Colour ......... [3. blue]\n"
               " 2) No choice left . [ ]\n"
               " 3) Beyond ......... [ ]\n"
-              " 4) Plain .......... [2. 20]\n"
               " q) Letter first \n"
-              " 5) Default bits ... [default]\n"
-              " 6) Some bits ...... [2,3,31]\n"
-              " 7) Required ....... []\n"
-              " 8) Optional ....... [100%s]\n"
-              " 9) Integer ........ [-7]\n"
-              "10) Float .......... [2.500]\n"
-              "11) Sub Title \n"
+              " 4) Default bits ... [default]\n"
+              " 5) Some bits ...... [2,3,31]\n"
+              " 6) Required ....... []\n"
+              " 7) Optional ....... [100%s]\n"
+              " 8) Integer ........ [-7]\n"
+              " 9) Float .......... [2.500]\n"
+              "10) Sub Title \n"
               "    Disabled ....... [0]\n"
-              "15) Apply                              17) Cancel                             \n"
+              "13) Apply                              15) Cancel                             \n"
               " x) Leave                              \n"
               "Enter a selection or s for store settings in a file or h for help or <Return> to exit: ");
-}
-
-TEST(TextMenu, PlacesTheTitleByItsFirstLine) {
-    struct Case {
-        int mode;
-        size_t length, blanks;
-    };
-    static const Case cases[] = {{TITLE_CENTRE, 37, 21}, {TITLE_CENTRE, 79, 0}, {TITLE_CENTRE, 300, 0},
-                                 {TITLE_RIGHT, 79, 1},   {TITLE_RIGHT, 80, 0},  {TITLE_RIGHT, 82, 0}};
-    for (const Case &c : cases) {
-        std::string title = std::string(c.length, 't') + "\nsecond line";
-        TextMenu menu = {.title = title.c_str(), .titleMode = c.mode, .items = EmptyItems};
-        std::string screen = RunTerminal([&menu] { RunMenu(&menu, nullptr, 1); }, "\ny\n").out;
-        std::string wanted = "<clear>\f\n" + std::string(c.blanks, ' ') + title + "\n\nEnter";
-        EXPECT_EQ(screen.substr(0, wanted.size()), wanted) << c.mode << " " << c.length;
-    }
-}
-
-TEST(TextMenu, LaysOutBarsInColumns) {
-    const std::string texts[] = {"",
-                                 "ccccc",
-                                 std::string(35, 'a'),
-                                 std::string(36, 'b'),
-                                 "hidden",
-                                 "ccccc",
-                                 std::string(38, 'd'),
-                                 std::string(39, 'e'),
-                                 std::string(300, 'f'),
-                                 "ccccc",
-                                 "",
-                                 "ggg",
-                                 "~e Exit Help",
-                                 "hh"};
-    TextMenuItem items[std::size(texts) + 1];
-    for (size_t i = 0; i < std::size(texts); i++) items[i] = {.text = texts[i].c_str(), .type = ITEM_ACTION};
-    items[0] = {.text = "", .type = ITEM_BAR, .value = {.i = 2}};
-    items[10].type = ITEM_BAR;
-    items[4].state = STATE_HIDDEN;
-    items[9].state = STATE_DISABLED;
-    TextMenu menu = {.title = "T", .items = items, .flags = MENU_DENSE | MENU_NO_LEAVE};
-    EXPECT_EQ(ShowScreen(&menu, 1),
-              "<clear>\f\nT:\n\n"
-              " 1) ccccc                               2) aaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaaa \n"
-              " 3) bbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbbb  5) ccccc                              \n"
-              " 6) dddddddddddddddddddddddddddddddddd \n"
-              " 7) eeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeeee \n"
-              "\n"
-              " 8) ffffffffffffffffffffffffffffffffff \n"
-              "    ccccc                              \n"
-              "10) ggg                   e) Exit Help            11) hh                   \n"
-              "Enter a selection: ");
 }
 
 // ---- selections
@@ -197,15 +142,11 @@ TEST(TextMenu, ActsOnSelections) {
          "#{Name}#Invalid character '.'\nThis text may contain \"abc..zABC..Z012..9-_\"Press <Return> to "
          "continue#",
          1, "1 required 'q1'"},
-        {"6 two words \n", "##", 6, "6 optional 'two words '"},
         {"7 " + std::string(4000, 'h') + "\n", "##", 7, "7 optional '" + std::string(255, 'h') + "'"},
         {"4\n61\n\n4 60\n", "#Number: This number must be between 1 to 60.Press <Return> to continue##", 4,
          "4 integer 60"},
-        {"5 9.25\n", "##", 5, "5 float 9.25"},
         {"2\n2\n", "#{Pick}#{Pick}#", 2, "2 pick 3 of 4 '_four'"},  // passes the hidden one
         {"2 4\n2\n", "#{Pick}#{Pick}#", 2, "2 pick 0 of 4 '_one'"}, // by number, then around
-        {"2 3\n", "#{Pick}#", 2, "2 pick 3 of 4 '_four'"},          // a hidden one moves on from it
-        {"2 9\n", "#{Pick}#", 2, "2 pick 1 of 4 '_two'"},           // one beyond from the value
         {"8\n\n1 q1\n", std::string(NamesMissing) + "{Name}#", 1, "1 required 'q1'"},
         {"9\n" + std::string(5000, '9') + "\n", "#{refused}###", 10, "9 cancel"},
         {"1 q1\xffq\n", "#{Name}#{~Q Action}#", 1, "1 required 'q1'"},
@@ -222,22 +163,12 @@ TEST(TextMenu, ActsOnSelections) {
         std::string wanted = "\n" + std::to_string(c.item) + ": " + c.dump + "\n";
         EXPECT_NE(end.out.find(wanted, bar), std::string::npos) << c.input << end.out.substr(bar);
     }
-    ChildEnd end = RunTerminal(
-        [] {
-            WorkItems[1].state = STATE_HIDDEN;
-            WorkItems[6].type = ITEM_REQUIRED; // stands behind the hidden one
-            RunMenu(&WorkMenu, nullptr, 1);
-        },
-        "8\n\n6 x\n8\n");
-    EXPECT_EQ(FoldScreens(end.out), std::string(NamesMissing) + "#{Apply}");
 }
 
 // ---- leaving
 
-static TextMenuItem LeaveItems[] = {{.text = "Name", .type = ITEM_REQUIRED},
-                                    {.text = "Action", .type = ITEM_ACTION},
-                                    {.text = "Sub", .type = ITEM_SUBMENU},
-                                    {}};
+static TextMenuItem LeaveItems[] = {
+    {.text = "Name", .type = ITEM_REQUIRED}, {.text = "Action", .type = ITEM_ACTION}, {}};
 static TextMenu LeaveParent = {.title = "Parent"};
 
 TEST(TextMenu, AsksBeforeItEnds) {
@@ -250,13 +181,11 @@ TEST(TextMenu, AsksBeforeItEnds) {
         std::string transcript;
     } cases[] = {
         {nullptr, 0, "\ny\n", "{init}#{exit}\nDo you want to exit tester? [y/n] \n"},
-        {nullptr, 1, "\nY\nN\n\nyes\n", "{init}#{exit}" + leave + leave + leave + leave},
         {nullptr, 1, "\nn\n\ny\n", "{init}#{exit}" + leave + "{init}#{exit}" + leave},
         {"Apply %s", 1, "\ny\n", "{init}#" + leave}, // nothing has changed
         {"Apply %s", 1, "2\n\ny\n\n1 q\n\ny\n",
          "{init}##Apply %s? [y/n] " + missing + "##Apply %s? [y/n] {exit}"},
         {"Apply %s", 1, "2\n\nn\ny\n", "{init}##Apply %s? [y/n] " + leave},
-        {nullptr, 1, "3\n\ny\n", "{init}#{init}#{exit}" + leave}, // a submenu, even a missing one
     };
     for (const Case &c : cases) {
         ChildEnd end = RunTerminal(
@@ -289,28 +218,6 @@ TEST(TextMenu, EndsWithTheInputWhereverItReads) {
         EXPECT_EQ(end.status, 1) << input;
         EXPECT_EQ(end.err, "\ntester: reading from standard input : Success\n") << input;
     }
-}
-
-// ---- prompts
-
-TEST(TextPrompt, CutsAnswersButTakesTheWholeLine) {
-    ChildEnd end = RunTerminal(
-        [] {
-            char name[8];
-            snprintf(LineBuf, LINEBUF_SIZE, "%s", "q1 %n");
-            printf("%i", PromptYN("Delete %s", LineBuf));
-            printf("<%s>", PromptUser("100%s ", name, sizeof name));
-            printf("<%s>", PromptUser("", nullptr, 0));
-            PostMsg("%s\n", "posted");
-            printf("<%s>", Gets(name, sizeof name));
-            printf("<%s>", Gets(name, sizeof name));
-            printf("<%s>", Gets(name, sizeof name) ? "more" : "end");
-            printf("<%s>%i", PromptUser("", name, sizeof name), PromptYN("Sure"));
-            exit(0);
-        },
-        "what\ny\n12345678901234567890\ncopy %d\n\n1234567890");
-    EXPECT_EQ(end.out, "Delete q1 %n? [y/n] Delete q1 %n? [y/n] 1100%s <1234567><copy %d>posted\n"
-                       "Press <Return> to continue<1234567><890><end>Sure? [y/n] <>0");
 }
 
 // ---- settings files
@@ -360,39 +267,6 @@ TEST(TextMenuFile, StoresAndLoadsAMenuWithItsSubmenu) {
               "0: 1 required 'q]1'\n1: 2 optional disabled 'two'\n2: 3 submenu\n3: 4 pick 1 of 2 '_b'\n"
               "4: 5 integer -12\n5: 6 float 0.125\n6: 7 cancel\n7: 0 bar 2\n"
               "0: 0 optional 'x'\n1: 0 apply\n");
-}
-
-TEST(TextMenuFile, ChangesNothingThatALineDoesNotNameRightly) {
-    struct Case {
-        std::string file, dump; // of the items that differ from the table's defaults
-    } cases[] = {
-        {"8[1] 9 0\n999[1] 13 0\n-1[1] 13 0\n99999999999999999999[1] 13 0\n", ""},
-        {"\n[]\nx\n4\n4 7\n5{\n}\n", ""},
-        {"3[1] 11 0\n0[x] 13 0\n4[2] 14 0\n", "0: 1 required 'x'\n3: 4 pick 1 of 2 '_b'\n4: 5 integer 2\n"},
-        {"0[x] 12 0\n", "0: 1 optional 'x'\n"},
-        {"0[] 11 2\n4[1] 13 1\n5[1] 14 9\n",
-         "0: 1 required hidden ''\n4: 5 integer disabled 1\n5: 6 float 1\n"},
-        {"3[2] 9 0\n3[-1] 9 0\n", ""},
-        {"0[" + std::string(300, 'n') + "] 11 0\n", "0: 1 required '" + std::string(255, 'n') + "'\n"},
-        {"6[1] 5 2\n7[9] 3 2\n2[1] 8 2\n", "2: 3 submenu hidden\n6: 7 cancel hidden\n7: 0 bar hidden 2\n"},
-        {"4{\n0[x] 11 0\n1{\n0[y] 11 0\n}\n0[z] 11 0\n}\n4[3] 13 0\n", "4: 5 integer 3\n"},
-        {"4[3]", "4: 5 integer 3\n"}, // without the last line's end and state
-    };
-    Scratch scratch;
-    for (const Case &c : cases) {
-        std::string path = scratch.Write("load", c.file);
-        ChildEnd end = RunTerminal([&path] {
-            InitMenu(&FileMenu);
-            OpenInputFile(path.c_str(), ERR_WARN);
-            std::string before = DumpMenu(&FileMenu);
-            LoadMenu(&FileMenu);
-            std::istringstream after(DumpMenu(&FileMenu));
-            for (std::string line; std::getline(after, line);)
-                if (before.find(line + "\n") == std::string::npos) puts(line.c_str());
-        });
-        EXPECT_EQ(end.out, c.dump) << c.file << end.err;
-        EXPECT_EQ(end.status, 0) << c.file << end.err;
-    }
 }
 
 TEST(TextMenuFile, StoresByLetter) {
