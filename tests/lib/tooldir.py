@@ -7,23 +7,15 @@ import os
 import shutil
 import subprocess
 import tempfile
+from pathlib import Path
 
 import xdb
 
-SOURCE = os.path.dirname(os.path.dirname(os.path.dirname(os.path.abspath(__file__))))
-
 # The smallest PPD with options that a scheduler without further filters takes.
 PPD = """*PPD-Adobe: "4.3"
-*FormatVersion: "4.3"
-*FileVersion: "1.0"
-*LanguageVersion: English
 *LanguageEncoding: ISOLatin1
-*PCFileName: "TEST.PPD"
 *Manufacturer: "Tarvo"
-*Product: "(Tarvo Test)"
-*PSVersion: "(3010.000) 0"
 *ModelName: "{model}"
-*ShortNickName: "{model}"
 *NickName: "{model}"
 *cupsSNMPSupplies: False
 *OpenUI *PageSize/Page Size: PickOne
@@ -31,17 +23,6 @@ PPD = """*PPD-Adobe: "4.3"
 *PageSize A4/A4: "<</PageSize[595 842]>>setpagedevice"
 *PageSize Letter/Letter: "<</PageSize[612 792]>>setpagedevice"
 *CloseUI: *PageSize
-*OpenUI *PageRegion: PickOne
-*DefaultPageRegion: A4
-*PageRegion A4/A4: "<</PageSize[595 842]>>setpagedevice"
-*PageRegion Letter/Letter: "<</PageSize[612 792]>>setpagedevice"
-*CloseUI: *PageRegion
-*DefaultImageableArea: A4
-*ImageableArea A4/A4: "12 12 583 830"
-*ImageableArea Letter/Letter: "12 12 600 780"
-*DefaultPaperDimension: A4
-*PaperDimension A4/A4: "595 842"
-*PaperDimension Letter/Letter: "612 792"
 *OpenUI *Duplex/Two-Sided: PickOne
 *DefaultDuplex: None
 *Duplex None/Off: "<</Duplex false>>setpagedevice"
@@ -99,11 +80,8 @@ class ToolDir:
         """The database as bytes, and the file store's list, to show that nothing changed."""
         found = []
         for name in ("que.xdb", "hostq"):
-            try:
-                with open(os.path.join(self.path, "db", name), "rb") as file:
-                    found.append(file.read())
-            except FileNotFoundError:
-                found.append(None)
+            path = Path(self.path, "db", name)
+            found.append(path.read_bytes() if path.exists() else None)
         return found
 
     def __enter__(self):

@@ -1,4 +1,4 @@
-// The lines for prnqtool, byte for byte.
+// The lines that add and modify a queue, byte for byte.
 #include "prndeck/PrdQueLine.h"
 
 #include "common/MainUtils.h"
@@ -54,12 +54,4 @@ TEST(MakeModifyLine, OptionsInTheirOrder) {
     tool.Write(SettingsFile, "x");
     EXPECT_EQ(Plain(MakeModifyLine("q1", {}, 1)),
               "T/prnqtool q1 -mq -log prndeck -fs .settings -bps .bsettings");
-}
-
-TEST(QueLines, TheOthers) {
-    AppTool tool;
-    EXPECT_EQ(Plain(MakeCopyLine({QUEUE_SERVER, "new", "srv", "ps1"}, "old", 7)),
-              "T/prnqtool new -log prndeck -cl old -pm wp -hn srv -psqn ps1");
-    EXPECT_EQ(Plain(MakeDeleteListLine(" q1  q;2 ")), "T/prnqtool -log prndeck -xl q1 'q;2'");
-    EXPECT_EQ(Plain(MakeDeleteAllLine()), "T/prnqtool -log prndeck -x all");
 }
