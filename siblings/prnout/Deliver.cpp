@@ -22,7 +22,7 @@
 #include <unistd.h>
 
 enum { POLL_MS = 1000, CHUNK = 65536, NAME_PART = 31, LPD_TITLE = 99, PORT_FIRST = 1023, PORT_LAST = 512 };
-enum { OUTQ_PAUSE_MS = 20 };
+enum { OUTQ_PAUSE_MS = 20, BUSY_PAUSE_MS = 100 };
 
 const char Cancelled[] = "the job was removed";
 
@@ -40,24 +40,45 @@ static bool Fail(Channel &channel, const char *why) {
     return false;
 }
 
+static bool IsWanted(Channel &channel) {
+    bool flGone = access(channel.job->control.c_str(), F_OK) && errno == ENOENT;
+    return !flGone || Fail(channel, Cancelled);
+}
+
+static void PauseMs(int milliseconds) {
+    struct timespec pause = {0, milliseconds * 1000000L};
+    nanosleep(&pause, nullptr);
+}
+
 // Waits until the channel is ready; no longer than some seconds, or without a limit for 0.
 static bool WaitFor(Channel &channel, short events, int seconds) {
     struct pollfd wait = {channel.file, events, 0};
     time_t end = time(nullptr) + seconds;
     while (poll(&wait, 1, POLL_MS) <= 0) {
-        if (access(channel.job->control.c_str(), F_OK) && errno == ENOENT) return Fail(channel, Cancelled);
+        if (!IsWanted(channel)) return false;
         if (seconds && time(nullptr) > end) return Fail(channel, strerror(ETIMEDOUT));
     }
     return true;
+}
+
+// A parallel port is always ready by its driver's word, and says so itself when it is busy or out of paper.
+static bool IsBusy(const Channel &channel, int reason) {
+    bool flPaper = reason == ENOSPC && channel.job->target.kind == TARGET_DEVICE;
+    return reason == EAGAIN || flPaper;
 }
 
 static bool Put(Channel &channel, std::string_view bytes) {
     while (!bytes.empty()) {
         if (!WaitFor(channel, POLLOUT, 0)) return false;
         ssize_t count = write(channel.file, bytes.data(), bytes.size());
-        if (count < 0 && (errno == EAGAIN || errno == EINTR)) continue;
-        if (count < 0) return Fail(channel, strerror(errno));
-        bytes.remove_prefix((size_t)count);
+        if (count < 0 && errno == EINTR) continue;
+        if (count < 0 && !IsBusy(channel, errno)) return Fail(channel, strerror(errno));
+        if (count > 0) {
+            bytes.remove_prefix((size_t)count);
+            continue;
+        }
+        if (!IsWanted(channel)) return false;
+        PauseMs(BUSY_PAUSE_MS);
     }
     return true;
 }
@@ -135,10 +156,12 @@ static bool OpenConnection(Channel &channel, const char *port, bool flLow) {
 
 // ---- Port 9100
 
-// Reads what the printer has to say until it closes; false if it breaks the connection off or time is over.
+// Reads what the printer has to say until it closes; false if it breaks the connection off or time is over,
+// as it is in the end for a printer that goes on and on about its state.
 static bool ReadToEnd(Channel &channel) {
     char buffer[4096];
-    for (;;) {
+    for (time_t end = time(nullptr) + CLOSE_SECONDS;;) {
+        if (time(nullptr) > end) return IsWanted(channel) && Fail(channel, strerror(ETIMEDOUT));
         if (!WaitFor(channel, POLLIN, CLOSE_SECONDS)) return false;
         ssize_t count = read(channel.file, buffer, sizeof buffer);
         if (count == 0) return true;
@@ -155,7 +178,6 @@ static int Unacknowledged(int file) {
 // A connection that is broken off may have taken bytes with it that were acknowledged but not read, so only
 // an end in order counts; a printer that has all and doesn't close is left after a while.
 static bool EndConnection(Channel &channel) {
-    struct timespec pause = {0, OUTQ_PAUSE_MS * 1000000};
     shutdown(channel.file, SHUT_WR);
     while (!ReadToEnd(channel)) {
         if (channel.error != strerror(ETIMEDOUT)) return false;
@@ -164,7 +186,7 @@ static bool EndConnection(Channel &channel) {
     }
     for (int waited = 0; Unacknowledged(channel.file); waited += OUTQ_PAUSE_MS) {
         if (waited > CLOSE_SECONDS * 1000) return Fail(channel, "closed the connection too early");
-        nanosleep(&pause, nullptr);
+        PauseMs(OUTQ_PAUSE_MS);
     }
     return true;
 }
@@ -245,11 +267,25 @@ static bool OpenDevice(Channel &channel) {
     return true;
 }
 
+// The line has what it was given only when its queue is empty; a printer that holds it up is waited for, but
+// not for the sake of a job that was removed.
+static void EndLine(Channel &channel) {
+    int left = 0;
+    while (!ioctl(channel.file, TIOCOUTQ, &left) && left > 0) {
+        if (!IsWanted(channel)) {
+            tcflush(channel.file, TCOFLUSH);
+            return;
+        }
+        PauseMs(BUSY_PAUSE_MS);
+    }
+    if (tcdrain(channel.file)) Fail(channel, strerror(errno));
+}
+
 static void SendToDevice(Channel &channel) {
     if (!OpenDevice(channel) || !ShowOpened(channel) || !Put(channel, channel.job->banner) ||
         !PutData(channel))
         return;
-    if (isatty(channel.file) && tcdrain(channel.file)) Fail(channel, strerror(errno));
+    if (isatty(channel.file)) EndLine(channel);
 }
 
 std::string Deliver(const Delivery &job) {

@@ -30,7 +30,8 @@ enum { LOCK_SECONDS = 1 }; // other programs look for a sender by its lock, and 
 [[noreturn]] static void BecomeDetached(const char *mode, const std::string &directory) {
     sigset_t none;
     setsid();
-    if (fork()) _exit(0);
+    pid_t worker = fork();
+    if (worker) _exit(worker < 0 ? errno : 0);
     int null = open("/dev/null", O_RDWR);
     for (int stream = 0; stream < 3 && null >= 0; stream++) dup2(null, stream);
     close_range(3, ~0u, 0);
@@ -41,12 +42,14 @@ enum { LOCK_SECONDS = 1 }; // other programs look for a sender by its lock, and 
 }
 
 std::string StartDetached(const char *mode, const std::string &directory) {
+    int status = 0;
     pid_t child = fork();
     if (!child) BecomeDetached(mode, directory);
     if (child < 0) return std::string("can't start the sender: ") + strerror(errno);
-    while (waitpid(child, nullptr, 0) < 0 && errno == EINTR) {
+    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
     }
-    return "";
+    int reason = WIFEXITED(status) ? WEXITSTATUS(status) : EINTR;
+    return reason ? std::string("can't start the sender: ") + strerror(reason) : "";
 }
 
 // Another process that does the work is no error.
@@ -70,19 +73,11 @@ enum Outcome {
     JOB_HELD,  // it can't be printed as things are; the others go on
 };
 
-static std::string Printed; // the last job that was delivered whole
+static std::string Printed; // the job that was delivered whole but is in the spool still
 
 static std::string LoadQueues() {
     std::string error = FileStoreOpen();
     return error.empty() ? RecordsOpen() : error;
-}
-
-// Why the job's queue can't print it, or empty.
-static std::string FindQueue(const JobTicket &ticket, Queue &queue) {
-    std::string quoted = "queue \"" + ticket.queue + "\" ";
-    if (!FileStoreHas(ticket.queue)) return quoted + "does not exist";
-    if (!RecordsRead(ticket.queue, queue)) return quoted + "has no record";
-    return CheckQueueTarget(queue);
 }
 
 static int OpenData(const std::string &path, long long &size) {
@@ -95,6 +90,25 @@ static int OpenData(const std::string &path, long long &size) {
     close(data);
     errno = EINVAL;
     return -1;
+}
+
+// Why the job's queue can't print it, or empty.
+static std::string FindQueue(const JobTicket &ticket, Queue &queue) {
+    std::string quoted = "queue \"" + ticket.queue + "\" ";
+    if (!FileStoreHas(ticket.queue)) return quoted + "does not exist";
+    if (!RecordsRead(ticket.queue, queue)) return quoted + "has no record";
+    return CheckQueueTarget(queue);
+}
+
+// Why the job can't be printed as things are, or empty. Trying again would keep all behind it from the
+// printer.
+static std::string FindJob(const std::string &directory, const SpoolJob &job, JobTicket &ticket,
+                           Queue &queue) {
+    struct stat status;
+    if (!ReadTicket(directory + "/" + job.control, ticket)) return job.control + " can't be read";
+    if (lstat((directory + "/" + job.data).c_str(), &status) || !S_ISREG(status.st_mode))
+        return job.data + " is missing";
+    return FindQueue(ticket, queue);
 }
 
 static std::string BannerFor(const Queue &queue, const SpoolJob &job, const JobTicket &ticket) {
@@ -130,13 +144,15 @@ static Outcome SendJob(const std::string &directory, const SpoolJob &job, std::s
         error = SpoolRemove(directory, job);
         return error.empty() ? JOB_DONE : JOB_HELD;
     }
-    error = ReadTicket(control, ticket) ? FindQueue(ticket, queue) : job.control + " can't be read";
+    error = FindJob(directory, job, ticket, queue);
     if (!error.empty()) return JOB_HELD;
     // A job that is printed but can't be removed must not be printed again.
     if (Printed != job.name) error = DeliverJob(directory, job, ticket, queue);
     if (!error.empty() && error != Cancelled) return JOB_LATER;
     Printed = job.name;
     error = SpoolRemove(directory, job);
+    // A later job may bear the name again, where the last number couldn't be written down.
+    if (error.empty()) Printed.clear();
     return error.empty() ? JOB_DONE : JOB_LATER;
 }
 
@@ -172,8 +188,7 @@ static bool HasWork(const std::string &directory) {
     std::vector<SpoolJob> jobs = SpoolJobs(directory);
     if (!LoadQueues().empty()) return false;
     return std::any_of(jobs.begin(), jobs.end(), [&](const SpoolJob &job) {
-        return IsOwnJob(job.name) && ReadTicket(directory + "/" + job.control, ticket) &&
-               FindQueue(ticket, queue).empty();
+        return IsOwnJob(job.name) && FindJob(directory, job, ticket, queue).empty();
     });
 }
 
@@ -208,6 +223,7 @@ static int Watch(const std::string &directory) {
 // enough.
 static void WatchAll(const std::string &directory) {
     for (int empty = 0; empty < 2;) {
+        if (!SpoolOpen(directory, false).empty()) return;
         int waiting = Watch(directory);
         empty = waiting ? 0 : empty + 1;
         if (empty < 2) Pause("PRNQ_WATCH", waiting < 0 ? WATCH_DOWN_SECONDS : WATCH_SECONDS);
@@ -221,6 +237,6 @@ std::string RunWatcher(const std::string &directory) {
         FileLock lock(directory + "/.watch", 0);
         if (!lock.IsHeld()) return Taken(directory);
         WatchAll(directory);
-    } while (Watch(directory) > 0);
+    } while (SpoolOpen(directory, false).empty() && Watch(directory) > 0);
     return "";
 }

@@ -118,8 +118,10 @@ static std::string BannerFile(const Queue &queue, const std::string &title) {
 static std::string SendToCups(const CupsPrint &print, const Queue &queue, long &number) {
     CupsPrint more = print;
     std::string banner;
-    if (queue.flBanner && !print.flRaw && !CupsHasBanner(print.queue))
+    if (queue.flBanner && !print.flRaw && !CupsHasBanner(print.queue)) {
         banner = BannerFile(queue, print.title);
+        if (banner.empty()) TellUser("warning: no banner page, it can't be written to /tmp");
+    }
     if (!banner.empty()) more.bannerPath = banner.c_str();
     std::string error = CupsSend(more, number);
     if (!banner.empty()) unlink(banner.c_str());
@@ -169,7 +171,10 @@ static std::string PrintBySpool(const CupsPrint &print, int file) {
         if (lock.IsHeld() && !access((directory + "/c" + name).c_str(), F_OK))
             SpoolStatus(directory, "waiting: " + name + " is next\n");
     }
-    return StartDetached("-send", directory);
+    // The job is taken: who was told otherwise would print it twice.
+    error = StartDetached("-send", directory);
+    if (!error.empty()) TellUser("warning: job " + name + " waits for the next call: " + error);
+    return "";
 }
 
 static std::string Print(const Words &words, int file, const std::string &path) {
