@@ -61,22 +61,32 @@ static bool WaitFor(Channel &channel, short events, int seconds) {
     return true;
 }
 
-// A parallel port is always ready by its driver's word, and says so itself when it is busy or out of paper.
+static bool ShowOpened(Channel &channel) {
+    SpoolStatus(channel.job->directory, channel.job->status);
+    return true;
+}
+
+// A parallel port is always ready by its driver's word, and says only when it is written to that it is busy
+// or has no paper.
 static bool IsBusy(const Channel &channel, int reason) {
     bool flPaper = reason == ENOSPC && channel.job->target.kind == TARGET_DEVICE;
-    return reason == EAGAIN || flPaper;
+    if (flPaper)
+        SpoolStatus(channel.job->directory, "waiting: " + channel.job->target.path + ": out of paper\n");
+    return flPaper || reason == EAGAIN;
 }
 
 static bool Put(Channel &channel, std::string_view bytes) {
+    bool flBusy = false;
     while (!bytes.empty()) {
         if (!WaitFor(channel, POLLOUT, 0)) return false;
         ssize_t count = write(channel.file, bytes.data(), bytes.size());
         if (count < 0 && errno == EINTR) continue;
-        if (count < 0 && !IsBusy(channel, errno)) return Fail(channel, strerror(errno));
-        if (count > 0) {
-            bytes.remove_prefix((size_t)count);
-            continue;
-        }
+        int reason = count < 0 ? errno : 0;
+        if (reason && !IsBusy(channel, reason)) return Fail(channel, strerror(reason));
+        if (count > 0) bytes.remove_prefix((size_t)count);
+        if (count > 0 && flBusy) ShowOpened(channel);
+        flBusy = count <= 0;
+        if (!flBusy) continue;
         if (!IsWanted(channel)) return false;
         PauseMs(BUSY_PAUSE_MS);
     }
@@ -188,11 +198,6 @@ static bool EndConnection(Channel &channel) {
         if (waited > CLOSE_SECONDS * 1000) return Fail(channel, "closed the connection too early");
         PauseMs(OUTQ_PAUSE_MS);
     }
-    return true;
-}
-
-static bool ShowOpened(Channel &channel) {
-    SpoolStatus(channel.job->directory, channel.job->status);
     return true;
 }
 
