@@ -218,6 +218,7 @@ std::string ComplaintOf(const Ran &ran) {
     std::string line = ran.errors.substr(0, ran.errors.find('\n'));
     size_t colon = line.find(": ");
     // "lpadmin: TEXT" speaks of a program that the user never called.
-    if (line.starts_with("lp") && colon != line.npos) line.erase(0, colon + 2);
+    bool flNamed = line.starts_with("lp") || line.starts_with("cancel: ");
+    if (flNamed && colon != line.npos) line.erase(0, colon + 2);
     return line.empty() ? "the command failed with status " + std::to_string(ran.status) : line;
 }

@@ -293,6 +293,13 @@ static int TakeName(const std::string &directory, SpoolJob &job) {
     return -1;
 }
 
+static void Sync(const std::string &path) {
+    int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) return;
+    fsync(file);
+    close(file);
+}
+
 std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int file, std::string &name) {
     SpoolJob job;
     int data = TakeName(directory, job);
@@ -300,6 +307,9 @@ std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int 
     std::string error = WriteJob(directory, job, ticket, data, file);
     if (!error.empty()) return error;
     AddJobToQue(directory.c_str(), job.control.c_str(), job.data.c_str());
+    // A job that was taken must outlast a host that is switched off: its line and its names, too.
+    Sync(directory + "/.q");
+    Sync(directory);
     name = job.name;
     // A job without a line but with a control file wasn't taken; one without either is printed already.
     if (IsListed(directory, name) || access((directory + "/" + job.control).c_str(), F_OK)) return "";
