@@ -108,6 +108,21 @@ class Start(unittest.TestCase):
         self.assertNotEqual(out, MENU % "")
         self.assertEqual(self.menu("-tty", LANG="fr_FR"), MENU % "")
 
+    @unittest.skipUnless(ROOT, "needs root")
+    def test_tool_directory_with_a_blank_and_quotes(self):
+        path = self.tool.path / "it's $(touch x) a \"dir\""
+        path.mkdir()
+        for entry in list(self.tool.path.iterdir()):
+            if entry != path:
+                shutil.move(str(entry), str(path))
+        base, self.tool.path, self.tool.program = self.tool.path, path, str(path / "prndeck")
+        self.addCleanup(setattr, self.tool, "path", base)
+        self.tool.queues("q1")
+        status, _, err = self.tool.run("-tty", script="4\nq1\ny\n1\n16\n6\n")
+        self.assertEqual((status, err), (0, ""))
+        self.assertEqual(self.tool.lines(), ["prnqtool <q1> <-x> <-log> <prndeck>"])
+        self.assertFalse((path / "x").exists())
+
 
 if __name__ == "__main__":
     unittest.main()

@@ -8,6 +8,7 @@ import unittest
 
 from cups import Scheduler
 from fakeprinter import FakePrinter
+from term import Term
 from tooldir import PPD, QueueTool, ToolDir
 
 DOCUMENT = b"%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%Page: 1 1\n(prnqtool) pop showpage\n%%EOF\n"
@@ -213,6 +214,23 @@ class Faults(OnScheduler):
             self.assertIn("q", self.cups.queues())
         self.add("q", "-pm psp -hn last")
         self.assertEqual(self.cups.queues(), {"q": "socket://last:9100/?snmp=false"})
+
+
+class Locked(OnScheduler):
+    def test_never_asks_on_the_terminal(self):
+        self.cups.stop()
+        conf = self.cups.root + "/etc/cupsd.conf"
+        with open(conf) as old:
+            text = old.read()
+        with open(conf, "w") as new:
+            new.write(text[:text.index("<Location")])  # nobody may administer now
+        self.cups.start()
+        argv = self.tool.command("prnqtool", "q", "-ppd", "plain.ppd", "-pm", "psp", "-hn", "h1")
+        term = self.enterContext(Term(argv, env=self.tool.env))
+        self.assertEqual(term.end(), 1)
+        self.assertIn("Unauthorized", term.output)
+        self.assertNotIn("assword", term.output)
+        self.assertEqual((self.cups.queues(), self.tool.records()), ({}, {}))
 
 
 if __name__ == "__main__":
