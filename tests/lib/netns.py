@@ -1,0 +1,115 @@
+"""A network of its own for a test: this process becomes the workstation, printers live in a second namespace.
+
+    reason = netns.enter()              # first thing in the program; None, or why there can be no network here
+    net = netns.Network()               # two subnets, 10.71.1.0/24 on eth1 and 10.71.2.0/24 on eth2
+    net.give("10.71.1.11", ...)         # addresses of the fleet
+    sim = net.start(["prnsim", ...])    # a program among the printers
+    subprocess.run(["snmpget", ...])    # a program on the workstation
+
+The namespaces have no names and no process of their own: they last as long as this process and what it started, and what it
+started ends with it, also when it is killed.  Networks of several processes know nothing of one another.
+"""
+import contextlib
+import ctypes
+import ipaddress
+import os
+import shutil
+import signal
+import subprocess
+
+CLONE_NEWNS, CLONE_NEWUSER, CLONE_NEWNET = 0x00020000, 0x10000000, 0x40000000
+MS_BIND, MS_REC, MS_PRIVATE = 4096, 16384, 1 << 18
+PR_SET_PDEATHSIG = 1
+
+_libc = ctypes.CDLL(None, use_errno=True)
+
+
+def _call(name, *arguments):
+    if getattr(_libc, name)(*arguments) != 0:
+        number = ctypes.get_errno()
+        raise OSError(number, f"{name}: {os.strerror(number)}")
+
+
+def _write(path, text):
+    with open(path, "w") as out:
+        out.write(text)
+
+
+def _become_root():
+    """A user namespace in which this user is root, for what root may do without one."""
+    uid, gid = os.geteuid(), os.getegid()
+    _call("unshare", CLONE_NEWUSER)
+    _write("/proc/self/setgroups", "deny")
+    _write("/proc/self/uid_map", f"0 {uid} 1")
+    _write("/proc/self/gid_map", f"0 {gid} 1")
+
+
+def _ip(lines, **kwargs):
+    done = subprocess.run(["ip", "-batch", "-"], input="\n".join(lines), text=True, capture_output=True, **kwargs)
+    if done.returncode != 0:
+        raise OSError("ip: " + done.stderr.strip())
+
+
+def enter():
+    """Leaves the host's network for an empty one, with mounts that nobody else sees; there is no way back."""
+    os.environ["PATH"] += ":/usr/sbin:/sbin"
+    if not shutil.which("ip"):
+        return "ip of iproute2 is not installed"
+    try:
+        if os.geteuid() != 0:
+            _become_root()
+        _call("unshare", CLONE_NEWNET | CLONE_NEWNS)
+        _call("mount", None, b"/", None, MS_REC | MS_PRIVATE, None)
+        _ip(["link set lo up"])
+    except OSError as error:
+        return f"no network namespace for this user: {error}"
+    return None
+
+
+def cover(path, by):
+    """Shows another file in the place of one of the host's, to this process and what it starts."""
+    _call("mount", by.encode(), path.encode(), None, MS_BIND, None)
+
+
+class Network:
+    """A bridge for each subnet among the printers; ethN, with the first address of the subnet, on the workstation."""
+
+    def __init__(self, *subnets):
+        self.subnets = [ipaddress.ip_network(text) for text in subnets or ("10.71.1.0/24", "10.71.2.0/24")]
+        home = os.open("/proc/self/ns/net", os.O_RDONLY)
+        _call("unshare", CLONE_NEWNET)
+        self.namespaces = [home, os.open("/proc/self/ns/net", os.O_RDONLY)]
+        _call("setns", home, CLONE_NEWNET)
+        workstation = f"/proc/{os.getpid()}/fd/{home}"
+        fleet, here = ["link set lo up"], []
+        for number, subnet in enumerate(self.subnets, 1):
+            fleet += [f"link add lan{number} type bridge",
+                      f"link add port{number} type veth peer name eth{number} netns {workstation}",
+                      f"link set port{number} master lan{number} up", f"link set lan{number} up"]
+            here += [f"address add {subnet[1]}/{subnet.prefixlen} brd + dev eth{number}", f"link set eth{number} up"]
+        with self.fleet():
+            _ip(fleet)
+        _ip(here)
+
+    @contextlib.contextmanager
+    def fleet(self):
+        """Sockets that are made inside are the fleet's."""
+        home, fleet = self.namespaces
+        _call("setns", fleet, CLONE_NEWNET)
+        try:
+            yield
+        finally:
+            _call("setns", home, CLONE_NEWNET)
+
+    def give(self, *addresses):
+        lines = []
+        for text in addresses:
+            number, subnet = next((n, s) for n, s in enumerate(self.subnets, 1) if ipaddress.ip_address(text) in s)
+            lines.append(f"address add {text}/{subnet.prefixlen} brd + dev lan{number}")
+        with self.fleet():
+            _ip(lines)
+
+    def start(self, argv, **kwargs):
+        """Starts a program in the fleet's namespace."""
+        with self.fleet():
+            return subprocess.Popen(argv, preexec_fn=lambda: _libc.prctl(PR_SET_PDEATHSIG, signal.SIGKILL), **kwargs)
