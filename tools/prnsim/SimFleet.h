@@ -1,0 +1,95 @@
+// What a description says: models, printers, subnets, knobs. The grammar and every knob stand in
+// doc/prnsim.md.
+//
+// Nothing here changes once it is read, so it is shared: a printer holds its model by address and its own
+// lines in a block that all printers of one statement have in common. A thousand printers of a model cost a
+// thousand SimPrinter.
+#pragma once
+
+#include "tools/prnsim/SimValue.h"
+
+#include <array>
+#include <deque>
+#include <map>
+#include <memory>
+#include <stdexcept>
+
+// ORDER SimKnob: the rows of the table in SimKnobs.cpp
+enum SimKnob {
+    KNOB_LOSS,
+    KNOB_DELAY,
+    KNOB_DUPLICATE,
+    KNOB_REORDER,
+    KNOB_FOREIGN,
+    KNOB_GARBAGE,
+    KNOB_TRUNCATE,
+    KNOB_LONG,
+    KNOB_ERROR,
+    KNOB_OTHERID,
+    KNOB_DIES,
+    KNOB_BROADCAST,
+    KNOB_REFUSE,
+    KNOB_SIZE,
+    KNOB_RESET_TIME,
+    KNOB_WEB,
+    KNOB_RAW,
+    KNOB_READ,
+    KNOB_WRITE,
+    KNOB_RESET,
+    KNOB_COUNT
+};
+
+enum { DIES_NEVER = -1, DIES_BROADCAST = -2 }; // else the number of requests that are answered
+
+// Units: chances in millionths, times in microseconds. Which field holds what stands in the table of knobs.
+struct SimSetting {
+    bool flSet = false;
+    int64_t first = 0, second = 0;
+    std::string text;
+    std::vector<std::string> words;
+    SimOid name;                           // of the reset object
+    std::vector<int64_t> numbers, factory; // its numbers; those of `factory` forget all
+};
+using SimKnobs = std::array<SimSetting, KNOB_COUNT>;
+
+struct SimBlock {
+    std::vector<SimEntry> entries; // ascending by name, each name once
+    SimKnobs knobs;                // of a printer's block: those in force; of a model's: those that were said
+};
+
+struct SimSubnet {
+    uint32_t address, mask;
+    uint32_t Broadcast() const { return address | ~mask; }
+};
+
+struct SimPlaceOfPrinter {
+    uint32_t address, number; // number: place in its statement's run, from 1
+    const SimBlock *model;    // null without `like`
+    const SimBlock *own;
+};
+
+struct SimFleet {
+    uint64_t seed = 1;
+    int64_t pace = 0; // answers a second to one broadcast; 0: no limit
+    std::vector<SimSubnet> subnets;
+    std::vector<SimPlaceOfPrinter> printers; // ascending by address, each address once
+    std::map<std::string, SimBlock> models;
+    std::deque<SimBlock> blocks; // the printers' own; addresses stay valid
+};
+
+// The text is "FILE:LINE: what is wrong", ready to be shown.
+struct SimFault : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct SimReadOptions {
+    uint32_t mapFrom = 0, mapTo = 0, mapMask = 0; // of addresses: those with `from` below the mask get `to`
+    std::vector<std::string> knobs;               // in force over all others
+};
+
+// Reads the files one behind the other as one description. Throws SimFault.
+std::unique_ptr<SimFleet> SimReadFleet(const std::vector<std::string> &files, const SimReadOptions &options);
+
+// The value that a printer has of this name by description, null if none; and the first name behind it.
+const SimEntry *SimFind(const SimPlaceOfPrinter &printer, SimOidView name);
+const SimEntry *SimFindNext(const SimPlaceOfPrinter &printer, SimOidView name);

@@ -1,0 +1,173 @@
+// The printers' web pages and their ports for print data.
+#include "tools/prnsim/SimNet.h"
+
+#include <algorithm>
+#include <arpa/inet.h>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/epoll.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+enum { CONNECTIONS_MAX = 512, REQUEST_MAX = 8192 };
+static constexpr SimTime Patience = 10000000; // with a client that says nothing
+
+// Lines of the page, in order; those that the printer lacks are left out.
+static constexpr struct {
+    const char *label, *name;
+} PageRows[] = {
+    {"Model", "1.3.6.1.2.1.25.3.2.1.3.1"},      {"Name", "1.3.6.1.2.1.1.5.0"},
+    {"Location", "1.3.6.1.2.1.1.6.0"},          {"Contact", "1.3.6.1.2.1.1.4.0"},
+    {"Console", "1.3.6.1.2.1.43.16.5.1.2.1.1"}, {"Pages printed", "1.3.6.1.2.1.43.10.2.1.4.1.1"},
+};
+static constexpr char SupplyText[] = "1.3.6.1.2.1.43.11.1.1.6.1.", SupplyMax[] = "1.3.6.1.2.1.43.11.1.1.8.1.",
+                      SupplyLevel[] = "1.3.6.1.2.1.43.11.1.1.9.1.";
+
+static const SimValue *LookText(const SimPrinter &printer, const std::string &name) {
+    SimOid oid;
+    return SimParseOid(name, &oid) ? SimAgent::Look(printer, oid) : nullptr;
+}
+
+static std::string ShownText(const SimPrinter &printer, const std::string &name) {
+    const SimValue *value = LookText(printer, name);
+    if (!value) return "";
+    if (value->tag != SIM_OCTETS) return std::to_string(value->number);
+    std::string shown;
+    for (char ch : SimExpand(*value, printer.place->address, printer.place->number)) {
+        if (ch == '<')
+            shown += "&lt;";
+        else if (ch == '&')
+            shown += "&amp;";
+        else
+            shown += ch;
+    }
+    return shown;
+}
+
+static std::string PageRow(const std::string &label, const std::string &text) {
+    return "<tr><th>" + label + "</th><td>" + text + "</td></tr>\n";
+}
+
+static std::string PageText(const SimPrinter &printer) {
+    std::string rows;
+    for (const auto &row : PageRows) {
+        std::string text = ShownText(printer, row.name);
+        if (!text.empty()) rows += PageRow(row.label, text);
+    }
+    for (int i = 1; LookText(printer, SupplyText + std::to_string(i)); i++) {
+        std::string n = std::to_string(i);
+        rows += PageRow(ShownText(printer, SupplyText + n),
+                        ShownText(printer, SupplyLevel + n) + " of " + ShownText(printer, SupplyMax + n));
+    }
+    std::string title = ShownText(printer, PageRows[0].name);
+    return "<!DOCTYPE html>\n<html><head><title>" + title + "</title></head><body>\n<h1>" + title +
+           "</h1>\n<table>\n" + rows + "</table>\n</body></html>\n";
+}
+
+std::string SimNet::Page(size_t number, std::string_view request) {
+    SimAgent::Settle(&printers[number]);
+    bool flHead = request.substr(0, 5) == "HEAD ", flGet = request.substr(0, 4) == "GET ";
+    size_t path = flHead ? 5 : 4;
+    const char *status = "501 Not Implemented";
+    std::string body = "Not implemented\n", type = "text/plain";
+    if ((flHead || flGet) && request.substr(path, 2) == "/ ") {
+        status = "200 OK";
+        body = PageText(printers[number]);
+        type = "text/html";
+    } else if (flHead || flGet) {
+        status = "404 Not Found";
+        body = "Not found\n";
+    }
+    return std::string("HTTP/1.0 ") + status + "\r\nContent-Type: " + type +
+           "\r\nContent-Length: " + std::to_string(body.size()) + "\r\nConnection: close\r\n\r\n" +
+           (flHead ? "" : body);
+}
+
+// A file for one print job, -1 if the printer doesn't store them.
+int SimNet::RawFile(size_t number) {
+    const SimSetting &knob = printers[number].Knob(KNOB_RAW);
+    if (knob.text.empty()) return -1;
+    std::string path = knob.text + "/" + SimAddressText(printers[number].place->address) + "-" +
+                       std::to_string(++prints[number]) + ".prn";
+    int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+    if (file < 0) fprintf(stderr, "prnsim: %s: %s\n", path.c_str(), strerror(errno));
+    return file;
+}
+
+// A printer in a reset takes nobody, and a full house neither.
+void SimNet::Accept(int listener, Kind kind, size_t number) {
+    int made = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
+    if (made < 0) return;
+    size_t at = 0;
+    while (at < connections.size() && connections[at].socket >= 0) at++;
+    if (at == connections.size() && at < CONNECTIONS_MAX) connections.emplace_back();
+    if (at == CONNECTIONS_MAX || Now() < printers[number].silentUntil ||
+        !Watch(made, CONNECTION, at, EPOLLIN)) {
+        close(made);
+        return;
+    }
+    open++;
+    Connection &connection = connections[at];
+    connection = {.socket = made, .kind = kind, .printer = number, .deadline = Now() + Patience};
+    if (kind == RAW) connection.file = RawFile(number);
+}
+
+void SimNet::Serve(size_t number, uint32_t) {
+    Connection &connection = connections[number];
+    if (connection.socket < 0) return; // closed since the event was fetched
+    connection.deadline = Now() + Patience;
+    if (!(connection.kind == WEB ? ServeWeb(&connection) : ServeRaw(&connection))) Close(&connection);
+}
+
+// False when it is done with.
+bool SimNet::ServeWeb(Connection *connection) {
+    std::string &text = connection->text;
+    if (!connection->flAnswering) {
+        ssize_t got = recv(connection->socket, buffer, sizeof buffer, 0);
+        if (got <= 0) return got < 0 && errno == EAGAIN;
+        text.append(buffer, static_cast<size_t>(got));
+        if (text.find("\r\n\r\n") == text.npos && text.find("\n\n") == text.npos)
+            return text.size() < REQUEST_MAX;
+        text = Page(connection->printer, text);
+        connection->flAnswering = true;
+        epoll_event event = {};
+        event.events = EPOLLOUT;
+        event.data.u64 = uint64_t{CONNECTION} << 32 |
+                         static_cast<size_t>(std::find_if(connections.begin(), connections.end(),
+                                                          [=](auto &other) { return &other == connection; }) -
+                                             connections.begin());
+        epoll_ctl(epoll, EPOLL_CTL_MOD, connection->socket, &event);
+    }
+    ssize_t sent = send(connection->socket, text.data(), text.size(), MSG_NOSIGNAL);
+    if (sent < 0) return errno == EAGAIN;
+    text.erase(0, static_cast<size_t>(sent));
+    return !text.empty();
+}
+
+bool SimNet::ServeRaw(Connection *connection) {
+    ssize_t got = recv(connection->socket, buffer, sizeof buffer, 0);
+    if (got <= 0) return got < 0 && errno == EAGAIN;
+    if (connection->file >= 0 && write(connection->file, buffer, static_cast<size_t>(got)) != got) {
+        fprintf(stderr, "prnsim: a print job could not be stored: %s\n", strerror(errno));
+        return false;
+    }
+    return true;
+}
+
+void SimNet::Close(Connection *connection) {
+    if (connection->socket < 0) return;
+    close(connection->socket);
+    if (connection->file >= 0) close(connection->file);
+    connection->socket = connection->file = -1;
+    connection->text.clear();
+    open--;
+}
+
+void SimNet::CloseOld() {
+    if (!open) return;
+    SimTime now = Now();
+    for (Connection &connection : connections) {
+        if (connection.socket >= 0 && connection.kind == WEB && now > connection.deadline) Close(&connection);
+    }
+}
