@@ -13,8 +13,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -252,25 +254,28 @@ static bool CopyAll(int from, int to) {
     return count == 0;
 }
 
-// Closes the new job file, whose bytes must have reached the disk.
+// The bytes of a new job file must have reached the disk.
 static std::string EndJobFile(int file, bool flWritten, const std::string &path) {
-    flWritten = flWritten && !fsync(file);
-    std::string error = flWritten ? "" : Failed("write", path);
-    if (close(file) && flWritten) error = Failed("write", path);
-    if (!error.empty()) unlink(path.c_str());
+    if (flWritten && !fsync(file)) return "";
+    std::string error = Failed("write", path);
+    unlink(path.c_str());
+    return error;
+}
+
+static std::string WriteControl(const std::string &path, const std::string &text) {
+    int control = MakeJobFile(path);
+    if (control < 0) return Failed("write", path);
+    std::string error = EndJobFile(control, WriteAll(control, text), path);
+    close(control);
     return error;
 }
 
 static std::string WriteJob(const std::string &directory, const SpoolJob &job, const JobTicket &ticket,
                             int data, int file) {
-    std::string dataPath = directory + "/" + job.data, controlPath = directory + "/" + job.control;
+    std::string dataPath = directory + "/" + job.data;
     std::string error = EndJobFile(data, CopyAll(file, data), dataPath);
     if (!error.empty()) return error;
-    int control = MakeJobFile(controlPath);
-    if (control < 0)
-        error = Failed("write", controlPath);
-    else
-        error = EndJobFile(control, WriteAll(control, TicketText(ticket, job.data)), controlPath);
+    error = WriteControl(directory + "/" + job.control, TicketText(ticket, job.data));
     if (!error.empty()) unlink(dataPath.c_str());
     return error;
 }
@@ -280,6 +285,25 @@ static bool IsListed(const std::string &directory, const std::string &name) {
     return std::any_of(jobs.begin(), jobs.end(), [&](const SpoolJob &job) { return job.name == name; });
 }
 
+static bool IsUnlinked(int file) {
+    struct stat status;
+    return fstat(file, &status) || !status.st_nlink;
+}
+
+// The data file is locked until its job has a control file, so that a sweep leaves it. A sweep may have been
+// faster: then the file has no name any more.
+static int MakeDataFile(const std::string &path) {
+    int file = MakeJobFile(path);
+    if (file < 0) return -1;
+    int status = flock(file, LOCK_EX);
+    if (!status && !IsUnlinked(file)) return file;
+    int reason = status ? errno : EEXIST;
+    if (status) unlink(path.c_str());
+    close(file);
+    errno = reason;
+    return -1;
+}
+
 // A name that nobody has, and its data file; -1 without one.
 static int TakeName(const std::string &directory, SpoolJob &job) {
     char name[16];
@@ -287,7 +311,7 @@ static int TakeName(const std::string &directory, SpoolJob &job) {
         snprintf(name, sizeof name, "A%05d", NextNumber(directory));
         job = {name, std::string("c") + name, std::string("d") + name};
         if (!access((directory + "/" + job.control).c_str(), F_OK) || IsListed(directory, name)) continue;
-        int data = MakeJobFile(directory + "/" + job.data);
+        int data = MakeDataFile(directory + "/" + job.data);
         if (data >= 0 || errno != EEXIST) return data;
     }
     return -1;
@@ -305,6 +329,7 @@ std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int 
     int data = TakeName(directory, job);
     if (data < 0) return Failed("write to", directory);
     std::string error = WriteJob(directory, job, ticket, data, file);
+    close(data);
     if (!error.empty()) return error;
     AddJobToQue(directory.c_str(), job.control.c_str(), job.data.c_str());
     // A job that was taken must outlast a host that is switched off: its line and its names, too.
@@ -326,4 +351,26 @@ std::string SpoolRemove(const std::string &directory, const SpoolJob &job) {
     if (error.empty()) error = RemoveFile(directory + "/" + job.data);
     if (error.empty()) DeleteJobFromQue(directory.c_str(), job.control.c_str(), 0);
     return error;
+}
+
+// Nobody who may have the job in hand is left once the lock is free: who copies has it, and a job with a line
+// or a control file is the sender's.
+static void SweepJob(const std::string &directory, const std::string &name) {
+    std::string data = directory + "/d" + name, control = directory + "/c" + name;
+    int file = open(data.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) return;
+    bool flLeft = !flock(file, LOCK_EX | LOCK_NB) && access(control.c_str(), F_OK) && errno == ENOENT;
+    if (flLeft && !IsListed(directory, name) && !IsUnlinked(file)) unlink(data.c_str());
+    close(file);
+}
+
+void SpoolSweep(const std::string &directory) {
+    DIR *entries = opendir(directory.c_str());
+    if (!entries) return;
+    while (const struct dirent *entry = readdir(entries)) {
+        std::string_view name = entry->d_name;
+        if (name.starts_with('d') && IsOwnJob(name.substr(1)))
+            SweepJob(directory, std::string(name.substr(1)));
+    }
+    closedir(entries);
 }

@@ -195,6 +195,7 @@ static bool HasWork(const std::string &directory) {
 std::string RunSender(const std::string &directory) {
     std::string error = SpoolOpen(directory, false);
     if (!error.empty()) return error;
+    SpoolSweep(directory);
     do {
         FileLock lock(directory + "/.sender", LOCK_SECONDS);
         if (!lock.IsHeld()) return Taken(directory);

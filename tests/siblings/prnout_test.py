@@ -3,6 +3,7 @@ import contextlib
 import os
 import pty
 import re
+import resource
 import signal
 import socket
 import subprocess
@@ -314,6 +315,41 @@ class OnFile(Scenario, unittest.TestCase):
             self.assertEqual(sender.wait(15), 0)
         self.assertTrue(got == content, len(got))
         self.idle(here)
+
+    def test_printer_that_closes_before_it_has_read_the_job(self):
+        with socket.create_server(("127.0.0.1", 0)) as listener:
+            port = listener.getsockname()[1]
+            self.queue("q", port)
+            self.out("-dq", self.tool.path + "/file.txt")
+            listener.settimeout(15)
+            with listener.accept()[0] as first:
+                self.assertEqual(len(first.recv(len(TEXT), socket.MSG_PEEK | socket.MSG_WAITALL)), len(TEXT))
+            with listener.accept()[0] as second:
+                self.assertEqual(b"".join(iter(lambda: second.recv(1 << 16), b"")), TEXT)
+        self.idle("127.0.0.1:%d" % port)
+
+    def test_copy_that_was_killed_is_swept_and_one_under_way_is_not(self):
+        printer = self.printer()
+        self.queue("q", printer.port)
+        spool = self.spool("127.0.0.1:%d" % printer.port)
+        data = lambda: [name for name in os.listdir(spool) if name.startswith("d")] if os.path.isdir(spool) else []
+        line = self.tool.command("prnout", "-dq", self.tool.path + "/file.txt")
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))  # a signal ends it in mid copy
+        self.assertEqual(subprocess.run(line, env=self.tool.env, preexec_fn=limit).returncode, -signal.SIGXFSZ)
+        self.assertEqual(data(), ["dA00001"])
+        with open(self.tool.path + "/big", "wb") as out:
+            out.truncate(20_000_000)
+        slow = subprocess.Popen(self.tool.command("prnout", "-dq", self.tool.path + "/big"), env=self.tool.env)
+        while len(data()) == 1 and slow.poll() is None:
+            pass
+        slow.send_signal(signal.SIGSTOP)
+        self.out("-dq", self.tool.path + "/file.txt")
+        self.assertEqual(printer.wait(1), [TEXT])
+        self.assertTrue(until(lambda: data() == ["dA00002"]), data())
+        slow.send_signal(signal.SIGCONT)
+        self.assertEqual(slow.wait(30), 0)
+        self.assertEqual(len(printer.wait(2)[1]), 20_000_000)
+        self.idle("127.0.0.1:%d" % printer.port)
 
     def test_job_that_nobody_takes_can_be_removed(self):
         self.tool.write("big", bytes(20_000_000))
