@@ -2,6 +2,7 @@
 #include "siblings/prnpnxxtty/Dialogue.h"
 
 #include "common/NlsUtils.h"
+#include "common/Screen.h"
 #include "common/TextMenu.h"
 #include "common/utils.h"
 #include "siblings/prnpnxxtty/Settings.h"
@@ -28,6 +29,9 @@ enum { // texts of set 26
 // An item with label and choice stays in one line of the terminal; the list has room for more.
 enum { LABEL_MAX = 36, CHOICE_MAX = 29, LISTED_MAX = 70, MODEL_MAX = 60, BROKEN_MAX = 4, LIST_PAGE = 20 };
 enum { FIRST_LETTER = 0xC0 };
+// Rows of the screen besides the options: four with the title, three of commands, and the prompt.
+enum { FRAME_ROWS = 8 };
+enum { LAYOUT_WIDE, LAYOUT_NAMES, LAYOUT_DENSE };
 
 struct Dialogue {
     Ppd &ppd;
@@ -165,8 +169,8 @@ static void ListChoices(const TextMenuItem &item) {
     printf("\n%s\n", item.text);
     if (HasUnset(item)) printf("%4i. %s\n", ++number, FeatureText(TXT_UNSET).c_str());
     for (const PpdChoice &choice : option->choices) {
+        if (number > 0 && number % LIST_PAGE == 0) PostMsg("\n");
         printf("%4i. %s\n", ++number, ChoiceText(choice, LISTED_MAX).c_str());
-        if (number % LIST_PAGE == 0) PostMsg("\n");
     }
     PostMsg("\n");
 }
@@ -210,16 +214,33 @@ static bool IsBannerOption(const PpdOption &option) {
     return name.find("banner") != name.npos || name.find("separator") != name.npos;
 }
 
+// The line between two groups, and the name of the new one.
+static void AddGroup(Dialogue &dialogue, const std::string &group, int layout) {
+    bool flFirst = dialogue.items.empty();
+    if (!flFirst && layout == LAYOUT_WIDE) AddLine(dialogue, "", ITEM_TEXT, nullptr);
+    if (!group.empty() && layout != LAYOUT_DENSE)
+        AddLine(dialogue, CleanText(group, LABEL_MAX), ITEM_TEXT, nullptr);
+}
+
 // The options in the order of the file, with the name of its group above the first of each run.
-static void AddOptions(Dialogue &dialogue, bool flBanner) {
+static void AddOptions(Dialogue &dialogue, bool flBanner, int layout) {
     const std::string *group = nullptr;
+    dialogue.items.clear();
+    dialogue.texts.clear();
     for (PpdOption &option : dialogue.ppd.options) {
         if (!option.flPick || option.choices.empty() || (IsBannerOption(option) && !flBanner)) continue;
-        if (group && *group != option.group) AddLine(dialogue, "", ITEM_TEXT, nullptr);
-        if (!option.group.empty() && (!group || *group != option.group))
-            AddLine(dialogue, CleanText(option.group, LABEL_MAX), ITEM_TEXT, nullptr);
+        if (!group || *group != option.group) AddGroup(dialogue, option.group, layout);
         group = &option.group;
         AddOption(dialogue, option);
+    }
+}
+
+// What would run off the terminal's top can't be read there: then the groups have to do with less.
+static void AddWhatFits(Dialogue &dialogue, bool flBanner) {
+    int rows = GetTermInfo(nullptr)->height - FRAME_ROWS;
+    for (int layout = LAYOUT_WIDE; layout <= LAYOUT_DENSE; layout++) {
+        AddOptions(dialogue, flBanner, layout);
+        if (static_cast<int>(dialogue.items.size()) <= rows) return;
     }
 }
 
@@ -235,7 +256,7 @@ static void AddCommands(Dialogue &dialogue) {
 
 void RunDialogue(Ppd &ppd, const std::string &text, const std::string &path, bool flBanner) {
     Dialogue dialogue = {ppd, text, path, {}, {}, "", {}};
-    AddOptions(dialogue, flBanner);
+    AddWhatFits(dialogue, flBanner);
     if (dialogue.items.empty()) {
         std::string model = CleanText(ppd.model, MODEL_MAX);
         return PostMsg("%s", NlsFmt(FeatureText(TXT_NO_OPTIONS).c_str(), "s", model.c_str()).c_str());

@@ -29,11 +29,11 @@ void ChooseSettings(Ppd &ppd, std::string_view text) {
     }
 }
 
-// What no pick item shows is kept as it was told.
+// What no pick item shows is kept as it was told, but for a page region that would undo the page size.
 static std::string OtherSettings(const Ppd &ppd, std::string_view text) {
     std::unordered_set<std::string> others;
     for (const PpdOption &option : ppd.options)
-        if (!option.flPick) others.insert(option.name);
+        if (!option.flPick && option.name != "PageRegion") others.insert(option.name);
     std::string settings;
     while (!text.empty()) {
         std::string line(CutLine(text));

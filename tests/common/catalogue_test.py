@@ -22,13 +22,6 @@ DAMAGES = [
     Damage("redirect to nowhere", GERMAN + "PrtHelp.msg", "$$TonerSaving.", "$$Toner.", "EconoMode", "is no topic"),
 ]
 
-Asked = namedtuple("Asked", "name source keys")
-ASKED = [
-    Asked("literals", "void F() { NlsTtyMenuCvt(&t, 35); Nlsfprintf(stdout, h, NLS_TTY_SET, 1001); }", "25_35 25_1001"),
-    Asked("wrapper", "static int F(int n) { return Use(NlsText(h, 25, n)); }\nint G(int a) { return F(a ? 53 : 67); }", "25_53 25_67"),
-    Asked("comments and declarations", "// NlsText(h, 25, 1)\nstd::string NlsText(H *h, int set, int number);\nstatic const char *T = \"NlsText(h, 25, 2)\";", ""),
-]
-
 Wrong = namedtuple("Wrong", "name source key what")
 WRONG = [
     Wrong("text that is nowhere", "void F() { NlsTtyMenuCvt(&t, 7777); }", "25_7777", "stands in no catalogue"),
@@ -65,14 +58,6 @@ class CatalogueTest(unittest.TestCase):
                 path.write_text(whole.replace(case.old, case.new), "latin-1")
                 self.expect(case, checkcat.check(self.root))
                 path.write_text(whole, "latin-1")
-
-    def test_what_sources_ask_for(self):
-        for case in ASKED:
-            with self.subTest(case.name):
-                self.put_source(case.source)
-                faults = []
-                uses = checkcat.Sources(self.root, lambda *fault: faults.append(fault)).uses()
-                self.assertEqual(({use.key for use in uses}, faults), (set(case.keys.split()), []))
 
     def test_wrong_sources(self):
         for case in WRONG:

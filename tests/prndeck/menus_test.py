@@ -113,12 +113,16 @@ class Flows(unittest.TestCase):
 
     # ---- Copy
 
-    def test_copy(self):
-        out = self.play("3\nq1\n1 new\n4 localhost\n7\n6\n")
-        menu = out.split("\f")[2]
-        self.assertIn("Printer model: Tarvo W520 ", menu)
-        self.assertIn("[host]", menu)
-        self.assertEqual(self.tool.lines(), ["prnqtool <new> <-log> <prndeck> <-cl> <q1> <-pm> <wp> <-hn> <localhost> <-psqn> <print>"])
+    def test_copy_of_each_type(self):
+        for kind, tail in enumerate(("<wp> <-hn> <localhost> <-psqn> <print>", "<wps> <-hn> <localhost> <-psqn> <ps1>",
+                                     "<wp> <-dn> </dev/x> <-psqn> <print>", "<psp> <-hn> <localhost> <-psqn> <print>",
+                                     "<psp> <-dn> </dev/x> <-psqn> <print>")):
+            self.tool.write("lines", "")
+            place = "/dev/x" if "<-dn>" in tail else "localhost"
+            self.tool.que({"q1": "q1 p lp tv_w520.ppd %d \0" % kind, "p count": "\1\0\0\0%s ps1\0" % place})
+            out = self.play("3\nq1\n1 new\n7\n6\n")
+            self.assertIn("Printer model: Tarvo W520 ", out.split("\f")[2])
+            self.assertEqual(self.tool.lines(), ["prnqtool <new> <-log> <prndeck> <-cl> <q1> <-pm> " + tail])
 
     def test_copy_over_a_queue(self):
         out = self.play("3\nq1\n1 q2\n4 localhost\n7\nn\n7\ny\n6\n")
@@ -131,7 +135,9 @@ class Flows(unittest.TestCase):
         out = self.play("4\nq1, zz q2\ny\n\n6\n")
         self.assertIn("Do you want to delete q1, zz q2? [y/n] ", out)
         self.assertIn('"zz" is not an existing queue.' + RETURN, out)
-        self.assertEqual(self.tool.lines(), ["prnqtool <%s> <-x> <-log> <prndeck>" % name for name in ("q1", "q2")])
+        # The second answer is refused, the third part of a name, and of the last no word is one.
+        self.play("4\nq1\nn\n4\nq\ny\n4\n$(touch x) `id` %n ;id\ny\n\n\n\n\n\n6\n")
+        self.assertEqual(self.tool.lines(), ["prnqtool <%s> <-x> <-log> <prndeck>" % name for name in ("q1", "q2", "q")])
 
     # ---- Banner
 

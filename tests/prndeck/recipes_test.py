@@ -7,7 +7,6 @@ import tempfile
 import unittest
 from pathlib import Path
 
-from cups import Scheduler
 from tooldir import read_records
 
 BUILD = Path(os.environ["PRN_BUILD"])
@@ -31,7 +30,7 @@ class Recipes(unittest.TestCase):
         os.chmod(scratch, 0o755)
         self.path = Path(scratch, "deck")
         shutil.copytree(BUILD / "stage", self.path)
-        self.env = {**os.environ, "PRNQ_SPOOL": scratch + "/spool", "PATH": "%s:%s" % (self.path, os.environ["PATH"])}
+        self.env = {**os.environ, "PRNQ_STORE": "file", "PRNQ_SPOOL": scratch + "/spool", "PATH": "%s:%s" % (self.path, os.environ["PATH"])}
         (self.path / "printers.txt").write_text("m1 localhost\nm2 127.0.0.1\n")
 
     def shell(self, line):
@@ -46,7 +45,7 @@ class Recipes(unittest.TestCase):
     def records(self):
         return read_records(str(self.path / "db" / "que.xdb"))
 
-    def recipes(self, language):
+    def scenarios(self, language):
         add = page(language, "scadd")[0]
         self.shell(add)
         self.expect("lab")
@@ -67,30 +66,20 @@ class Recipes(unittest.TestCase):
         self.shell(missing.replace("...", "TERM=dumb prndeck -tty"))
         self.expect("far", "desk", "m1", "m2")
 
-    def test_own_store(self):
-        self.env["PRNQ_STORE"] = "file"
+    def test_scenarios(self):
         for language in ("en_US", "de_DE"):
             with self.subTest(language):
                 self.env["LANG"] = language
-                self.recipes(language)
+                self.scenarios(language)
                 self.shell("prnqtool -x all")
 
-    def test_scheduler(self):
-        if Scheduler.missing():
-            self.skipTest(Scheduler.missing())
-        cups = self.enterContext(Scheduler())
-        self.env = cups.env(**self.env)
-        self.recipes("en_US")
-
     def test_first_queue(self):
-        self.env["PRNQ_STORE"] = "file"
         lines = page("en_US", "quick")[0].split("\n")
         typed = [line.strip() for line in lines[1:] if line.strip()] + ["6"]
         self.shell("printf '%%s\\n' '%s' | TERM=dumb %s" % ("' '".join(typed), lines[0]))
         self.expect("lab")
 
     def test_queue_tool(self):
-        self.env["PRNQ_STORE"] = "file"
         *lines, last = page("en_US", "toolhand")[0].strip().split("\n")
         for line in lines:
             self.shell(line.strip())

@@ -1,4 +1,4 @@
-"""The whole road: the real program on a terminal, its queue tool, and a real scheduler or the tool's own store."""
+"""The whole road: the real program on a terminal, its queue tool, and a real scheduler."""
 import os
 import re
 import shutil
@@ -18,17 +18,20 @@ DOCUMENT = b"%!PS-Adobe-3.0\n%%Pages: 1\n%%EndComments\n%%Page: 1 1\n" + PAGE + 
 
 
 class Road(unittest.TestCase):
-    """Adds, changes, copies and deletes at the terminal; hosted() is what the host knows after each step."""
-
     def setUp(self):
         if os.geteuid() != 0:
             self.skipTest("the menus need root")
+        if Scheduler.missing():
+            self.skipTest(Scheduler.missing())
         self.tool = tempfile.mkdtemp(prefix="prnroad.", dir="/tmp")
         self.addCleanup(shutil.rmtree, self.tool)
         os.chmod(self.tool, 0o755)
         self.path = os.path.join(self.tool, "deck")
         shutil.copytree(STAGE, self.path)
-        self.env = {"PRNQ_SPOOL": self.tool + "/spool", "LANG": "C"}
+        self.cups = self.enterContext(Scheduler())
+        self.env = self.cups.env(PRNQ_SPOOL=self.tool + "/spool", LANG="C")
+        with open(self.tool + "/job.ps", "wb") as job:
+            job.write(DOCUMENT)
 
     def records(self):
         return read_records(self.path + "/db/que.xdb")
@@ -45,46 +48,31 @@ class Road(unittest.TestCase):
         return set(re.findall(r"[\w-]+", shown.split("\n\n", 1)[0]))
 
     def agree(self, shown, *names):
-        self.assertEqual((shown, self.hosted()), (set(names), set(names)))
+        self.assertEqual((shown, set(self.cups.queues())), (set(names), set(names)))
 
     def add(self, name, *lines):
         return self.do(("1", MENU), ("1 " + name, MENU), ("5 " + ADDRESS, MENU), ("11 1", MENU), *lines, ("15", MENU))
 
-    def road(self):
+    def test_road(self):
+        """Adds, changes, copies and deletes; the host knows the same queues after each step."""
+        self.printer = self.enterContext(FakeLpd(self.tool + "/got", 515, ADDRESS))
         self.start()
         self.agree(self.add("first"), "first")
         self.printed("first")
         self.agree(self.do(("2", "modify: "), ("first", MENU), ("6 2", MENU), ("7", MENU)), "first")
-        self.assertEqual(self.default(), "first")
+        self.assertEqual(self.cups.default(), "first")
         copied = self.do(("3", "copy: "), ("first", MENU), ("1 second", MENU), ("7", MENU))
         self.agree(copied, "first", "second")
         self.printed("second")
         self.agree(self.add("third", ("14 2", MENU)), "first", "second", "third")
-        self.assertEqual(self.default(), "third")
+        self.assertEqual(self.cups.default(), "third")
         gone = self.do(("4", "all queues: "), ("first third", "[y/n] "), ("y", MENU))
         self.agree(gone, "second")
-        self.assertIsNone(self.default())
+        self.assertIsNone(self.cups.default())
         self.agree(self.do(("4", "all queues: "), ("-", "[y/n] "), ("y", MENU)))
         self.term.line("6")
         self.assertEqual(self.term.end(), 0)
         self.assertNotIn("ERROR", self.term.output)
-
-
-class OnScheduler(Road):
-    def setUp(self):
-        super().setUp()
-        if Scheduler.missing():
-            self.skipTest(Scheduler.missing())
-        self.cups = self.enterContext(Scheduler())
-        self.env = self.cups.env(**self.env)
-        with open(self.tool + "/job.ps", "wb") as job:
-            job.write(DOCUMENT)
-
-    def hosted(self):
-        return set(self.cups.queues())
-
-    def default(self):
-        return self.cups.default()
 
     def printed(self, queue):
         done = self.cups.run("lp", "-s", "-d", queue, self.tool + "/job.ps")
@@ -92,10 +80,6 @@ class OnScheduler(Road):
         jobs = self.printer.wait(self.printer.count + 1)
         self.assertIn(PAGE, jobs[-1] if jobs else self.cups.log()[-2000:].encode())
         self.assertEqual(self.printer.problems, [])
-
-    def test_road(self):
-        self.printer = self.enterContext(FakeLpd(self.tool + "/got", 515, ADDRESS))
-        self.road()
 
     def duplex(self):
         return re.findall(r"\*DefaultDuplex: (\w+)", self.cups.ppd("first"))
@@ -123,26 +107,7 @@ class OnScheduler(Road):
         self.assertEqual(self.add("late"), set())
         self.assertIn("prnqtool: the scheduler isn't running", self.term.output)
         self.cups.start()
-        self.assertEqual((self.records(), self.hosted()), (before, {"kept"}))
-
-
-class OnOwnStore(Road):
-    def setUp(self):
-        super().setUp()
-        self.env["PRNQ_STORE"] = "file"
-
-    def hosted(self):
-        with open(self.path + "/db/hostq") as store:
-            return {line.split(":")[0] for line in store}
-
-    def default(self):
-        return self.records().get(" default", b"").rstrip(b"\0").decode() or None
-
-    def printed(self, queue):
-        pass  # what prints from this store is no part of these menus
-
-    def test_road(self):
-        self.road()
+        self.assertEqual((self.records(), set(self.cups.queues())), (before, {"kept"}))
 
 
 if __name__ == "__main__":

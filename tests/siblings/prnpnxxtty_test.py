@@ -87,7 +87,7 @@ class FrontEnd(unittest.TestCase):
                 ("prnpnxxtty", ["-MS", "q"], LONG_EDGE + "Tray=T2\n"), ("driver", ["-MS", "bare"], DEFAULTS),
                 ("v5driver", ["-MS", "q"], LONG_EDGE + "Tray=T2\n")):
             with self.subTest(program=program, words=words):
-                self.tool.write(".settings", "Staple=True\nof another flow\n")
+                self.tool.write(".settings", "Staple=True\nPageRegion=A4\nof another flow\n")
                 done = self.tool.run(program, *words)
                 self.assertEqual((done.returncode, done.stderr), (0, ""))
                 self.assertRegex(done.stdout, r"^%s: \d settings of \w+\.ppd kept in .*/\.settings\n$" % program)
