@@ -13,29 +13,13 @@ import unittest
 from pathlib import Path
 
 import netns
+from snmpask import FILTER, VARIABLES, ask
 
-ASK = os.environ["PRN_BUILD"] + "/tools/snmpask"
-SIM = os.environ["PRN_BUILD"] + "/tools/prnsim"
+SIM = os.environ["PRN_BUILD"] + "/tools/prnsim/prnsim"
 TARGETS = "10.71.1.0 255.255.255.0,10.71.2.0 255.255.255.0"
-FILTER = "(($5) && ($3))"
-VARIABLES = ["1.3.6.1.2.1.1.2.0", "1.3.6.1.2.1.1.5.0", "1.3.6.1.2.1.1.1.0", "1.3.6.1.2.1.25.3.2.1.3.1",
-             "1.3.6.1.2.1.2.2.1.6.1", "1.3.6.1.2.1.43.7.1.1.3.1.1"]
+FLEET = str(Path(__file__).resolve().parent.parent.parent / "tools/prnsim/demo.fleet")
 VALUES = ["oid 1.3.6.1.4.1.9999.1", 'text "p{number}"', 'text "Printer of a test"', 'text "Tarvo C410"',
-          'hex "00 80 77 01 02 03"', "integer 2"]
-
-
-def ask(*words):
-    """What snmpask prints: [(address, [(name, status, type, text)])] and the result."""
-    done = subprocess.run([ASK, *words], capture_output=True, text=True, timeout=120, check=True)
-    hosts = []
-    *lines, result = done.stdout.splitlines()
-    for line in lines:
-        if line.startswith("host "):
-            hosts.append((line[5:], []))
-        else:
-            name, status, kind, text = line.split(" ", 3)
-            hosts[-1][1].append((name, int(status), int(kind), text))
-    return hosts, int(result.split()[1])
+          'hex "02 80 77 01 02 03"', "integer 2"]
 
 
 def texts(*words):
@@ -48,7 +32,7 @@ def tool(name, address, *words, community="rdcomm"):
     """A tool of net-snmp that reads no configuration and no MIB; object identifiers and values as they came."""
     done = subprocess.run([name, "-v1", "-c", community, "-On", "-Ox", "-t", "1", address, *words], capture_output=True,
                           text=True, env={**os.environ, "MIBS": "", "SNMPCONFPATH": "/nonexistent"})
-    return re.findall(r"^\.(\S+) = (?:(\S+): )?((?:.|\n(?!\.1\.))*)", done.stdout, re.M)
+    return re.findall(r"^\.(\S+) = (?:(\S+): )?((?:.|\n(?!\.1\.))*)", done.stdout.removesuffix("End of MIB\n"), re.M)
 
 
 def shown(kind, value):
@@ -125,6 +109,157 @@ class BesideNetSnmp(unittest.TestCase):
             finally:
                 agent.kill()
                 agent.wait()
+
+    def test_simulated_printer(self):
+        with net.simulate(SIM, FLEET, "-k", "delay 0"):
+            self.assertGreater(self.agree("10.71.1.11", "1.3.6.1", skip={"1.3.6.1.2.1.1.3.0", "1.3.6.1.2.1.25.1.1.0"}), 100)
+            self.sets("10.71.1.11", "1.3.6.1.2.1.1.6.0", "s")
+
+
+# ---- Beside a model
+
+KINDS = {"loss": 1, "delay": 2, "duplicate": 3, "reorder": 4, "foreign": 5, "garbage": 6, "truncate": 7, "long": 8, "error": 9}
+TYPES = {"text": 5, "hex": 5, "integer": 0, "oid": 7, "null": 8}
+
+
+class Printer:
+    """What one simulated printer sends, as doc/prnsim.md tells it."""
+
+    def __init__(self, address, number, values, knobs, seed):
+        self.address, self.number, self.values, self.seed, self.asked = address, number, values, seed, 0
+        self.knobs = {line.split()[0]: line.split()[1:] for line in knobs}
+
+    def draw(self, kind):
+        x = self.seed * 0x9E3779B97F4A7C15 + (int(ipaddress.ip_address(self.address)) << 32) + (self.asked << 8) + kind
+        for shift, factor in ((30, 0xBF58476D1CE4E5B9), (27, 0x94D049BB133111EB)):
+            x &= 2**64 - 1
+            x = (x ^ x >> shift) * factor
+        x &= 2**64 - 1
+        return (x ^ x >> 31) % 1000000
+
+    def hit(self, knob):
+        return knob in self.knobs and self.draw(KINDS[knob]) < float(self.knobs[knob][0]) * 10000
+
+    def answers(self, name, broadcast=False):
+        """[(seconds until it comes, sender, name or "" if it fills nothing or None if it is too long)]"""
+        self.asked += 1
+        dies = self.knobs.get("dies", ["never"])[0]
+        if self.hit("loss") or dies == "broadcast" and not broadcast or dies.isdigit() and self.asked > int(dies):
+            return []
+        wait = float(self.knobs.get("delay", ["0"])[0]) + (float(self.knobs["reorder"][1]) if self.hit("reorder") else 0)
+        sender = self.knobs["foreign"][1] if self.hit("foreign") else self.address
+        damaged = self.hit("garbage") or self.hit("truncate") or self.hit("error") or name not in self.values
+        what = None if self.hit("long") else "" if damaged else name
+        return [(wait / 1000, sender, what)] * (2 if self.hit("duplicate") else 1)
+
+    def value(self, name):
+        kind, text = self.values[name].split(" ", 1) if " " in self.values[name] else (self.values[name], "")
+        text = text.strip('"').replace("{number}", str(self.number))
+        return TYPES[kind], shown("Hex-STRING", text) if kind == "hex" else text
+
+
+class Exchange:
+    """A discovery run: one socket, whose datagrams are taken in the order in which they come."""
+
+    def __init__(self, printers, timeout):
+        self.printers, self.timeout, self.now, self.queue, self.sent = printers, timeout, 0, [], 0
+
+    def send(self, address, name, broadcast=False):
+        for wait, sender, what in self.printers[address].answers(name, broadcast) if address in self.printers else ():
+            self.sent += 1
+            heapq.heappush(self.queue, (self.now + wait, self.sent, sender, what, address))
+
+    def receive(self, limit):
+        if self.queue and abs(self.queue[0][0] - self.now - limit) < 0.1:
+            raise AssertionError("an answer comes when the wait ends: the case is none")
+        if not self.queue or self.queue[0][0] > self.now + limit:
+            self.now += limit
+            return None
+        came, _, sender, what, address = heapq.heappop(self.queue)
+        self.now = max(self.now, came)
+        return sender, what, address
+
+    def read(self, address):
+        variables = {name: [15, 0, "_" * 14] for name in VARIABLES}
+        source = "-"
+        for name in VARIABLES:
+            self.send(address, name)
+            got = self.receive(self.timeout)
+            if got is None or got[1] is None:
+                variables[name][0] = 6 if got is None else 13
+                continue
+            source = got[0]
+            if got[1]:
+                variables[got[1]] = [0, *self.printers[got[2]].value(got[1])]
+        return source, [(name, *variables[name]) for name in VARIABLES]
+
+    def run(self):
+        found = set()
+        for target in TARGETS.split(","):
+            count = 0
+            for address in self.printers:
+                if address[:8] == target[:8]:
+                    self.send(address, VARIABLES[0], True)
+            while (got := self.receive(1)) and got[1] is not None:  # one that is too long ends it like silence
+                found.add(got[0])
+                count += 1
+        read = [self.read(address) for address in sorted(found, key=ipaddress.ip_address)]
+        filled = [{name for name, status, kind, _ in variables if status == 0 and kind != 8} for _, variables in read]
+        return [host for host, names in zip(read, filled) if {VARIABLES[5], VARIABLES[3]} <= names], count
+
+
+class Case:
+    """Ten printers on each subnet with these knobs, and more: (address, number of a value or None, what stands there, knobs)."""
+
+    def __init__(self, name, knobs=(), more=(), seed=1):
+        self.name, self.seed = name, seed
+        whole = dict(zip(VARIABLES, VALUES))
+        self.runs = [(f"10.71.{net}.{first}", count, whole, list(knobs)) for net, first, count in ((2, 5, 10), (1, 95, 10))]
+        for address, number, value, own in more:
+            values = {**whole, VARIABLES[number]: value} if value else {n: v for n, v in whole.items() if n != VARIABLES[number]}
+            self.runs.append((address, 1, values, [*knobs, *own]))
+
+    def text(self):
+        lines = [f"seed {self.seed}", "subnet 10.71.1.0/24", "subnet 10.71.2.0/24"]
+        for first, count, values, knobs in self.runs:
+            lines += [f"printer {first} to {ipaddress.ip_address(first) + count - 1}", *knobs]
+            lines += [f"{name} {value}" for name, value in values.items()]
+        return "\n".join(lines) + "\n"
+
+    def printers(self):
+        return {str(ipaddress.ip_address(first) + n): Printer(str(ipaddress.ip_address(first) + n), n + 1, values, knobs, self.seed)
+                for first, count, values, knobs in self.runs for n in range(count)}
+
+
+CASES = [
+    Case("what is a printer", more=[("10.71.1.3", 5, "", []), ("10.71.1.4", 3, "null", []), ("10.71.1.250", 1, "null", []),
+                                    ("10.71.2.250", 3, 'hex "31 25 73 5c 0a e9"', []), ("10.71.2.2", 4, "integer 6", [])]),
+    Case("one in twenty lost", ["loss 5"], seed=4),
+    Case("doubled and out of order", ["duplicate 25", "reorder 10 80"], seed=5),
+    Case("damaged", ["error 5 genErr", "garbage 5", "truncate 5", "otherid 20"]),
+    Case("foreign and too long", ["foreign 4 10.71.1.2", "long 4 2000"], seed=6),
+    Case("late, and gone after the broadcast", more=[("10.71.1.9", 1, 'text "gone"', ["dies broadcast"]),
+                                                     ("10.71.1.3", 1, 'text "slow"', ["reorder 50 1400"]),
+                                                     ("10.71.2.99", 1, 'text "going"', ["dies 5"])], seed=18),
+]
+
+
+class BesideModel(unittest.TestCase):
+    def test_discovery(self):
+        for case in CASES:
+            model = Exchange(case.printers(), 1)
+            with self.subTest(case.name), tempfile.NamedTemporaryFile("w", suffix=".fleet") as fleet:
+                fleet.write(case.text())
+                fleet.flush()
+                with net.simulate(SIM, fleet.name):
+                    start = time.monotonic()
+                    got, count = ask("-t", "1", "-f", FILTER, "find", TARGETS, *VARIABLES)
+                    took = time.monotonic() - start
+                want, stored = model.run()
+                self.assertEqual(got, want)
+                self.assertEqual(count, stored)
+                self.assertTrue(model.now <= took < model.now + 2, (model.now, took))
+                print(f"{case.name}: {len(got)} of {len(model.printers)} in {took:.1f} s", file=sys.stderr)
 
 
 if __name__ == "__main__":

@@ -2,8 +2,9 @@
 
     reason = netns.enter()              # first thing in the program; None, or why there can be no network here
     net = netns.Network()               # two subnets, 10.71.1.0/24 on eth1 and 10.71.2.0/24 on eth2
-    net.give("10.71.1.11", ...)         # addresses of the fleet
-    sim = net.start(["prnsim", ...])    # a program among the printers
+    net.give("10.71.1.2")               # an address of the fleet
+    net.start(["snmpd", ...])           # a program among the printers
+    with net.simulate(prnsim, file):    # or the printers of a description, each with its address
     subprocess.run(["snmpget", ...])    # a program on the workstation
 
 The namespaces have no names and no process of their own: they last as long as this process and what it started, and what it
@@ -13,6 +14,7 @@ import contextlib
 import ctypes
 import ipaddress
 import os
+import re
 import shutil
 import signal
 import subprocess
@@ -20,6 +22,7 @@ import subprocess
 CLONE_NEWNS, CLONE_NEWUSER, CLONE_NEWNET = 0x00020000, 0x10000000, 0x40000000
 MS_BIND, MS_REC, MS_PRIVATE = 4096, 16384, 1 << 18
 PR_SET_PDEATHSIG = 1
+MAC = "02:50:72:6e:00:0"  # and the number of the subnet
 
 _libc = ctypes.CDLL(None, use_errno=True)
 
@@ -76,6 +79,7 @@ class Network:
 
     def __init__(self, *subnets):
         self.subnets = [ipaddress.ip_network(text) for text in subnets or ("10.71.1.0/24", "10.71.2.0/24")]
+        self.given = set()
         home = os.open("/proc/self/ns/net", os.O_RDONLY)
         _call("unshare", CLONE_NEWNET)
         self.namespaces = [home, os.open("/proc/self/ns/net", os.O_RDONLY)]
@@ -83,7 +87,7 @@ class Network:
         workstation = f"/proc/{os.getpid()}/fd/{home}"
         fleet, here = ["link set lo up"], []
         for number, subnet in enumerate(self.subnets, 1):
-            fleet += [f"link add lan{number} type bridge",
+            fleet += [f"link add lan{number} address {MAC}{number} type bridge",
                       f"link add port{number} type veth peer name eth{number} netns {workstation}",
                       f"link set port{number} master lan{number} up", f"link set lan{number} up"]
             here += [f"address add {subnet[1]}/{subnet.prefixlen} brd + dev eth{number}", f"link set eth{number} up"]
@@ -102,14 +106,36 @@ class Network:
             _call("setns", home, CLONE_NEWNET)
 
     def give(self, *addresses):
-        lines = []
+        """Puts addresses on the fleet's side.  The workstation knows where they are: the table of what it would have to learn
+        is one for all namespaces of the host, and too small for a thousand printers beside another test's."""
+        fleet, here = [], []
         for text in addresses:
             number, subnet = next((n, s) for n, s in enumerate(self.subnets, 1) if ipaddress.ip_address(text) in s)
-            lines.append(f"address add {text}/{subnet.prefixlen} brd + dev lan{number}")
+            fleet.append(f"address add {text}/{subnet.prefixlen} brd + dev lan{number}")
+            here.append(f"neighbour replace {text} lladdr {MAC}{number} nud permanent dev eth{number}")
         with self.fleet():
-            _ip(lines)
+            _ip(fleet)
+        _ip(here)
+        self.given.update(addresses)
 
     def start(self, argv, **kwargs):
         """Starts a program in the fleet's namespace."""
         with self.fleet():
             return subprocess.Popen(argv, preexec_fn=lambda: _libc.prctl(PR_SET_PDEATHSIG, signal.SIGKILL), **kwargs)
+
+    @contextlib.contextmanager
+    def simulate(self, program, file, *options):
+        """The printers of a description, ready to be asked, until the block ends; their addresses stay."""
+        with open(file) as text:
+            runs = re.findall(r"^printer\s+(\S+)(?:\s+to\s+(\S+))?", text.read(), re.M)
+        spans = [[int(ipaddress.ip_address(end)) for end in (first, last or first)] for first, last in runs]
+        wanted = {str(ipaddress.ip_address(n)) for first, last in spans for n in range(first, last + 1)}
+        self.give(*sorted(wanted - self.given))
+        with self.start([program, *options, file], stdout=subprocess.PIPE, text=True) as sim:
+            try:
+                ready = sim.stdout.readline()
+                if not ready.startswith("ready"):
+                    raise OSError(f"{program} {file}: not ready: {ready}")
+                yield sim
+            finally:
+                sim.terminate()
