@@ -165,6 +165,18 @@ class Datagrams(unittest.TestCase):
                 self.assertIn(number.to_bytes(2, "big").lstrip(b"\0") + bytes([2, 1, status]), got[0][:40], n)
                 self.assertEqual(len(got[0]) == 1500, hit(n, 8, 10), n)
 
+    def test_time_and_place_of_answers(self):
+        knobs = "  delay 60 90\n  reorder 50 300\n  foreign 100 10.71.1.40\n"
+        with Simulator(text=HOUSE.replace("like tarvo-p340\n", "like tarvo-p340\n" + knobs)) as sim:
+            home = sim.at("10.71.1.11")
+            for n in range(1, 9):
+                start = time.monotonic()
+                got = sim.ask("10.71.1.11", get_message(NAME))
+                taken = (time.monotonic() - start) * 1000
+                wanted = 60 + draw(7, home, n, 2) * 30 / 1000000 + (300 if draw(7, home, n, 4) < 500000 else 0)
+                self.assertEqual(got[0][0], "10.71.1.40")
+                self.assertGreaterEqual(taken, wanted - 1, n)
+
     def test_web_and_raw(self):
         with Simulator(text=HOUSE) as sim:
             page = urllib.request.urlopen(f"http://{sim.at('10.71.1.11')}:{sim.port}/", timeout=10).read().decode()
@@ -180,6 +192,18 @@ class Datagrams(unittest.TestCase):
 
 
 class Descriptions(unittest.TestCase):
+    def test_the_manual(self):
+        with open(os.path.join(FLEETS, "..", "..", "doc", "prnsim.md")) as manual, tempfile.TemporaryDirectory() as directory:
+            text = manual.read()
+            example = os.path.join(directory, "example.fleet")
+            os.symlink(os.path.join(FLEETS, "tarvo.fleet"), os.path.join(directory, "tarvo.fleet"))
+            with open(example, "w") as out:
+                out.write(text.split("```")[3])
+            done = subprocess.run([SIMULATOR, "-n", example], capture_output=True, text=True, timeout=20)
+            self.assertEqual(done.stdout + done.stderr, re.search("ready (103 .*\n)", text)[1])
+        lost = [n for n in range(1, 21) if draw(7, "10.71.1.11", n, 1) < 200000]
+        self.assertIn("the first twenty requests are number " + " and ".join(map(str, lost)) + ".", text)
+
     def test_faults(self):
         with tempfile.TemporaryDirectory() as directory:
             path = os.path.join(directory, "bad.fleet")

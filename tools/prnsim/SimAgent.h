@@ -10,11 +10,11 @@ using SimTime = int64_t;
 
 struct SimPrinter {
     const SimPlaceOfPrinter *place;
-    uint32_t requests = 0;                           // datagrams that reached it
-    bool flDead = false;                             // by `dies broadcast`
-    SimTime started = 0;                             // 0 is uptime's zero; moved by a reset
-    SimTime silentUntil = 0;                         // of a reset
-    bool flForget = false, flForgetAll = false;      // what was set, at its next Settle()
+    uint32_t requests = 0;                                // datagrams that reached it
+    bool flDead = false;                                  // by `dies broadcast`
+    SimTime started = 0;                                  // 0 is uptime's zero; moved by a reset
+    SimTime silentUntil = 0;                              // of a reset
+    bool flForget = false, flForgetAll = false;           // what was set, at its next Settle()
     std::map<SimOid, SimValue, std::less<>> changed = {}; // by sets; names that the description has
 
     const SimKnobs &Knobs() const { return place->own->knobs; }

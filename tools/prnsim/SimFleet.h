@@ -70,7 +70,7 @@ struct SimPlaceOfPrinter {
 
 struct SimFleet {
     uint64_t seed = 1;
-    int64_t pace = 0; // answers a second to one broadcast; 0: no limit
+    int64_t pace = 10000; // answers a second to one broadcast; 0: no limit
     std::vector<SimSubnet> subnets;
     std::vector<SimPlaceOfPrinter> printers; // ascending by address, each address once
     std::map<std::string, SimBlock> models;

@@ -9,8 +9,8 @@
 //   `dies`  q of `raw` c communities  r the reset object and its numbers
 struct KnobRow {
     std::string_view word, values;
-    int64_t first = 0, second = 0;  // if nothing is said; the second one also behind a first that stands alone
-    std::string_view words = {}; // of 'w', parted by blanks; the first one is 0
+    int64_t first = 0, second = 0; // if nothing is said; the second one also behind a first that stands alone
+    std::string_view words = {};   // of 'w', parted by blanks; the first one is 0
     int64_t low = 0, high = 0;
 };
 

@@ -14,7 +14,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-enum { CONNECTIONS_MAX = 512, RECEIVE_BURST = 64, SOCKET_BUFFER = 1 << 20 };
+enum { RECEIVE_BURST = 64, SOCKET_BUFFER = 1 << 20 };
 static constexpr SimTime Second = 1000000;
 
 SimNet::SimNet(const SimFleet &of, const SimPorts &at, FILE *to) : fleet(of), ports(at), log(to), agent(of) {
@@ -77,11 +77,12 @@ int SimNet::Bind(uint32_t address, uint16_t port, int type) const {
     return -1;
 }
 
-bool SimNet::Watch(int socket, Kind kind, size_t number, uint32_t events) {
+// A socket that shall be written to was watched for reading before.
+bool SimNet::Watch(int socket, Kind kind, size_t number, bool flWrite) {
     epoll_event event = {};
-    event.events = events;
+    event.events = flWrite ? EPOLLOUT : EPOLLIN;
     event.data.u64 = uint64_t{kind} << 32 | number;
-    if (epoll_ctl(epoll, EPOLL_CTL_ADD, socket, &event) == 0) return true;
+    if (epoll_ctl(epoll, flWrite ? EPOLL_CTL_MOD : EPOLL_CTL_ADD, socket, &event) == 0) return true;
     fprintf(stderr, "prnsim: epoll: %s\n", strerror(errno));
     return false;
 }
@@ -101,7 +102,7 @@ bool SimNet::OpenPrinter(size_t number) {
     for (const auto &row : rows) {
         int made = row.flWanted ? Bind(printer.place->address, row.port, row.type) : -1;
         sockets[row.kind].push_back(made);
-        if (row.flWanted && (made < 0 || !Watch(made, row.kind, number, EPOLLIN))) return false;
+        if (row.flWanted && (made < 0 || !Watch(made, row.kind, number))) return false;
     }
     return true;
 }
@@ -129,7 +130,7 @@ bool SimNet::Open() {
         int made = Bind(subnet.Broadcast(), ports.snmp, SOCK_DGRAM);
         if (made < 0) return false;
         sockets[SUBNET].push_back(made);
-        if (!Watch(made, SUBNET, sockets[SUBNET].size() - 1, EPOLLIN)) return false;
+        if (!Watch(made, SUBNET, sockets[SUBNET].size() - 1)) return false;
     }
     return std::all_of(printers.begin(), printers.end(),
                        [this](const auto &printer) { return OpenForeign(printer); });
@@ -161,7 +162,7 @@ bool SimNet::Run(double seconds, const sigset_t &waiting, const volatile sig_ato
         int got = count > 0 ? epoll_wait(epoll, events, std::size(events), 0) : 0;
         for (int i = 0; i < got; i++) {
             uint64_t data = events[i].data.u64;
-            Handle(static_cast<Kind>(data >> 32), data & UINT32_MAX, events[i].events);
+            Handle(static_cast<Kind>(data >> 32), data & UINT32_MAX);
         }
         SendLate();
         CloseOld();
@@ -169,13 +170,13 @@ bool SimNet::Run(double seconds, const sigset_t &waiting, const volatile sig_ato
     return true;
 }
 
-void SimNet::Handle(Kind kind, size_t number, uint32_t events) {
+void SimNet::Handle(Kind kind, size_t number) {
     switch (kind) {
     case PRINTER:
     case SUBNET: return Receive(sockets[kind][number], kind, number);
     case WEB:
     case RAW: return Accept(sockets[kind][number], kind, number);
-    case CONNECTION: return Serve(number, events);
+    case CONNECTION: return Serve(number);
     }
 }
 

@@ -30,6 +30,7 @@ public:
     bool Run(double seconds, const sigset_t &waiting, const volatile sig_atomic_t *flStop);
 
 private:
+    enum { CONNECTIONS_MAX = 512 };
     enum Kind : uint32_t { PRINTER, SUBNET, WEB, RAW, CONNECTION };
     struct Late {
         SimTime due;
@@ -52,13 +53,13 @@ private:
 
     bool RaiseLimit() const;
     int Bind(uint32_t address, uint16_t port, int type) const;
-    bool Watch(int socket, Kind kind, size_t number, uint32_t events);
+    bool Watch(int socket, Kind kind, size_t number, bool flWrite = false);
     bool OpenPrinter(size_t number);
     bool OpenForeign(const SimPrinter &printer);
     SimTime Now() const;
     SimTime Timeout(SimTime end) const;
 
-    void Handle(Kind kind, size_t number, uint32_t events);
+    void Handle(Kind kind, size_t number);
     void Receive(int socket, Kind kind, size_t number);
     void Broadcast(size_t subnet, std::string_view datagram, const sockaddr_in &peer);
     bool Serve(size_t number, std::string_view datagram, const sockaddr_in &peer, bool flBroadcast,
@@ -69,8 +70,9 @@ private:
     void Log(const SimPrinter &printer, const sockaddr_in &peer, const SimAnswer &answer, bool flBroadcast);
 
     void Accept(int listener, Kind kind, size_t number);
-    void Serve(size_t number, uint32_t events);
-    bool ServeWeb(Connection *connection);
+    void Serve(size_t number);
+    bool ServeWeb(Connection *connection, size_t number);
+    bool ReadWeb(Connection *connection, size_t number);
     bool ServeRaw(Connection *connection);
     std::string Page(size_t number, std::string_view request);
     int RawFile(size_t number);

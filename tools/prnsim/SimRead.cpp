@@ -2,8 +2,6 @@
 #include "tools/prnsim/SimKnobs.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -62,6 +60,7 @@ private:
 
     [[noreturn]] void Fail(const std::string &text) const { throw SimFault(Where() + ": " + text); }
     std::string Where() const { return file + ":" + std::to_string(line); }
+    void ReadLines(const std::string &path, void (FleetReader::*read)(std::string_view text));
     void ReadLine(std::string_view text);
     void RunStatement(const Statement &statement, const Words &words);
     void ReadKnobLine(const Words &words);
@@ -139,20 +138,25 @@ const FleetReader::Statement FleetReader::Statements[] = {
 
 // --- lines ---
 
-void FleetReader::ReadFile(const std::string &path) {
-    if (std::filesystem::is_directory(path))
-        throw SimFault((line ? Where() + ": " : "") + path + " is a directory");
+// Runs a function over the lines of a file, which is the place of faults meanwhile.
+void FleetReader::ReadLines(const std::string &path, void (FleetReader::*read)(std::string_view text)) {
+    // A pipe may be named on the command line; what a description names is a file.
+    bool flWrong = line ? !std::filesystem::is_regular_file(path) : std::filesystem::is_directory(path);
     std::ifstream in(path, std::ios::binary);
-    if (!in) throw SimFault((line ? Where() + ": " : "") + path + ": " + strerror(errno));
+    if (!in || flWrong) throw SimFault((line ? Where() + ": " : "") + path + " can't be read");
     std::string outerFile = std::exchange(file, path), text;
     int outerLine = std::exchange(line, 0);
     while (std::getline(in, text)) {
         line++;
-        ReadLine(text);
+        (this->*read)(text);
     }
-    CloseBlock();
     file = outerFile;
     line = outerLine;
+}
+
+void FleetReader::ReadFile(const std::string &path) {
+    ReadLines(path, &FleetReader::ReadLine);
+    CloseBlock();
 }
 
 void FleetReader::ReadLine(std::string_view text) {
@@ -507,21 +511,12 @@ void FleetReader::Row(const Words &words) {
 // --- recorded walks ---
 
 void FleetReader::Recording(const Words &words) {
-    std::string path = Beside(words[1].text), text;
-    std::ifstream in(path, std::ios::binary);
-    if (!in || std::filesystem::is_directory(path)) Fail(path + " can't be read");
-    std::string outerFile = std::exchange(file, path);
-    int outerLine = std::exchange(line, 0);
-    while (std::getline(in, text)) {
-        line++;
-        if (!text.empty() && text.back() == '\r') text.pop_back();
-        if (!text.empty() && text[0] != '#') RecordLine(text);
-    }
-    file = outerFile;
-    line = outerLine;
+    ReadLines(Beside(words[1].text), &FleetReader::RecordLine);
 }
 
 void FleetReader::RecordLine(std::string_view text) {
+    if (!text.empty() && text.back() == '\r') text.remove_suffix(1);
+    if (text.empty() || text[0] == '#') return;
     size_t bar = text.find('|'), second = bar == text.npos ? bar : text.find('|', bar + 1);
     SimOid name;
     if (second == text.npos) Fail("a line of a recording is OID|TYPE|VALUE");

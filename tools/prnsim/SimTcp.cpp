@@ -1,16 +1,13 @@
 // The printers' web pages and their ports for print data.
 #include "tools/prnsim/SimNet.h"
 
-#include <algorithm>
-#include <arpa/inet.h>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/epoll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
-enum { CONNECTIONS_MAX = 512, REQUEST_MAX = 8192 };
+enum { REQUEST_MAX = 8192 };
 static constexpr SimTime Patience = 10000000; // with a client that says nothing
 
 // Lines of the page, in order; those that the printer lacks are left out.
@@ -102,8 +99,7 @@ void SimNet::Accept(int listener, Kind kind, size_t number) {
     size_t at = 0;
     while (at < connections.size() && connections[at].socket >= 0) at++;
     if (at == connections.size() && at < CONNECTIONS_MAX) connections.emplace_back();
-    if (at == CONNECTIONS_MAX || Now() < printers[number].silentUntil ||
-        !Watch(made, CONNECTION, at, EPOLLIN)) {
+    if (at == CONNECTIONS_MAX || Now() < printers[number].silentUntil || !Watch(made, CONNECTION, at)) {
         close(made);
         return;
     }
@@ -113,32 +109,29 @@ void SimNet::Accept(int listener, Kind kind, size_t number) {
     if (kind == RAW) connection.file = RawFile(number);
 }
 
-void SimNet::Serve(size_t number, uint32_t) {
+void SimNet::Serve(size_t number) {
     Connection &connection = connections[number];
     if (connection.socket < 0) return; // closed since the event was fetched
     connection.deadline = Now() + Patience;
-    if (!(connection.kind == WEB ? ServeWeb(&connection) : ServeRaw(&connection))) Close(&connection);
+    if (!(connection.kind == WEB ? ServeWeb(&connection, number) : ServeRaw(&connection))) Close(&connection);
 }
 
-// False when it is done with.
-bool SimNet::ServeWeb(Connection *connection) {
+// The readers and writers of connections give false when theirs is done with.
+bool SimNet::ReadWeb(Connection *connection, size_t number) {
     std::string &text = connection->text;
-    if (!connection->flAnswering) {
-        ssize_t got = recv(connection->socket, buffer, sizeof buffer, 0);
-        if (got <= 0) return got < 0 && errno == EAGAIN;
-        text.append(buffer, static_cast<size_t>(got));
-        if (text.find("\r\n\r\n") == text.npos && text.find("\n\n") == text.npos)
-            return text.size() < REQUEST_MAX;
-        text = Page(connection->printer, text);
-        connection->flAnswering = true;
-        epoll_event event = {};
-        event.events = EPOLLOUT;
-        event.data.u64 = uint64_t{CONNECTION} << 32 |
-                         static_cast<size_t>(std::find_if(connections.begin(), connections.end(),
-                                                          [=](auto &other) { return &other == connection; }) -
-                                             connections.begin());
-        epoll_ctl(epoll, EPOLL_CTL_MOD, connection->socket, &event);
-    }
+    ssize_t got = recv(connection->socket, buffer, sizeof buffer, 0);
+    if (got <= 0) return got < 0 && errno == EAGAIN;
+    text.append(buffer, static_cast<size_t>(got));
+    if (text.find("\r\n\r\n") == text.npos && text.find("\n\n") == text.npos)
+        return text.size() < REQUEST_MAX;
+    text = Page(connection->printer, text);
+    connection->flAnswering = true;
+    return Watch(connection->socket, CONNECTION, number, true);
+}
+
+bool SimNet::ServeWeb(Connection *connection, size_t number) {
+    std::string &text = connection->text;
+    if (!connection->flAnswering) return ReadWeb(connection, number);
     ssize_t sent = send(connection->socket, text.data(), text.size(), MSG_NOSIGNAL);
     if (sent < 0) return errno == EAGAIN;
     text.erase(0, static_cast<size_t>(sent));
