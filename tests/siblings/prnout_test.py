@@ -1,5 +1,6 @@
 """prnout and prnrm: files on their way to a printer, on a private scheduler and in the tool's own store."""
 import contextlib
+import ctypes
 import os
 import pty
 import re
@@ -17,6 +18,7 @@ from tooldir import QueueTool, ToolDir
 
 FIRMWARE = b"\x1b%-12345X@PJL ENTER LANGUAGE=XFLASH\r\n" + bytes(range(256)) * 200
 TEXT = b"%!PS-Adobe-3.0\n" + b"% one page\n" * 300  # what a scheduler without further filters takes
+PTRACE_TRACEME, PTRACE_CONT = 0, 7
 TITLES = ".h1 20 Dept (A) \\ 100%\n.h3 12 \u00e4\n"
 
 # File names that a shell, a protocol, PostScript or a terminal would read as more than a name.
@@ -328,28 +330,31 @@ class OnFile(Scenario, unittest.TestCase):
                 self.assertEqual(b"".join(iter(lambda: second.recv(1 << 16), b"")), TEXT)
         self.idle("127.0.0.1:%d" % port)
 
-    def test_copy_that_was_killed_is_swept_and_one_under_way_is_not(self):
+    def test_copy_under_way_stays_and_a_killed_one_is_swept(self):
         printer = self.printer()
+        here = "127.0.0.1:%d" % printer.port
         self.queue("q", printer.port)
-        spool = self.spool("127.0.0.1:%d" % printer.port)
-        data = lambda: [name for name in os.listdir(spool) if name.startswith("d")] if os.path.isdir(spool) else []
-        line = self.tool.command("prnout", "-dq", self.tool.path + "/file.txt")
-        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))  # a signal ends it in mid copy
-        self.assertEqual(subprocess.run(line, env=self.tool.env, preexec_fn=limit).returncode, -signal.SIGXFSZ)
-        self.assertEqual(data(), ["dA00001"])
-        with open(self.tool.path + "/big", "wb") as out:
-            out.truncate(20_000_000)
-        slow = subprocess.Popen(self.tool.command("prnout", "-dq", self.tool.path + "/big"), env=self.tool.env)
-        while len(data()) == 1 and slow.poll() is None:
-            pass
-        slow.send_signal(signal.SIGSTOP)
+        data = lambda: [name for name in os.listdir(self.spool(here)) if name.startswith("d")]
+        ptrace = ctypes.CDLL(None).ptrace
+
+        def stop_in_mid_copy():  # by a signal that comes with the thousandth byte
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1000, 1000))
+            ptrace(PTRACE_TRACEME, 0, 0, 0)
+
+        copy = subprocess.Popen(self.tool.command("prnout", "-dq", self.tool.path + "/file.txt"), env=self.tool.env,
+                                preexec_fn=stop_in_mid_copy)
+        self.addCleanup(copy.kill)
+        self.assertEqual(os.WSTOPSIG(os.waitpid(copy.pid, 0)[1]), signal.SIGTRAP)  # as it starts
+        ptrace(PTRACE_CONT, copy.pid, 0, 0)
+        self.assertEqual(os.WSTOPSIG(os.waitpid(copy.pid, 0)[1]), signal.SIGXFSZ)
         self.out("-dq", self.tool.path + "/file.txt")
         self.assertEqual(printer.wait(1), [TEXT])
-        self.assertTrue(until(lambda: data() == ["dA00002"]), data())
-        slow.send_signal(signal.SIGCONT)
-        self.assertEqual(slow.wait(30), 0)
-        self.assertEqual(len(printer.wait(2)[1]), 20_000_000)
-        self.idle("127.0.0.1:%d" % printer.port)
+        self.assertTrue(until(lambda: data() == ["dA00001"]), data())
+        ptrace(PTRACE_CONT, copy.pid, 0, signal.SIGXFSZ)
+        self.assertEqual(copy.wait(), -signal.SIGXFSZ)
+        self.out("-dq", self.tool.path + "/file.txt")
+        self.assertEqual(printer.wait(2), [TEXT, TEXT])
+        self.assertTrue(until(lambda: data() == []), data())
 
     def test_job_that_nobody_takes_can_be_removed(self):
         self.tool.write("big", bytes(20_000_000))
