@@ -1,0 +1,74 @@
+#include "tests/lib/WindowRig.h"
+
+#include "xmt/XmtEvent.h"
+#include "xmt/XmtNewWin.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <sys/prctl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+static pid_t Server;
+
+static void StopServer() {
+    if (Server <= 0) return;
+    kill(Server, SIGTERM);
+    waitpid(Server, nullptr, 0);
+    Server = 0;
+}
+
+// The child tells its display number through the pipe when it is ready; end of input means that it is gone.
+static std::string StartServer(const char *screen) {
+    int pipes[2];
+    if (pipe(pipes) != 0) return "";
+    Server = fork();
+    if (Server == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
+        close(pipes[0]);
+        std::string fd = std::to_string(pipes[1]);
+        if (!freopen("/dev/null", "w", stderr)) _exit(126);
+        execlp("Xvfb", "Xvfb", "-displayfd", fd.c_str(), "-screen", "0", screen, "-nolisten", "tcp",
+               "-noreset", nullptr);
+        _exit(127);
+    }
+    close(pipes[1]);
+    std::string number;
+    for (char ch; read(pipes[0], &ch, 1) == 1 && ch != '\n';) number += ch;
+    close(pipes[0]);
+    return number;
+}
+
+bool StartWindowRig(const char *screen, std::string *reason) {
+    std::string number = StartServer(screen);
+    if (number.empty()) {
+        *reason = "there is no Xvfb that starts here";
+        StopServer();
+        return false;
+    }
+    atexit(StopServer);
+    setenv("DISPLAY", (":" + number).c_str(), 1);
+    if (!XmtInitApp("prndeck", "prndeck", nullptr, nullptr)) {
+        *reason = "the display :" + number + " can't be opened";
+        return false;
+    }
+    return true;
+}
+
+void DispatchWaiting() {
+    for (int quiet = 0; quiet < 3;) {
+        XSync(AppDisplay, 0);
+        if (XtAppPending(AppContext) == 0) {
+            quiet++;
+            continue;
+        }
+        quiet = 0;
+        XtAppProcessEvent(AppContext, XtIMAll);
+    }
+}
+
+void RealizeWindows() {
+    XtRealizeWidget(AppShell);
+    flInEventLoop = 1;
+    DispatchWaiting();
+}

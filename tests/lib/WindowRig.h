@@ -1,0 +1,15 @@
+// A display of the test's own: a virtual X server that goes with the test.
+#pragma once
+
+#include "xmt/Xmt.h"
+
+#include <string>
+
+// Starts a server and opens it with XmtInitApp; DISPLAY names it from then on. False, with the reason in
+// reason, if there is no Xvfb here. screen: as "1280x1024x24". Called once a process; a test program that
+// can't have it skips.
+bool StartWindowRig(const char *screen, std::string *reason);
+// Dispatches what is waiting, until the server has nothing more to tell.
+void DispatchWaiting();
+// The main window's shell realized and the loop taken as running: what the accessors test for.
+void RealizeWindows();

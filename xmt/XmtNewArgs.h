@@ -1,0 +1,75 @@
+// The arguments of an object: what stands between its keyword and its ';' or '{'.
+//
+// XmtFillInfo turns arguments at once into Motif resources; every widget is made from such a record.
+// XmtFillInfoDesc only sorts the arguments of a compound object into parts (label, list, format, general
+// text, groups "<n ...>"), from which GenDesc writes the text of each of its widgets.
+#pragma once
+
+#include "xmt/Xmt.h"
+
+#include <string>
+
+enum { XMT_ARGS = 40, XMT_SLOTS = 10 };
+
+// Places of the colours read.
+enum XmtColourPlace { XMT_BG, XMT_FG, XMT_BORDER, XMT_TOP, XMT_BOTTOM, XMT_HIGHLIGHT, XMT_COLOURS };
+// Modes of XmtFillInfo.
+enum { XMT_FILL_RAW_LABEL = 1, XMT_FILL_KEEP = 4, XMT_FILL_NESTED = 8, XMT_FILL_NO_TRAVERSAL = 16 };
+// Flags of GenDesc; the low four bits are the slot.
+enum { GEN_SLOT = 15, GEN_NAME = 32, GEN_LABEL = 64, GEN_FORMAT = 128, GEN_LIST = 256 };
+
+// One object while it is read; on the creator's stack, released by XmtClearInfo. Descriptions and run-time
+// texts of any length pass through it, therefore strings.
+struct XmtInfo {
+    std::string label; // l(...) kept raw, or the working copy
+    std::string title; // T(...)
+    std::string text;  // t(...), accelerator text
+    std::string keys;  // k(...), accelerator
+    std::string name;
+    char *list = nullptr;      // L(...), managed
+    int8_t type = 0;           // XmtType, set by the creator before reading, kept when the record is cleared
+    std::string callbacks;     // CB(...)
+    std::string no;            // no(...)
+    std::string dialogType;    // Dt(...)
+    char *icon = nullptr;      // i(...), managed
+    int argCount = 0;          // used entries of args
+    int width = 0, height = 0; // s(...)
+    int id = 0;                // id(...)
+    Arg args[XMT_ARGS] = {};
+    char *slots[XMT_SLOTS] = {}; // managed groups; slot 0 is the general text
+    XmString labelString = nullptr;
+    XmString acceleratorString = nullptr;
+    char *format = nullptr;  // f(...), managed; passes to the object record
+    Widget parent = nullptr; // P(...)
+    Pixel colours[XMT_COLOURS] = {};
+};
+
+extern int flHideObject;                  // set by H; read and cleared by the statement loop
+extern int flDefaultTabGroup;             // no object is a tab group of its own; set for the items of lists
+extern int flNoTraversal;                 // menus: no keyboard traversal
+extern int flNewColorSet;                 // a new group of colours begins (XmtColor.h)
+extern Pixel NewObjectColor[XMT_COLOURS]; // of the object read last
+extern intptr_t XmtPixBg;                 // its background, -1 for none
+extern XtTranslations XmtDummyKeyXlations;
+extern const char *IconPath; // folder of images, null: names are relative to the current directory
+extern const char pCBKeys[]; // ",me,ml,..."
+extern const int CBR[];      // reason of each key, from 1
+
+void XmtAddArg(XmtInfo *info, const char *resource, XtArgVal value); // beyond XMT_ARGS nothing
+// Releases what the record owns and empties it but for the type. Every creator calls it at its end.
+void XmtClearInfo(XmtInfo *info);
+// Reads at pNewDesc, which ends behind the ';', on a brace or at the end.
+void XmtFillInfo(XmtInfo *info, int mode);
+void XmtFillInfoDesc(XmtInfo *info);
+// The text for one widget of a compound; prefix may be null. No ';' at the end.
+std::string GenDesc(const XmtInfo *info, int flags, const char *prefix);
+// Behind "l(": the position behind the ')'.
+const char *XmtGetArgLabel(const char *unused, XmtInfo *info, const char *position);
+const char *FillColor(XmtInfo *info, const char *position);
+const char *AttachObject(XmtInfo *info, const char *position);
+// Connects the object by callback keys "a,c".
+void SetCallBack(XmtObjectData *object, const char *keys);
+// Reading back: the resources that a description asks for, each into its word. Widened by the resource's own
+// type.
+void XmtGetInfo(XmtInfo *info, const char *description, XtArgVal *values);
+XtArgVal XmtGetArgs(const char *description, XtArgVal *values);
