@@ -15,6 +15,8 @@
 #include <string>
 
 enum { XMT_MACROS = 100, XMT_CALLS = 20, XMT_SAVED_VALUES = 10, XMT_SAVED_VALUE_SIZE = 40 };
+// What a text that calls itself may take: blocks within blocks, files and macro calls of one description.
+enum { XMT_BLOCKS = 200, XMT_CALLS_ALL = 20000 };
 
 extern const char *pNewDesc; // next character to read; every reader moves it
 extern char
@@ -35,15 +37,21 @@ struct XmtCursor {
 
 // Makes the objects of a description under the named parent; a null or unknown name means the main window. A
 // null name before there is one is no parent, an unknown name then does nothing. handler becomes theirs;
-// firstId 0 lets the ids run on. Uses: the reader's state; the store is made at the first call.
+// firstId 0 lets the ids run on. Uses: the reader's state, of which the cursor and the calls in progress come
+// back; the store is made at the first call.
 void XmtNewObject(const char *parent, XmtHandler handler, int firstId, const char *text);
-// The statement loop: up to the matching '}' or the end of the text. Uses: pNewDesc.
+// The statement loop: up to the matching '}' or the end of the text. A keyword takes effect at the white
+// space or the '(' behind it, so that the last word of a text needs one. Uses: pNewDesc.
 void XmtNewObjectWP(Widget parent);
 // Carries a keyword out; the widget it made or found, null for none. May replace the level's parent.
 Widget XmtProcessKey(Widget *parent, const char *key);
+// Starts the call whose number stands at the cursor, behind the '*'; a missing macro, a call too many and one
+// too deep are dropped, and their arguments then read as statements.
 void PushMacro();
+// Goes back to the callers whose macro has been read to its end. The end of a macro ends no block.
 void PopMacro();
-// The body with its parameters replaced by the arguments.
+// The body with its parameters replaced by the arguments: '*' is the next argument, "&*" keeps it and
+// "&'text'" the text, as a value that "&0" to "&9" give; a backslash takes the next character as it is.
 void ExpandMacro(std::string *out, const char *body, const char *arguments);
 
 // The kinds of creators, and the row of one keyword. ORDER ObjKeys.
@@ -91,18 +99,23 @@ const char *GetSavedArgValues(char **text, const char *position);
 void GetSavedValues(char **text);
 // A decimal integer by atoi; the cursor moves over digits only, then over one ',', '(' or ')'.
 int GetNumber();
-// White space, then a run of letters, digits and '_'.
+// White space, then a run of letters, digits and '_'. Consumes nothing behind it.
 const char *GetWord(std::string *out, const char *position);
-// Raw text up to end or the end of the text; a backslash protects the next character and stays. With flKeep
-// the end character belongs to the copy and stays under the cursor's tail as told; without it it is consumed
-// only. Owns: the result.
+// Raw text up to the end character or the end of the text; a backslash protects the next character and stays.
+// The end character is consumed; with flKeep it belongs to the copy. Owns: the result.
 [[nodiscard]] char *GetDesc(char end, int flKeep);
 char GetEscapedValue(char ch); // n, r, t
+// Values of a list: 0 for "()", 1 for an empty text, else one more than its unescaped commas up to ')'.
 int GetArgCount(const char *position);
-// The whole argument of that name with its parenthesis, or false with out emptied. StripArg takes it out of
-// text.
+// A text taken as arguments, words with or without a parenthesis. The first one of that name, whole, goes to
+// out; false, with out emptied, if there is none. StripArg takes it out of text.
 bool CopyArg(const char *name, const char *text, std::string *out);
 bool StripArg(const char *name, std::string *text, std::string *out);
+// White space of descriptions; the first other character.
+inline bool XmtIsSpace(char ch) {
+    return ch == ' ' || ch == '\t' || ch == '\n' || ch == '\r';
+}
+const char *XmtSkipSpace(const char *position);
 
 // ---- tokens: the toolkit's twins of Token.h, with a state of their own.
 
@@ -113,6 +126,13 @@ extern char chXmtTokenDel;
 void XmtSetTokenBuf(const char *text);
 char *XmtGetToken(const char *in, const char *delims);
 int XmtFindToken(const char *token, const char *list);
+// Words of a list with its delimiter at both ends, for the tables that run beside it.
+template <size_t N>
+consteval size_t XmtCountWords(const char (&list)[N]) {
+    size_t count = 0;
+    for (char ch : list) count += ch == list[0];
+    return count - 1;
+}
 
 // A tokeniser whose state is the caller's. A text starts a scan, null goes on; null at the end. Runs of
 // delimiters count as one; a backslash takes the next character into the token, n, r and t translated.

@@ -55,21 +55,33 @@ extern const char *IconPath; // folder of images, null: names are relative to th
 extern const char pCBKeys[]; // ",me,ml,..."
 extern const int CBR[];      // reason of each key, from 1
 
-void XmtAddArg(XmtInfo *info, const char *resource, XtArgVal value); // beyond XMT_ARGS nothing
+// One letter and two-letter arguments of objects; the tables of their readers stand beside them.
+extern const char SingleCharArgs[]; // ".kL..."
+extern const char CompoundArgs[];   // ",CB,bo,..."
+
+// A resource that stands in the list already gets the new value. Beyond XMT_ARGS nothing.
+void XmtAddArg(XmtInfo *info, const char *resource, XtArgVal value);
 // Releases what the record owns and empties it but for the type. Every creator calls it at its end.
 void XmtClearInfo(XmtInfo *info);
-// Reads at pNewDesc, which ends behind the ';', on a brace or at the end.
+// Reads a name (not with XMT_FILL_NESTED) and arguments at pNewDesc, which ends behind the ';', on a brace or
+// at the end. What is unknown is skipped, with its parenthesis. The texts behind "value" and "accelerator" in
+// the list are those of the record: it must stay where it is until the widget is made. Uses: pNewDesc, the
+// one-shot id, flHideObject, NewObjectColor.
 void XmtFillInfo(XmtInfo *info, int mode);
+// Reads a name and sorts the arguments: label, list, format, slots, and in slot 0 all the rest. A text that
+// ends without ';' or '{' leaves slot 0 empty. Uses: pNewDesc, flHideObject.
 void XmtFillInfoDesc(XmtInfo *info);
 // The text for one widget of a compound; prefix may be null. No ';' at the end.
 std::string GenDesc(const XmtInfo *info, int flags, const char *prefix);
-// Behind "l(": the position behind the ')'.
+// Behind "l(": a text with its mnemonic and accelerator, or "@file" and colours. The position behind the ')'.
 const char *XmtGetArgLabel(const char *unused, XmtInfo *info, const char *position);
+// Behind "c(" and "A(": the lists' items as resources; the position behind the ')'.
 const char *FillColor(XmtInfo *info, const char *position);
 const char *AttachObject(XmtInfo *info, const char *position);
-// Connects the object by callback keys "a,c".
+// Connects the object by callback keys "a,c"; a key that is unknown, or whose callback the widget does not
+// have, is passed over.
 void SetCallBack(XmtObjectData *object, const char *keys);
-// Reading back: the resources that a description asks for, each into its word. Widened by the resource's own
-// type.
+// Reading back: a name and the letters of resources, as "wqn s p". XmtGetInfo lists them, the n-th with the
+// address of the n-th value; XmtGetArgs reads each into its word, which must be there, and gives the first.
 void XmtGetInfo(XmtInfo *info, const char *description, XtArgVal *values);
 XtArgVal XmtGetArgs(const char *description, XtArgVal *values);
