@@ -4,7 +4,9 @@
 #include "xmt/XmtNewWin.h"
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <gtest/gtest.h>
 #include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -53,6 +55,25 @@ bool StartWindowRig(const char *screen, std::string *reason) {
         return false;
     }
     return true;
+}
+
+bool RunOnScreen(const char *screen, void (*checks)(), bool *flSkipped) {
+    enum { SKIPPED = 77 };
+    fflush(nullptr);
+    pid_t child = fork();
+    if (child == 0) {
+        std::string reason;
+        if (!StartWindowRig(screen, &reason)) {
+            printf("%s\n", reason.c_str());
+            exit(SKIPPED);
+        }
+        checks();
+        exit(testing::Test::HasFailure() ? 1 : 0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    *flSkipped = WIFEXITED(status) && WEXITSTATUS(status) == SKIPPED;
+    return *flSkipped || (WIFEXITED(status) && WEXITSTATUS(status) == 0);
 }
 
 void DispatchWaiting() {

@@ -9,6 +9,9 @@
 // reason, if there is no Xvfb here. screen: as "1280x1024x24". Called once a process; a test program that
 // can't have it skips.
 bool StartWindowRig(const char *screen, std::string *reason);
+// Runs checks in a child process on a screen of its own, so that one program can look at several. False if they
+// failed, leaked or ended early; true, and flSkipped set, if there is no Xvfb here.
+bool RunOnScreen(const char *screen, void (*checks)(), bool *flSkipped);
 // Dispatches what is waiting, until the server has nothing more to tell.
 void DispatchWaiting();
 // The main window's shell realized and the loop taken as running: what the accessors test for.
