@@ -4,43 +4,55 @@
 #include "common/List.h"
 #include "xmt/Xmt.h"
 
+// ---- messages. They queue up; the main loop shows the first behind an event or a tick, and the next when
+// the user has answered it. Without a main window they go to standard error.
+
 struct XmtMsgEntry {
     intptr_t id;
     XmtHandler callback;
     char *text;  // managed
     char *title; // managed, or null
 };
-extern ListHead *pXmtMsgList;
+extern ListHead *pXmtMsgList;          // null until the first message; its head is the one shown
 extern int flPostMsgIsHidden;          // no message is on the screen
 extern intptr_t PostMsgId;             // of the next message; consumed by it
 extern XmtHandler pPostMsgCBF;         // likewise
 extern const char *pPostMsgHelpWidget; // target of the help button, null for no help
 
-// Queues a message; the main loop shows it. Formatted once; then "%%" becomes "%" and every other % stays.
+// Formatted once; then "%%" becomes "%" and every other % stays, in the title too, which may be null.
 [[gnu::format(printf, 2, 3)]] void XmtPostMsg(const char *title, const char *format, ...);
-void XmtPostMsg_(const char *title, const char *text); // the same for a finished text
-void XmtDisplayMsg();
+void XmtPostMsg_(const char *title, const char *text); // texts that are taken as they are
+void XmtDisplayMsg();                                  // shows the first message, if there is one
+// The dialog's handler. OK, cancel and apply answer the message: with an id other than 0 its callback hears
+// of it under that id. Help calls the help target, and the message comes back.
 void XmtMsgEventHandler(XmtCallData *data);
-void XmtSetPostMsgWidget(XmtHandler callback, intptr_t id);
-void XmtSetPostMsgHelpWidget(const char *name);
-void XmtHideMsgCancelWidget();
+void XmtSetPostMsgWidget(XmtHandler callback, intptr_t id); // for the next message alone
+void XmtSetPostMsgHelpWidget(const char *name);             // the name is kept, not copied
+void XmtHideMsgCancelWidget();                              // for good
 // Prints the text, " : " and the system's error. Ends: with status 1.
 [[noreturn, gnu::format(printf, 1, 2)]] void XmtSysError(const char *format, ...);
 
-enum { XMT_TIMER_ONCE, XMT_TIMER_REPEAT, XMT_TIMER_SUSPENDED }; // modes
+// ---- timers. A tick a second counts them down while one of them runs; their callbacks come between events,
+// in any loop, and may stop and start timers, their own too. Calls with an id that is not there do nothing.
+
+enum { XMT_TIMER_ONCE, XMT_TIMER_REPEAT, XMT_TIMER_SUSPENDED }; // modes; the last repeats once it is resumed
 using XmtTimerCallback = void (*)(intptr_t argument);
-// The id; 0 for a time of 0 or a null callback. Callbacks run between events.
+// The id, from 1 to 100; 0 for no time, a null callback, or when 100 timers are there.
 int XmtStartTimer(int mode, int seconds, XmtTimerCallback callback, intptr_t argument);
 void XmtStopTimer(int id);
-void XmtResetTimer(int id);
-void XmtSuspendTimer(int id);
-void XmtResumeTimer(int id, int seconds);
+void XmtResetTimer(int id);               // counts from its period again, and runs
+void XmtSuspendTimer(int id);             // the count stays
+void XmtResumeTimer(int id, int seconds); // runs with a new period; seconds 0 does nothing
 void XmtTimerEventHandler(XtPointer unused, XtIntervalId *id); // one tick
 
-extern int XmtET; // the inactivity timer, 0 for none
+// The inactivity timer: its callback comes after so many seconds without an event in the main loop. With
+// flXmtETDestroyApp it also ends the main loop.
+extern int XmtET; // its timer, 0 for none
 extern int flXmtTimedOut, flXmtETDestroyApp;
 void XmtStartEventTimer(XmtHandler callback, intptr_t id, int seconds);
 
-// One dialog for all: the callback gets the chosen name as text, with reason XmtCR_OK or XmtCR_APPLY.
+// ---- file selection. One dialog for all: the callback gets the chosen name as text, under the id, with
+// reason XmtCR_OK or XmtCR_APPLY; none when the user cancels. title may be null. A second call before the
+// answer replaces the callback. Nothing without a main window.
 void XmtSelectFile(XmtHandler callback, intptr_t id, const char *title);
 void XmtFSEventHandler(XmtCallData *data);
