@@ -42,11 +42,6 @@ struct EntryCheck {
     size_t matchedLength;
 };
 
-struct EntrySet {
-    char plus[ENTRY_SET + 1];
-    char minus[ENTRY_SET + 1];
-};
-
 struct EntryRange {
     int min;
     int max; // 0: no test
@@ -94,12 +89,12 @@ static void AddToSet(char *list, char ch) {
 }
 
 // set = { '+' c | '-' c }
-static EntrySet ReadSet(EntryCheck *check) {
+EntrySet ReadEntrySet(const char **format) {
     EntrySet set = {};
-    while (*check->format == '+' || *check->format == '-') {
-        char *list = *check->format == '+' ? set.plus : set.minus;
-        check->format++;
-        if (*check->format != '\0') AddToSet(list, *check->format++);
+    while (**format == '+' || **format == '-') {
+        char *list = **format == '+' ? set.plus : set.minus;
+        ++*format;
+        if (**format != '\0') AddToSet(list, *(*format)++);
     }
     return set;
 }
@@ -158,7 +153,7 @@ static int CheckEntryLength(EntryCheck *check, EntryRange range) {
 
 // ---- text elements
 
-static int IsPrintable(int ch) {
+int IsEntryPrintable(int ch) {
     return isalnum(ch) || ispunct(ch) || ch == ' ';
 }
 
@@ -171,13 +166,13 @@ struct TextClass {
 static constexpr TextClass TextClasses[] = {
     {.letter = 'A', .message = TXT_ALNUM_CHARACTER, .isMember = isalnum},
     {.letter = 'a', .message = TXT_ALPHA_CHARACTER, .isMember = isalpha},
-    {.letter = 'p', .message = TXT_ALNUM_CHARACTER, .isMember = IsPrintable},
+    {.letter = 'p', .message = TXT_ALNUM_CHARACTER, .isMember = IsEntryPrintable},
 };
 
 // ('A'|'a'|'p') range set: from the read position on, each character is of the class or in the plus list.
 static int CheckClassText(EntryCheck *check, const TextClass *text) {
     EntryRange range = ReadRange(check);
-    EntrySet set = ReadSet(check);
+    EntrySet set = ReadEntrySet(&check->format);
     for (; *check->in != '\0'; check->in++) {
         if (!text->isMember(static_cast<unsigned char>(*check->in)) && !strchr(set.plus, *check->in)) {
             if (IsFailureForgiven(check)) return CHECK_ON;
@@ -239,7 +234,7 @@ static int CheckInteger(EntryCheck *check) {
     long number = strtol(start, nullptr, 10); // no int: one beyond it is in no range
     TakeNumber(check, end);
     EntryRange range = ReadRange(check);
-    EntrySet set = ReadSet(check);
+    EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check->entry, set.minus);
     if (bad != nullptr || end == start) return RefuseDigit(bad != nullptr ? *bad : *start);
     if (range.max == 0) return CHECK_ON;
@@ -305,7 +300,7 @@ static int CheckLongFloat(EntryCheck *check) {
         sscanf(check->format, "(%Lg,%Lg ", &min, &max);
         SkipParenthesis(check);
     }
-    EntrySet set = ReadSet(check);
+    EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check->entry, set.minus);
     if (bad != nullptr) {
         PostMsg("Invalid character '%c'\nThis text may contain \"0123456789.\"", *bad);

@@ -14,6 +14,15 @@
 enum { ENTRY_OK, ENTRY_RANGE, ENTRY_LENGTH, ENTRY_CHARACTER, ENTRY_FORBIDDEN }; // results
 enum { ENTRY_SET = 79 }; // characters that a plus or minus list holds; further ones are left out
 
+// The characters of a run of pairs "+c" and "-c". Whoever checks text by the letters of this language reads
+// the same sets and means the same by a printable character.
+struct EntrySet {
+    char plus[ENTRY_SET + 1];
+    char minus[ENTRY_SET + 1];
+};
+EntrySet ReadEntrySet(const char **format); // steps over the pairs
+int IsEntryPrintable(int ch);               // letter, digit, punctuation, blank
+
 // Range messages of integers, floats and long floats as printf formats; managed; fetched by the first
 // ValidateEntry, which is their writer. Never released.
 extern char *pErrIntRange;

@@ -1,0 +1,209 @@
+// Entry validation of text fields: code and message for each element and the ways through a format; what is
+// taken for the candidate of a change; masked fields; typed with real keys.
+#include "xmt/XmtValidate.h"
+
+#include "common/MemMgr.h"
+#include "tests/lib/Capture.h"
+#include "tests/lib/MenuDump.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <string>
+
+struct EntryCase {
+    const char *format;
+    const char *typed;
+    std::string candidate;
+    int code;
+    std::string message; // as it goes to standard error where there is no window
+};
+
+static const std::string NUMBER = "This number must be between ";
+static const std::string LENGTH = "This entry is not valid.";
+static const std::string CHARACTER = "Invalid character ";
+static const std::string BEGIN = "\nThis entry is must begin with ";
+
+static std::string Characters(const char *range) {
+    return LENGTH + "\nIt must have " + range + " characters.";
+}
+
+static const EntryCase EntryCases[] = {
+    {"A0,14+-+_", "n", "abcdefghijkl-n", 0, ""},
+    {"A0,14+-+_", "o", "abcdefghijklmno", 2, Characters("1 to 14")},
+    {"A0,14+-+_", "abcdefghijklmno", "abcdefghijklmno", 0, ""}, // pasted into an empty field: one more
+    {"A0,14+-+_", "abcdefghijklmnop", "abcdefghijklmnop", 2, Characters("1 to 14")},
+    {"A0,14+-+_", "", "", 0, ""},
+    {"A3,0", "", "", 0, ""},
+    {"A2,9", "", "a", 2, Characters("2 to 9")},
+    {"A0,14+-+_", ".", "a.b", 3, CHARACTER + "at \".b\""},
+    {"A0,14", "%", "a%b", 3, CHARACTER + "at \"%\""}, // shown once
+    {"A0,14-x", "x", "x", 3, CHARACTER + "at \"x\""},
+    {"a0,14++", "1", "a+1", 3, LENGTH},
+    {"p0,14", "\t", "a ~\t", 3, LENGTH},
+    {"p0,14", "\xe9", "\xe9", 3, LENGTH},
+    {"L0,255", "", std::string(300, 'x'), 2, Characters("1 to 255")},
+    {"t0,255", "x", std::string(255, 'x'), 0, ""},
+    {"tb", "t", "tb", 0, ""},
+    {"tb", "y", "ty", 3, CHARACTER + "y\nb was expected after \"t\""},
+    {"d1,60", "0", "60", 0, ""},
+    {"d1,60", "", "", 0, ""},
+    {"d1,60", "1", "61", 1, NUMBER + "1 to 60."},
+    {"d1,60", "0", "0", 1, NUMBER + "1 to 60."},
+    {"d1,60", "a", "1a", 3, CHARACTER + "'a'"},
+    {"d1,60-7", "7", "7", 3, CHARACTER + "'7'"},
+    {"d5,0", "1", "1", 0, ""},
+    {"d0,255", "9", "99999999999999999999", 1, NUMBER + "0 to 255."},
+    {"xa,1f", "F", "1F", 0, ""},
+    {"xa,1f", "0", "20", 1, NUMBER + "a to 1f."},
+    {"x0,ff", "g", "g", 3, CHARACTER + "'g'"},
+    {"f0.5,2.5", ".", "2.", 0, ""},
+    {"f0.5,2.5", "", "", 0, ""},
+    {"f0.5,2.5", "6", "2.6", 1, NUMBER + "0.500000 to 2.500000."},
+    {"f0.5,2.5", ".", "1.2.", 1, "Only one '.' may be entered."},
+    {"f0.5,2.5", "e", "1e", 3, CHARACTER + "'e'"},
+    {"D1,1e10", "0", "10000000000", 0, ""},
+    {"D1,1e10", "1", "10000000001", 1, NUMBER + "1 to 1e+10."},
+    {"/A0,255+-+_+/+.", "/", "/", 0, ""},
+    {"/A0,255+-+_+/+.", "x", "x", 3, CHARACTER + "x" + BEGIN + "/"},
+    {"/A0,255", "%", "%", 3, CHARACTER + "%" + BEGIN + "/"},
+    {"/A0,255", "", "", 0, ""},
+    {"bc", "b", "b", 0, ""}, // more may come
+    {"!(0.0.0.0)", "x", "0.0.0.0", 0, ""},
+    {"!(0.0.0.0)A0,9+.", "0.0.0.0", "0.0.0.0", 4, "Invalid entry \"0.0.0.0\""},
+    {"!(no)|!(yes)|A0,9", "yes", "yes", 4, "Invalid entry \"yes\""}, // each must pass
+    {"!(no)|!(yes)|A0,9", "-", "x-", 3, CHARACTER + "at \"-\""},
+    {"A0,9|t0,9", "-", "-", 0, ""},
+    {"A0,3 | t0,9", "g", "abcdefg", 0, ""},                // a length is a failure as well
+    {"A0,9|t0,3", "f", "abcdef", 2, Characters("1 to 3")}, // a bar in the ordinary way
+    {"bc|gh", "h", "gh", 0, ""},
+    {"bc|gh", "x", "gx", 3, CHARACTER + "x\nh was expected after \"g\""},
+    {"d1,60|t0,99", "1", "61", 1, NUMBER + "1 to 60."},
+    {"d1,60|a0,9", "1", "1", 3, LENGTH},
+    {"`A0,9|t0,9", "-", "-", 3, CHARACTER + "at \"-\""},
+    {"``A0,9|t0,9", "-", "-", 0, ""},
+    {"A0,9&a0,9", "b", "1b", 0, ""}, // behind & only what was typed
+    {"v.tnext | d0,255", ".", "25.", 1, ""},
+    {"v.|d0,255", ".", ".", 1, ""},
+    {"v.tnext | d0,255", "6", "256", 1, NUMBER + "0 to 255."},
+    {"v.tnext | d0,255", "", "", 0, ""},
+    {"v.tnext d0,255", "6", "25", 0, ""},
+    {"l3tnext|A0,9", "c", "abc", 1, ""},
+    {"l3tnext|A0,9", "b", "ab", 0, ""},
+    {"A0,9+", "+", "+", 3, CHARACTER + "at \"+\""},
+    {"", "x", "x", 0, ""},
+};
+
+static std::string TakeMessage(Capture *capture, size_t *read) {
+    std::string text = capture->Err().substr(*read);
+    *read += text.size();
+    const std::string head = "prndeck: ";
+    return text.empty() ? text : text.substr(head.size(), text.size() - head.size() - 1);
+}
+
+TEST(XmtValidateTest, CodesAndMessages) {
+    OpenMenuTexts();
+    std::string report;
+    {
+        Capture capture;
+        size_t read = 0;
+        for (const EntryCase &one : EntryCases) {
+            int code = XmtValidateEntry(one.typed, one.candidate.c_str(), one.format);
+            std::string message = TakeMessage(&capture, &read);
+            if (code != one.code || message != one.message)
+                report += std::string(one.format) + " against " + one.candidate + ": " +
+                          std::to_string(code) + " " + message + "\n";
+        }
+        XmtValidateEntry("x", nullptr, "d1,2");
+        XmtValidateEntry("x", "x", nullptr);
+        report += TakeMessage(&capture, &read);
+    }
+    EXPECT_EQ(report, "");
+}
+
+TEST(XmtValidateTest, Escapes) {
+    static const char *const cases[][2] = {
+        {"a(b),c;<d>", "a\\(b\\)\\,c\\;\\<d\\>"}, {"\\,\\\\,", "\\,\\\\\\,"}, {"\\", "\\"}, {"", ""}};
+    for (const auto &one : cases) EXPECT_EQ(XmtInsertEscape(one[0]), one[1]);
+}
+
+// ---- changes
+
+struct ChangeCase {
+    const char *name;
+    const char *old; // null: none
+    std::string typed;
+    int start, end, insert;
+    std::string field;  // what is checked of a field's change; empty: nothing
+    std::string masked; // the real text of a masked field after it
+};
+
+static const std::string LONG_OLD = "!" + std::string(400, 'o'), LONG_TYPED(111, 't');
+static const ChangeCase ChangeCases[] = {
+    {"first character", nullptr, "!", 0, 0, 0, "!", "!"},
+    {"at the end", "!ab", "c", 3, 3, 3, "!abc", "!abc"},
+    {"within", "!ab", "c", 1, 1, 1, "!cab", "!cab"},
+    {"replaced", "!abcd", "x", 2, 4, 2, "!axd", "!axd"},
+    {"all replaced", "!abcd", "!x", 0, 5, 0, "!x", "!x"},
+    {"deleted", "!abcd", "", 1, 3, 3, "!cd", "!cd"},
+    {"nothing deleted", "!abcd", "", 2, 2, 2, "", "!abcd"},
+    {"what it holds once more", "!a", "!a", 2, 2, 2, "!a", "!a!a"},
+    {"places outside the text", "!a", "b", 90, 90, 90, "!ab", "!ab"},
+    {"places below the text", "a", "!", -5, -3, -1, "!a", "!a"},
+    {"as long as it may get", LONG_OLD.c_str(), LONG_TYPED.substr(1), 401, 401, 401,
+     LONG_OLD + LONG_TYPED.substr(1), LONG_OLD + LONG_TYPED.substr(1)},
+    {"too long", LONG_OLD.c_str(), LONG_TYPED, 401, 401, 401, LONG_OLD, LONG_OLD},
+};
+
+static XmtCallData MakeChange(const ChangeCase &one, Boolean *doit) {
+    XmtCallData data = {};
+    data.reason = XmtCR_CHANGED;
+    data.text = one.typed.empty() ? nullptr : one.typed.c_str();
+    data.length = static_cast<intptr_t>(one.typed.size());
+    data.start = one.start;
+    data.end = one.end;
+    data.newInsert = one.insert;
+    data.doit = doit;
+    return data;
+}
+
+// Every candidate begins with a character that is refused, and the message shows it whole.
+TEST(XmtValidateTest, TakesTheCandidateOfAChange) {
+    OpenMenuTexts();
+    for (const ChangeCase &one : ChangeCases) {
+        XmtObjectData object = {};
+        object.format = SaveStr_("A0,0");
+        Boolean doit = 1;
+        XmtCallData data = MakeChange(one, &doit);
+        data.value = reinterpret_cast<intptr_t>(one.old);
+        Capture capture;
+        XmtProcessTextFormat(&object, &data);
+        size_t read = 0;
+        std::string wanted = one.field.empty() ? "" : CHARACTER + "at \"" + one.field + "\"";
+        EXPECT_EQ(TakeMessage(&capture, &read), wanted) << one.name;
+        EXPECT_EQ(doit, one.field.empty()) << one.name;
+        PutMem(object.format);
+    }
+}
+
+static std::string Heard;
+
+TEST(XmtValidateTest, KeepsTheRealTextOfAMaskedField) {
+    OpenMenuTexts();
+    for (const ChangeCase &one : ChangeCases) {
+        XmtObjectData object = {};
+        object.stored = reinterpret_cast<intptr_t>(one.old != nullptr ? SaveStr_(one.old) : nullptr);
+        Boolean doit = 1;
+        for (int call = 0; call < 2; call++) { // both of the pair
+            XmtCallData data = MakeChange(one, &doit);
+            XmtProcessMaskedFormat(&object, &data);
+        }
+        EXPECT_STREQ(XmtTextOf(object.stored), one.masked.c_str()) << one.name;
+        EXPECT_EQ(doit, one.name != std::string("too long")) << one.name;
+        object.handler = [](XmtCallData *data) { Heard = data->text; };
+        XmtCallData activation = {};
+        activation.reason = XmtCR_DEFAULT;
+        XmtProcessMaskedFormat(&object, &activation);
+        EXPECT_EQ(Heard, one.masked) << one.name;
+        PutMem(XmtTextOf(object.stored));
+    }
+}
