@@ -359,7 +359,9 @@ static void IncludeFile(Widget parent) {
     CallsLeft--;
     char *text = GetSavedFileContent(name, nullptr);
     if (!text) return;
+    Blocks++;
     ReadText(text, parent);
+    Blocks--;
     PutMem(text);
 }
 
