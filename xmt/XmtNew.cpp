@@ -505,7 +505,7 @@ const XmtKeyRow Objs[] = {
     StatementRow(XMT_KIND_CHANGE),
 };
 
-static_assert(std::size(Objs) == XmtCountWords(ObjKeys) + 1);
+static_assert(std::size(Objs) == XMT_KEYS && XmtCountWords(ObjKeys) + 1 == XMT_KEYS);
 
 const XmtKeyRow *pXmtObjs = Objs;
 

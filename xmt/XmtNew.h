@@ -80,8 +80,9 @@ struct XmtKeyRow {
     const char *text;
     bool flParent; // the result takes the place of a missing parent
 };
+enum { XMT_KEYS = 46 };
 extern const char ObjKeys[];      // ",WM,WP,..."
-extern const XmtKeyRow Objs[];    // row 0 is never used
+extern const XmtKeyRow Objs[];    // XMT_KEYS of them; row 0 is never used
 extern const XmtKeyRow *pXmtObjs; // the table in use; tests put a recording one here
 
 // ---- the value readers. They step over one leading '('. With a position: the result is where they stopped.

@@ -6,7 +6,6 @@
 
 #include <cstring>
 #include <map>
-#include <vector>
 
 // ---- the recording table
 
@@ -97,21 +96,18 @@ static Widget RecordPA(Widget parent, intptr_t row) {
 }
 
 static const XmtKeyRow *RecordingTable() {
-    static std::vector<XmtKeyRow> table;
-    if (!table.empty()) return table.data();
-    for (const char *key = ObjKeys; *key; key++) {
-        size_t n = table.size();
-        if (*key != ',') continue;
-        table.push_back(Objs[n]);
-        if (Objs[n].kind < 0) continue;
-        table[n].first = static_cast<intptr_t>(n);
-        table[n].kind = Objs[n].kind == XMT_KIND_A ? XMT_KIND_A : XMT_KIND_PA;
-        if (table[n].kind == XMT_KIND_A)
-            table[n].create.a = RecordA;
+    static XmtKeyRow table[XMT_KEYS];
+    for (int i = 1; i < XMT_KEYS; i++) {
+        table[i] = Objs[i];
+        if (Objs[i].kind < 0) continue;
+        table[i].first = i;
+        table[i].kind = Objs[i].kind == XMT_KIND_A ? XMT_KIND_A : XMT_KIND_PA;
+        if (table[i].kind == XMT_KIND_A)
+            table[i].create.a = RecordA;
         else
-            table[n].create.pa = RecordPA;
+            table[i].create.pa = RecordPA;
     }
-    return table.data();
+    return table;
 }
 
 std::string DumpDescription(const char *text, int firstId, const char *parent) {

@@ -39,7 +39,7 @@ TEST(Statements, MakeTrees) {
         {"no name", "s ", "s  1\n"},
         {"an unknown word leaves no current object", "B a {zz {l b; } }", "B a 1\nl b 2\n"},
         {"an unknown word with a parenthesis", "zz(l a; ) l b;", "l a 1\nl b 2\n"},
-        {"no word character", "t_ a; F_x l b;", "t a 1\n"},
+        {"no word character", "t_ a; F_x l b;", "t a 1\nl b 2\n"},
         {"numbers", "id(401) l a; l b id(7); l c; id(0) l d; l e id(0); l f;",
          "l a 401\nl b 7\nl c 402\nl d 0\nl e 1\nl f 1\n"},
         {"one brace too many", "l a; } l b;", "l a 1\n"},
