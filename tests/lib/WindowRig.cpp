@@ -41,6 +41,18 @@ static std::string StartServer(const char *screen) {
     return number;
 }
 
+// A warning of the toolkits is a fault of a description or of what was made of it.
+static void FailOnWarning(String text) {
+    ADD_FAILURE() << "warning: " << text;
+}
+
+static int FailOnXError(Display *display, XErrorEvent *event) {
+    char text[256];
+    XGetErrorText(display, event->error_code, text, sizeof text);
+    ADD_FAILURE() << "X error: " << text << " of request " << int{event->request_code};
+    return 0;
+}
+
 bool StartWindowRig(const char *screen, std::string *reason) {
     std::string number = StartServer(screen);
     if (number.empty()) {
@@ -54,6 +66,8 @@ bool StartWindowRig(const char *screen, std::string *reason) {
         *reason = "the display :" + number + " can't be opened";
         return false;
     }
+    XtAppSetWarningHandler(AppContext, FailOnWarning);
+    XSetErrorHandler(FailOnXError);
     return true;
 }
 

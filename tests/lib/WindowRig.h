@@ -7,10 +7,10 @@
 
 // Starts a server and opens it with XmtInitApp; DISPLAY names it from then on. False, with the reason in
 // reason, if there is no Xvfb here. screen: as "1280x1024x24". Called once a process; a test program that
-// can't have it skips.
+// can't have it skips. A warning of Xt or Motif and an error of the server fail the test.
 bool StartWindowRig(const char *screen, std::string *reason);
-// Runs checks in a child process on a screen of its own, so that one program can look at several. False if they
-// failed, leaked or ended early; true, and flSkipped set, if there is no Xvfb here.
+// Runs checks in a child process on a screen of its own, so that one program can look at several. False if
+// they failed, leaked or ended early; true, and flSkipped set, if there is no Xvfb here.
 bool RunOnScreen(const char *screen, void (*checks)(), bool *flSkipped);
 // Dispatches what is waiting, until the server has nothing more to tell.
 void DispatchWaiting();
