@@ -18,8 +18,26 @@ GREEN, AMBER = '#2E8B57', '#E0952B'
 PALETTE = [INK, STEEL, BLUE, SKY, MIST, PAPER, PALE, GREY, SLATE, GREEN, AMBER, '#5A87B8', '#A5C4E1', '#D5E4F1']
 
 
-def button():
-    return Colours(27, 27, PALETTE)
+class Button:
+    """An icon of 27 by 27. Of that a button with its frames shows the 19 by 19 in the middle: what is drawn between
+    the two corners is brought there."""
+
+    SHOWN = 19
+
+    def __init__(self, left, top, right, bottom):
+        self.canvas = Colours(27, 27, PALETTE)
+        self.scale = (self.SHOWN - 0.4) / max(right - left, bottom - top)
+        self.x, self.y = 13.5 - self.scale * (left + right) / 2, 13.5 - self.scale * (top + bottom) / 2
+        self.save = self.canvas.save
+
+    def at(self, points):
+        return [(self.x + px * self.scale, self.y + py * self.scale) for px, py in points]
+
+    def fill(self, points, colour):
+        self.canvas.fill(self.at(points), colour)
+
+    def line(self, points, width, colour, closed=False):
+        self.canvas.line(self.at(points), max(width * self.scale, 0.8), colour, closed)
 
 
 def outlined(canvas, points, fill, width=1.4, colour=INK):
@@ -36,63 +54,60 @@ def arrow(canvas, tip, angle, size, colour):
 
 
 def draw_help():
-    c = button()
+    c = Button(3.2, 3.2, 23.8, 23.8)
     outlined(c, arc(13.5, 13.5, 9.6, 9.6), BLUE, 1.4)
-    c.line(arc(13.5, 10.9, 3.4, 3.3, 190, 375, 20) + [(14.6, 13.9), (13.5, 15.6)], 2.3, PAPER)
-    c.fill(arc(13.5, 19.2, 1.45, 1.45), PAPER)
+    c.line(arc(13.5, 10.7, 3.5, 3.4, 190, 375, 20) + [(14.6, 13.9), (13.5, 15.6)], 2.6, PAPER)
+    c.fill(arc(13.5, 19.4, 1.7, 1.7), PAPER)
     return c
 
 
 def draw_refresh():
-    c = button()
-    for turn in (0, 180):
-        c.line(arc(13.5, 13.5, 7.6, 7.6, 200 + turn, 330 + turn, 30), 4.6, INK)
-    for turn in (0, 180):
-        c.line(arc(13.5, 13.5, 7.6, 7.6, 200 + turn, 330 + turn, 30), 2.6, GREEN)
-        a = math.radians(338 + turn)
-        tip = (13.5 + 7.6 * math.cos(a), 13.5 + 7.6 * math.sin(a))
-        arrow(c, tip, 70 + turn, 5.8, INK)
-        arrow(c, tip, 70 + turn, 3.7, GREEN)
+    c = Button(3.0, 3.4, 22.8, 23.2)
+    end = math.radians(262)
+    tip = (13 + 7.2 * math.cos(end), 14 + 7.2 * math.sin(end))
+    for colour, width, size in ((INK, 5, 6.6), (GREEN, 2.6, 4.4)):
+        c.line(arc(13, 14, 7.2, 7.2, -20, 255, 40), width, colour)
+        arrow(c, (tip[0] + 2, tip[1]), 352, size, colour)
     return c
 
 
 def draw_add_queue():
-    c = button()
-    outlined(c, [(8, 4), (17.5, 4), (17.5, 11), (8, 11)], PAPER)  # paper at the back
-    c.line([(10, 6.6), (15.5, 6.6)], 0.9, SLATE)
-    c.line([(10, 8.6), (15.5, 8.6)], 0.9, SLATE)
-    outlined(c, rounded(3.5, 10, 18.5, 8.6, 1.6), GREY)
-    c.fill(rect(4.3, 11, 17, 2), PALE)
-    c.fill(rect(6, 15.3, 13.5, 1.7), INK)
-    outlined(c, [(7.4, 16.2), (18.1, 16.2), (19.3, 22), (6.2, 22)], PAPER)
-    c.line([(9, 18.2), (14, 18.2)], 0.9, SLATE)
-    c.line([(8.8, 20), (13, 20)], 0.9, SLATE)
-    cross = [(18.2, 14), (21.4, 14), (21.4, 17.4), (24.8, 17.4), (24.8, 20.6), (21.4, 20.6), (21.4, 24),
-             (18.2, 24), (18.2, 20.6), (14.8, 20.6), (14.8, 17.4), (18.2, 17.4)]
-    c.line(cross, 2.6, INK, closed=True)
+    """A printer and a plus."""
+    c = Button(3, 3, 25, 25)
+    outlined(c, [(7.5, 3.8), (17, 3.8), (17, 11), (7.5, 11)], PAPER)  # paper at the back
+    c.line([(9.6, 7.2), (14.8, 7.2)], 1.0, SLATE)
+    outlined(c, rounded(3.8, 9.6, 17.6, 8.6, 1.6), GREY)
+    c.fill(rect(4.8, 10.8, 15.6, 2.2), PALE)
+    outlined(c, [(7.4, 15.6), (17.6, 15.6), (18.6, 23), (6.4, 23)], PAPER)
+    c.line([(8.8, 18.6), (12.4, 18.6)], 1.0, SLATE)
+    x, y, arm, half = 19, 19, 5.4, 1.7
+    cross = [(x - half, y - arm), (x + half, y - arm), (x + half, y - half), (x + arm, y - half), (x + arm, y + half),
+             (x + half, y + half), (x + half, y + arm), (x - half, y + arm), (x - half, y + half),
+             (x - arm, y + half), (x - arm, y - half), (x - half, y - half)]
+    c.line(cross, 2.4, INK, closed=True)
     c.fill(cross, GREEN)
     return c
 
 
 def draw_web_page():
-    c = button()
-    outlined(c, rounded(3, 4, 21, 18.6, 1.8), PAPER)
-    c.fill([(3.6, 9), (3.6, 5.8), (5, 4.6), (22, 4.6), (23.4, 5.8), (23.4, 9)], STEEL)
-    for x in (6, 9, 12):
-        c.fill(arc(x, 6.8, 0.95, 0.95), MIST)
-    c.line([(3, 9.2), (24, 9.2)], 1.0, INK)
-    outlined(c, arc(13.5, 15.8, 5.2, 5.2), SKY, 1.2)
-    c.line(arc(13.5, 15.8, 2.2, 5.2), 0.8, INK, closed=True)
-    c.line([(8.3, 15.8), (18.7, 15.8)], 0.8, INK)
+    c = Button(2.6, 2.6, 24.4, 24.4)
+    outlined(c, rounded(3.4, 3.8, 20.2, 19.4, 1.6), PAPER)
+    c.fill([(4, 8.6), (4, 5), (5, 4.4), (22, 4.4), (23, 5), (23, 8.6)], STEEL)
+    c.fill(rect(6, 5.7, 15, 1.9), PALE)  # the address
+    c.line([(3.4, 9.2), (23.6, 9.2)], 1.0, INK)
+    outlined(c, arc(13.5, 16.1, 5.2, 5.2), SKY, 1.3)
+    c.line(arc(13.5, 16.1, 2.1, 5.2), 0.9, INK, closed=True)
+    c.line([(8.3, 16.1), (18.7, 16.1)], 0.9, INK)
     return c
 
 
 def draw_properties():
-    c = button()
-    outlined(c, rounded(4.5, 3.6, 18, 19.8, 1.6), PAPER)
-    for y, at in ((8.2, 10), (13.5, 17.2), (18.8, 12.6)):
-        c.line([(7.4, y), (19.6, y)], 1.5, SLATE)
-        outlined(c, arc(at, y, 2.1, 2.1), AMBER, 1.3)
+    """A sheet with three slides."""
+    c = Button(3.2, 3.2, 23.8, 23.8)
+    outlined(c, rounded(4.4, 4, 18.2, 19, 1.4), PAPER)
+    for y, at in ((8.3, 9.8), (13.5, 17.2), (18.7, 12.6)):
+        c.line([(7, y), (20, y)], 1.6, SLATE)
+        outlined(c, arc(at, y, 1.9, 1.9), AMBER, 1.4)
     return c
 
 

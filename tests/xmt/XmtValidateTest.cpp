@@ -5,10 +5,16 @@
 #include "common/MemMgr.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/MenuDump.h"
+#include "tests/lib/WindowRig.h"
+#include "xmt/XmtEvent.h"
+#include "xmt/XmtMsg.h"
+#include "xmt/XmtNew.h"
+#include "xmt/XmtUtils.h"
 
 #include <cstring>
 #include <gtest/gtest.h>
 #include <string>
+#include <unistd.h>
 
 struct EntryCase {
     const char *format;
@@ -206,4 +212,92 @@ TEST(XmtValidateTest, KeepsTheRealTextOfAMaskedField) {
         EXPECT_EQ(Heard, one.masked) << one.name;
         PutMem(XmtTextOf(object.stored));
     }
+}
+
+// ---- real keys
+
+static const char Fields[] = "WF main { B b v { "
+                             "t name .0 l(n) s(20,1) f(A0,14+-+_) <3 CB(c,a)>; "
+                             "t number .0 l(n) s(20,1) f(d1,60) <3 CB(c,a)>; "
+                             "t path .0 l(n) s(20,1) f(/A0,255+-+_+/+.) <3 CB(c,a)>; "
+                             "t one .0 l(n) s(4,1) f(v.ttwo | d0,255) <3 CB(c,a)>; "
+                             "t two .0 l(n) s(4,1) f(v.tthree | d0,255) <3 CB(c,a)>; "
+                             "tp secret .0 l(n) s(20,1) f(A0,9) <3 CB(c,a)>; "
+                             "tp shown .0 l(n) s(20,1) f(SA0,9) <3 CB(c,a)>; "
+                             "} } ";
+
+struct KeyCase {
+    const char *field; // that gets the focus; null: it stays
+    const char *keys;  // arguments of xdotool
+    const char *looked;
+    const char *text; // of the looked at field
+    int messages;
+    const char *message; // the last one's beginning
+};
+static const KeyCase KeyCases[] = {
+    {"name", "type abcdefghijklmn", "name", "abcdefghijklmn", 0, ""},
+    {nullptr, "type op", "name", "abcdefghijklmn", 2, "This entry is not valid."},
+    {nullptr, "key BackSpace Home percent y", "name", "yabcdefghijklm", 1, "Invalid character at \"%\""},
+    {"number", "type 61", "number", "6", 1, "This number must be between 1 to 60."},
+    {nullptr, "key BackSpace 0 5", "number", "5", 1, "This number must be"},
+    {"path", "type x", "path", "", 1, "Invalid character x\nThis entry is must begin with /"},
+    {nullptr, "type /tmp/a.b", "path", "/tmp/a.b", 0, ""},
+    {"one", "type 10.25", "one", "10", 0, ""},
+    {nullptr, "key 5 7", "two", "255", 1, "This number must be between 0 to 255."},
+    {"secret", "type aab", "secret", "***", 0, ""},
+    {nullptr, "key Left BackSpace period c", "secret", "***", 1, "Invalid character at"},
+    {"shown", "type abc", "shown", "abc", 0, ""},
+};
+
+static std::string GetFieldText(const char *name) {
+    char *text = XmtGetText(name);
+    std::string copy = text != nullptr ? text : "(null)";
+    XtFree(text);
+    return copy;
+}
+
+static int CountMessages() {
+    return pXmtMsgList != nullptr ? pXmtMsgList->count : 0;
+}
+
+static void PressKeys(const KeyCase &one) {
+    if (one.field != nullptr) XmtSetTextFocus(one.field);
+    DispatchWaiting();
+    ASSERT_EQ(system((std::string("xdotool ") + one.keys).c_str()), 0);
+    // The keys are on their way; what they lead to is waited for, and nothing more may come.
+    for (int i = 0; i < 300 && (GetFieldText(one.looked) != one.text || CountMessages() < one.messages);
+         i++) {
+        DispatchWaiting();
+        usleep(10000);
+    }
+    DispatchWaiting();
+}
+
+static void CheckKeys() {
+    OpenMenuTexts();
+    XmtNewObject(
+        nullptr, [](XmtCallData *data) { Heard = data->text != nullptr ? data->text : ""; }, 1, Fields);
+    RealizeWindows();
+    XSetInputFocus(AppDisplay, XtWindow(XtParent(XmtGetWidget("main"))), RevertToParent, CurrentTime);
+    DispatchWaiting();
+    for (const KeyCase &one : KeyCases) {
+        PressKeys(one);
+        EXPECT_EQ(GetFieldText(one.looked), one.text) << one.looked << " " << one.keys;
+        EXPECT_EQ(CountMessages(), one.messages) << one.looked << " " << one.keys;
+        auto *last = static_cast<XmtMsgEntry *>(ListFindItemN(pXmtMsgList, CountMessages()));
+        EXPECT_EQ(std::string(last != nullptr ? last->text : "").find(one.message), 0U)
+            << one.looked << " " << one.keys;
+        ListDelAllItems(pXmtMsgList);
+    }
+    EXPECT_STREQ(XmtTextOf(XmtFindObject("secret")->stored), "acb");
+    XmtSetText("number", "99"); // the program's own settings are checked like everybody's
+    EXPECT_EQ(GetFieldText("number"), "5");
+    EXPECT_EQ(CountMessages(), 1);
+}
+
+TEST(XmtValidateTest, TypedWithRealKeys) {
+    if (system("command -v xdotool >/dev/null") != 0) GTEST_SKIP() << "there is no xdotool";
+    bool flSkipped = false;
+    EXPECT_TRUE(RunOnScreen("640x480x24", CheckKeys, &flSkipped));
+    if (flSkipped) GTEST_SKIP() << "there is no Xvfb that starts here";
 }
