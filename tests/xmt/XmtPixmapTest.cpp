@@ -131,15 +131,10 @@ static const ImageCase ImageCases[] = {
     {"four characters a pixel", 0, "! XPM2\n1 1 1 4\nabcd c red\nabcd", "", "\nabcd c red\nabcd"},
     {"no characters a pixel", 0, "! XPM2\n1 1 1 0\n c red\n", "", nullptr},
     {"257 colours", 0, "! XPM2\n1 1 257 1\na c red\na", "", nullptr},
-    {"no colours", 0, "! XPM2\n1 1 0 1\na", "", nullptr},
     {"width 0", 0, "! XPM2\n0 1 1 1\na c red\n", "", nullptr},
     {"sides that overflow", 0, "! XPM2\n65536 65537 1 1\na c red\n", "", nullptr},
     {"numbers beyond an int", 0, "! XPM2\n4294967297 1 1 1\na c red\n", "", nullptr},
-    {"no header", 0, "/* XPM */", "", ""},
-    {"letters for numbers", 0, "! XPM2\nwidth height\n", "", nullptr},
-    {"XBM", 0, "#define x_width 1\n#define x_height 1\n{ 0x01 };", "", nullptr},
     {"anything else", 0, "%s%n", "", "%s%n"},
-    {"empty", 0, "", "", ""},
     {"GIF", 0, GifHead(2, 2) + GifBlock(2, 2, 0, "0123") + ";", ".r\ngb\n", ";"},
     {"GIF with extensions", 0,
      GifHead(2, 1) + std::string("!\xF9\4\1\0\0\0\0!\xFE\3abc\2de\0", 18) + GifBlock(2, 1, 0, "12") + "x",
@@ -148,39 +143,27 @@ static const ImageCase ImageCases[] = {
      "r\nr\ng\ng\nb\ng\nr\ng\ng\nb\n", ";"},
     {"interlaced, two rows", 0, GifHead(1, 2) + GifBlock(1, 2, 0x40, "12") + ";", "r\ng\n", ";"},
     {"block larger than the screen", 0, GifHead(2, 1) + GifBlock(3, 2, 0, "123123") + ";", "rg\n", ";"},
-    {"block smaller, then another", 0,
-     GifHead(2, 2) + GifBlock(2, 2, 0, "1111") + GifBlock(1, 1, 0, "2") + ";", "gr\nrr\n", ";"},
     {"a table of the block's own is passed over", 0, GifHead(2, 1) + GifBlock(2, 1, 0x80, "12") + ";", "rg\n",
      ";"},
     {"code of the entry in the making", 0, GifCodes("41645"), "rrr\n...\n", ";"},
     {"code above the table", 0, GifCodes("41745"), "r..\n...\n", ";"},
     {"first code no colour", 0, GifCodes("47145"), "...\n...\n", ";"},
-    {"end code missing", 0, GifCodes("412"), "rg.\n...\n", ";"},
-    {"data cut", 0, GifCodes("412").substr(0, 38), "r..\n...\n", ""},
     {"block cut", 0, GifHead(2, 1) + ",\1", "..\n", ""},
-    {"table cut", 0, GifHead(2, 1).substr(0, 20), "..\n", nullptr},
     {"code size 0", 0, GifHead(1, 1) + "," + std::string(8, '\1') + std::string("\0\0\1\1\0;", 6), ".\n",
      ";"},
-    {"code size 12", 0, GifHead(1, 1) + "," + std::string(8, '\1') + std::string("\0\x0c\1\1\0;", 6), ".\n",
-     ";"},
-    {"screen of no width", 0, GifHead(0, 9), "", nullptr},
     {"screen too large", 0, GifHead(65535, 65535), "", nullptr},
     {"head cut", 0, GifHead(2, 2).substr(0, 12), "", nullptr},
-    {"other version", 0, "GIF88a" + GifHead(1, 1).substr(6), "", nullptr},
 };
 
 // The pixmap holds what the image holds.
 static void CheckPixmap(const ImageRecord &record, const char *name) {
-    if (AppDisplay == nullptr || record.Image == nullptr) return;
-    ASSERT_NE(record.Pixmap, 0U) << name;
+    if (record.Image == nullptr) return;
     auto width = static_cast<unsigned>(record.Image->width),
          height = static_cast<unsigned>(record.Image->height);
     XImage *copy = XGetImage(AppDisplay, record.Pixmap, 0, 0, width, height, AllPlanes, ZPixmap);
     ASSERT_NE(copy, nullptr) << name;
-    for (int y = 0; y < copy->height; y++) {
-        for (int x = 0; x < copy->width; x++)
-            EXPECT_EQ(XGetPixel(copy, x, y), XGetPixel(record.Image, x, y)) << name;
-    }
+    for (int i = 0, w = copy->width; i < w * copy->height; i++)
+        EXPECT_EQ(XGetPixel(copy, i % w, i / w), XGetPixel(record.Image, i % w, i / w)) << name;
     XDestroyImage(copy);
 }
 
@@ -268,15 +251,10 @@ TEST(XmtPixmapTest, MergesAtEveryPixelSize) {
 // Where a pixel has more bits than a colour, white is not transparent.
 TEST(XmtPixmapTest, WhiteIsNoTransparentAt32Bits) {
     XmtOfflineBits = 32;
-    XImage *source = XmtMakeImage(2, 1), *target = XmtMakeImage(2, 1);
+    XImage *source = XmtMakeImage(1, 1), *target = XmtMakeImage(1, 1);
     XPutPixel(source, 0, 0, 0xFFFFFF);
-    XPutPixel(source, 1, 0, 0xFFFFFE);
     XmtCopyImage(source, target, 0, 0, 5);
     EXPECT_EQ(XGetPixel(target, 0, 0), 0xFFFFFFU);
-    EXPECT_EQ(XGetPixel(target, 1, 0), 0xFFFFFEU);
-    XmtCopyImage(nullptr, target, 0, 0, 5);
-    XmtCopyImage(source, nullptr, 0, 0, 5);
-    XmtClearImage(nullptr, 0);
     XDestroyImage(source);
     XDestroyImage(target);
 }
@@ -293,11 +271,8 @@ static const BitmapCase BitmapCases[] = {
     {"hot spot", "#define x_width 2\n#define x_height 1\n#define x_x_hot 1\nstatic char x[] = {\n0x02 };",
      ".#\n"},
     {"bytes missing", "#define x_width 2\n#define x_height 2\nstatic char x[] = {\n0x3};\n0x3", "##\n..\n"},
-    {"no list", "#define x_width 2\n#define x_height 1\n", "..\n"},
     {"no height", "#define x_width 2\n", ""},
-    {"no width", "{", ""},
     {"too large", "#define x_width 40000\n#define x_height 40000\n{\n", ""},
-    {"negative", "#define x_width -2\n#define x_height -2\n{\n", ""},
 };
 
 TEST(XmtPixmapTest, Bitmaps) {
