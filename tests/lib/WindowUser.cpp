@@ -1,0 +1,96 @@
+#include "tests/lib/WindowUser.h"
+
+#include "common/MemMgr.h"
+#include "xmt/XmtEvent.h"
+#include "xmt/XmtUtils.h"
+
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <malloc.h>
+#include <utility>
+
+enum { LOOK_MS = 5, LIMIT_MS = 10000 };
+
+static const std::function<bool()> *pDone;
+static bool flDone;
+static std::chrono::steady_clock::time_point Limit;
+static std::string Warnings;
+
+bool FindWindowUser(std::string *reason) {
+    if (system("command -v xdotool >/dev/null") == 0) return true;
+    *reason = "there is no xdotool here";
+    return false;
+}
+
+static void Xdo(const std::string &words) {
+    if (system(("xdotool " + words).c_str()) != 0) printf("xdotool %s failed\n", words.c_str());
+}
+
+void PressKeys(const std::string &keys) {
+    Xdo("key --delay 5 " + keys);
+}
+
+void TypeText(const std::string &text) {
+    Xdo("type --delay 5 '" + text + "'");
+}
+
+void PointAt(const char *name) {
+    Widget widget = XmtGetWidget(name);
+    if (!widget || !XtIsRealized(widget)) {
+        printf("there is no %s to point at\n", name);
+        return;
+    }
+    auto width = static_cast<Position>(XmtGetXmValue(name, XmNwidth));
+    auto height = static_cast<Position>(XmtGetXmValue(name, XmNheight));
+    Position x, y;
+    XtTranslateCoords(widget, static_cast<Position>(width / 2), static_cast<Position>(height / 2), &x, &y);
+    Xdo("mousemove " + std::to_string(x) + " " + std::to_string(y));
+}
+
+void ClickAt(const char *name) {
+    PointAt(name);
+    Xdo("click 1");
+}
+
+static void Look(XtPointer, XtIntervalId *) {
+    flDone = (*pDone)();
+    flExitMainLoop = flDone || std::chrono::steady_clock::now() > Limit;
+    if (flExitMainLoop)
+        XmtWakeMainLoop();
+    else
+        XtAppAddTimeOut(AppContext, LOOK_MS, Look, nullptr);
+}
+
+bool RunLoopUntil(const std::function<bool()> &done) {
+    pDone = &done;
+    Limit = std::chrono::steady_clock::now() + std::chrono::milliseconds(LIMIT_MS);
+    XtAppAddTimeOut(AppContext, LOOK_MS, Look, nullptr);
+    XmtMainEventLoop();
+    return flDone;
+}
+
+void RunLoopFor(int milliseconds) {
+    auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
+    RunLoopUntil([end] { return std::chrono::steady_clock::now() > end; });
+}
+
+static void NoteWarning(char *text) {
+    Warnings += std::string(text) + "\n";
+}
+
+std::string TakeWarnings() {
+    XtAppSetWarningHandler(AppContext, NoteWarning);
+    return std::exchange(Warnings, "");
+}
+
+extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));
+
+size_t HeldBytes() {
+    int nodes = 0;
+    for (MemBlock *block = pMemB; block; block = block->next)
+        nodes += block->usedSize ? block->usedSize / MEM_NODE_SIZE : MEM_BLOCK_NODES - block->freeCount;
+    size_t bytes = static_cast<size_t>(nodes) * MEM_NODE_SIZE;
+    return bytes + (__sanitizer_get_current_allocated_bytes ? __sanitizer_get_current_allocated_bytes()
+                                                            : mallinfo2().uordblks);
+}
