@@ -417,6 +417,17 @@ static void Deliver(XmtObjectData *object, XmtCallData *data, bool flFormat) {
         object->handler(data);
 }
 
+// What a shell hands over when it comes and goes is no record of Motif, and the same both times: the reason,
+// or 0 for an event of another kind.
+static int GetShellReason(Widget shell, XmtObjectData *object) {
+    if (!XtIsShell(shell)) return 0;
+    bool flComes = XtHasCallbacks(shell, XmNpopupCallback) == XtCallbackHasSome;
+    bool flGoes = XtHasCallbacks(shell, XmNpopdownCallback) == XtCallbackHasSome;
+    if (!flComes && !flGoes) return 0;
+    if (flComes && flGoes) object->value = !object->value;
+    return flComes && (!flGoes || object->value) ? XmCR_MAP : XmCR_UNMAP;
+}
+
 static bool TestValueReason(int motif) {
     return motif != XmCR_FOCUS && motif != XmCR_LOSING_FOCUS && motif != XmCR_CREATE;
 }
@@ -429,6 +440,8 @@ void XmtEventHandler(Widget widget, XtPointer object, XtPointer callData) {
                    "",
                    "",
                    nullptr};
+    XmAnyCallbackStruct shellCall = {GetShellReason(widget, event.object), nullptr};
+    if (shellCall.reason) event.call = &shellCall;
     int motif = event.call->reason;
     event.data = XmtNewCallData(event.object, GetReason(motif));
     event.data.widget = widget;

@@ -53,17 +53,22 @@ static int FailOnXError(Display *display, XErrorEvent *event) {
     return 0;
 }
 
-bool StartWindowRig(const char *screen, std::string *reason) {
+pid_t StartXvfb(const char *screen, std::string *reason) {
     std::string number = StartServer(screen);
     if (number.empty()) {
         *reason = "there is no Xvfb that starts here";
         StopServer();
-        return false;
+        return 0;
     }
     atexit(StopServer);
     setenv("DISPLAY", (":" + number).c_str(), 1);
+    return Server;
+}
+
+bool StartWindowRig(const char *screen, std::string *reason) {
+    if (!StartXvfb(screen, reason)) return false;
     if (!XmtInitApp("prndeck", "prndeck", nullptr, nullptr)) {
-        *reason = "the display :" + number + " can't be opened";
+        *reason = "the display " + std::string(getenv("DISPLAY")) + " can't be opened";
         return false;
     }
     XtAppSetWarningHandler(AppContext, FailOnWarning);

@@ -8,14 +8,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
-#include <utility>
 
 enum { LOOK_MS = 5, LIMIT_MS = 10000 };
 
 static const std::function<bool()> *pDone;
 static bool flDone;
 static std::chrono::steady_clock::time_point Limit;
-static std::string Warnings;
 
 bool FindWindowUser(std::string *reason) {
     if (system("command -v xdotool >/dev/null") == 0) return true;
@@ -53,6 +51,22 @@ void ClickAt(const char *name) {
     Xdo("click 1");
 }
 
+void ClickPoint(int x, int y) {
+    Xdo("mousemove " + std::to_string(x) + " " + std::to_string(y) + " click 1");
+}
+
+void CloseByManager(const char *name) {
+    Widget shell = XtParent(XmtGetWidget(name));
+    XEvent event{};
+    event.xclient.type = ClientMessage;
+    event.xclient.window = XtWindow(shell);
+    event.xclient.message_type = XInternAtom(AppDisplay, "WM_PROTOCOLS", 0);
+    event.xclient.format = 32;
+    event.xclient.data.l[0] = static_cast<long>(XInternAtom(AppDisplay, "WM_DELETE_WINDOW", 0));
+    XSendEvent(AppDisplay, XtWindow(shell), 0, NoEventMask, &event);
+    XFlush(AppDisplay);
+}
+
 static void Look(XtPointer, XtIntervalId *) {
     flDone = (*pDone)();
     flExitMainLoop = flDone || std::chrono::steady_clock::now() > Limit;
@@ -73,15 +87,6 @@ bool RunLoopUntil(const std::function<bool()> &done) {
 void RunLoopFor(int milliseconds) {
     auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(milliseconds);
     RunLoopUntil([end] { return std::chrono::steady_clock::now() > end; });
-}
-
-static void NoteWarning(char *text) {
-    Warnings += std::string(text) + "\n";
-}
-
-std::string TakeWarnings() {
-    XtAppSetWarningHandler(AppContext, NoteWarning);
-    return std::exchange(Warnings, "");
 }
 
 extern "C" size_t __sanitizer_get_current_allocated_bytes() __attribute__((weak));

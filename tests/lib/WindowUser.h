@@ -12,11 +12,12 @@ void PressKeys(const std::string &keys); // names with blanks between them: "Tab
 void TypeText(const std::string &text);
 void PointAt(const char *name); // the middle of the object
 void ClickAt(const char *name);
+void ClickPoint(int x, int y); // of the screen
+// What a window manager sends for the close button of the object's shell.
+void CloseByManager(const char *name);
 // Runs the main loop until the condition holds; false if it did not within ten seconds.
 bool RunLoopUntil(const std::function<bool()> &done);
 // Lets so much time go by in the main loop.
 void RunLoopFor(int milliseconds);
-// What Xt and Motif warned of since the last call, one a line; the first call begins to listen.
-std::string TakeWarnings();
 // Bytes that the process holds, managed memory among them; the loss of X's own objects shows here alone.
 size_t HeldBytes();

@@ -141,16 +141,12 @@ class XmtMsgWindow : public testing::Test {
 protected:
     static void SetUpTestSuite() {
         if (!FindWindowUser(&reason) || !StartWindowRig("1024x768x24", &reason)) return;
-        TakeWarnings();
         XmtNewObject(nullptr, Hear, 100, "WB main t(Main) { bp go p(10,10) s(120,40) l(Go); }\n");
         flUp = AppShell != nullptr;
     }
     void SetUp() override {
         if (!flUp) GTEST_SKIP() << reason;
         Heard.clear();
-    }
-    void TearDown() override {
-        EXPECT_EQ(flUp ? TakeWarnings() : "", "");
     }
     static std::string reason;
     static bool flUp;
@@ -213,19 +209,6 @@ TEST_F(XmtMsgWindow, ThreeOfOneHandlerShowOneAfterAnother) {
 static void PostAgain(XmtCallData *data) {
     Hear(data);
     XmtPostMsg(nullptr, "from the callback");
-}
-
-// What a window manager sends for its close button.
-static void CloseByManager(const char *name) {
-    Widget shell = XtParent(XmtGetWidget(name));
-    XEvent event{};
-    event.xclient.type = ClientMessage;
-    event.xclient.window = XtWindow(shell);
-    event.xclient.message_type = XInternAtom(AppDisplay, "WM_PROTOCOLS", 0);
-    event.xclient.format = 32;
-    event.xclient.data.l[0] = static_cast<long>(XInternAtom(AppDisplay, "WM_DELETE_WINDOW", 0));
-    XSendEvent(AppDisplay, XtWindow(shell), 0, NoEventMask, &event);
-    XFlush(AppDisplay);
 }
 
 TEST_F(XmtMsgWindow, ClosedByTheManagerCountsAsCancelled) {
