@@ -38,7 +38,7 @@ class Catalogue:
         self.texts, self.rules, self.faults = {}, {}, []
         self.set = self.quote = None
         self.spans = []  # numbers that rules name: line, set, first, last
-        self.lines = path.read_bytes().decode("latin-1").split("\n")
+        self.lines = path.read_bytes().decode("utf-8", "replace").split("\n")
         self.at = 0
         while self.at < len(self.lines):
             self.read_line(self.next_line())
@@ -110,7 +110,7 @@ class Catalogue:
                 continue
             phrase, _, text = text.partition(", ")
             word, _, argument = phrase.partition(" ")
-            if word not in ("args", "menu", "list", "line", "question", "key", "tilde", "width"):
+            if word not in ("args", "menu", "list", "line", "question", "key", "tilde", "width", "window", "latin"):
                 self.fault("-", "unknown word in a rule: %s" % word)
             words[word] = argument or True
         return words
@@ -210,8 +210,9 @@ class Checker:
             self.check_letters(catalogue, english, word)
 
     def text_faults(self, text, english, rule):
-        if not re.fullmatch(r"[\n\t -~]*", text):
-            yield "holds a character that is not ASCII"
+        latin = "window" in rule or "latin" in rule
+        if not re.fullmatch(r"[\n\t -~\xa0-\xff]*" if latin else r"[\n\t -~]*", text):
+            yield "holds a character that is not in Latin-1" if latin else "holds a character that is not ASCII"
         yield from self.printf_faults(text, rule.get("args", ""))
         if len(text) > FETCH:
             yield "is longer than %d characters" % FETCH
@@ -225,6 +226,8 @@ class Checker:
             yield "must hold one line feed, at its end"
         if "question" in rule and "?" in text:
             yield "holds a question mark; the program adds it"
+        if "window" in rule:
+            yield from self.window_faults(text, rule)
         if self.edges(text) != self.edges(english):
             yield "begins or ends with other blanks or line feeds than the English text"
 
@@ -235,6 +238,15 @@ class Checker:
             yield "takes the arguments \"%s\", not \"%s\"" % (got, wanted)
         elif not wanted and "%" in text:
             yield "holds a percent sign though it takes no arguments"
+
+    @staticmethod
+    def window_faults(text, rule):
+        """The reader of descriptions takes these for its own; in a list a comma is meant."""
+        for ch in sorted(set("(),;<>{}\\") - set("," if "list" in rule else "")):
+            if ch in text:
+                yield "holds \"%s\", which ends a text in a window's description" % ch
+        if text.startswith("~"):
+            yield "begins with a mnemonic's mark, which stands behind its letter"
 
     @staticmethod
     def list_form(text):

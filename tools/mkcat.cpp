@@ -63,7 +63,7 @@ static void AddEscaped(std::string *out, char ch) {
     auto byte = static_cast<unsigned char>(ch);
     char octal[8];
     snprintf(octal, sizeof(octal), "\\%03o", static_cast<unsigned>(byte));
-    if (iscntrl(byte))
+    if (iscntrl(byte) || byte > 0x7F)
         out->append(octal);
     else
         out->append(1, ch);
@@ -168,6 +168,17 @@ static void ReadBytes(Compiler *c, std::string_view key) {
     AddRecord(c, start, name, data);
 }
 
+// Sources are UTF-8, texts Latin-1, as the fonts of the windows have it: a letter of two bytes that stand for
+// one becomes that one. ch was read in front of *place. Other bytes stay as they are.
+static int ReadLetter(const std::string &line, size_t *place, char ch) {
+    auto lead = static_cast<unsigned char>(ch);
+    if ((lead != 0xC2 && lead != 0xC3) || *place == line.length()) return lead;
+    auto tail = static_cast<unsigned char>(line[*place]);
+    if ((tail & 0xC0) != 0x80) return lead;
+    ++*place;
+    return ((lead & 3) << 6) | (tail & 0x3F);
+}
+
 // One piece of a text, up to the closing quote, whose end goes to *closed, or to the end of its line. False
 // if the text goes on in the next line.
 static bool ReadPiece(Compiler *c, size_t place, char quote, std::string *text, size_t *closed) {
@@ -179,7 +190,7 @@ static bool ReadPiece(Compiler *c, size_t place, char quote, std::string *text, 
             return true;
         }
         if (ch == '\\' && place == line.length()) return false;
-        int byte = ch == '\\' ? ReadEscape(line, &place, c->quote) : static_cast<unsigned char>(ch);
+        int byte = ch == '\\' ? ReadEscape(line, &place, c->quote) : ReadLetter(line, &place, ch);
         if (byte < 0)
             Fault(c, c->line, "unknown escape");
         else if (byte == 0)
