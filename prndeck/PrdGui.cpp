@@ -25,8 +25,19 @@ enum { FIRST_DISCOVERY_SECONDS = 2 };
 
 // ---- Start
 
+// What the descriptions leave to resources. A user's own resources win.
+static constexpr char DefaultLook[] = "*enableToggleVisual: True\n"; // a toggle that is on has a check mark
+
+static void SetDefaultLook() {
+    XrmDatabase look = XrmGetStringDatabase(DefaultLook);
+    XrmDatabase all = XtScreenDatabase(AppScreen);
+    XrmCombineDatabase(look, &all, 0);
+}
+
 int OpenWindowFace() {
-    return XmtInitApp(my_name, my_name, nullptr, nullptr);
+    if (!XmtInitApp(my_name, my_name, nullptr, nullptr)) return 0;
+    SetDefaultLook();
+    return 1;
 }
 
 // Macros that every window uses: fonts, and the names of channel states.

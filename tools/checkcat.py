@@ -20,6 +20,7 @@ REFERENCE = "en_US"
 CORE, HELP, STRINGS = "CoreString", "PrtHelp", "PrtString"
 MENU_TEXT, FETCH, TOPIC, TTY_SET = 127, 2047, 63, 25
 FOLDERS = ("common", "SnmpPkg", "xmt", "prndeck", "siblings")
+WINDOWS = "prndeck/PrdGuiDesc.cpp"
 FETCHERS = "NlsUtils"  # its own sources hand numbers through
 
 Fault = namedtuple("Fault", "file line key what")
@@ -308,6 +309,7 @@ class Checker:
         asked = set()
         sources = Sources(self.root, self.fault)
         self.check_string_keys(sources)
+        asked |= self.check_windows(english)
         for use in sources.uses():
             asked.add(use.key)
             text = english.texts.get(use.key)
@@ -322,6 +324,21 @@ class Checker:
             kept = "kept" in english.rules.get(key, {}) or key == "999_1"
             if flUnused and key not in asked and not kept:
                 self.fault(english.path, text.line, key, "no source asks for this text and no rule keeps it")
+
+    def check_windows(self, english):
+        """A window's text asks for the texts 1, 2 ... of its set, one a hole; what stands there beyond is not used."""
+        path, asked = self.root / WINDOWS, set()
+        source = path.read_text("utf-8") if path.exists() else ""
+        texts = {name: body.count("%s") for name, body in re.findall(r"const char (\w+)\[\] =(.*?);\n\n", source, re.S)}
+        sets = dict(re.findall(r"(GUI_SET_\w+) = (\d+)", path.with_suffix(".h").read_text("utf-8") if source else ""))
+        for name, number in re.findall(r'\{"\w+", (\w+), (GUI_SET_\w+)\}', source):
+            keys = {"%s_%d" % (sets[number], i + 1) for i in range(texts[name])}
+            there = {key for key in english.texts if key.startswith(sets[number] + "_")}
+            for key in sorted(keys ^ there):
+                self.fault(path, 0, key, "%s %s" % (name, "asks for it and it stands in no catalogue" if key in keys
+                                                    else "has no hole for it"))
+            asked |= keys
+        return asked
 
     @staticmethod
     def fits(wanted, given):

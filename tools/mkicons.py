@@ -124,8 +124,8 @@ def mark(c, x, y, size):
 
 
 def draw_logo():
-    c = Colours(32, 32, PALETTE)
-    mark(c, 0, 0, 32)
+    c = Colours(24, 24, PALETTE)  # the buttons beside it grow as high
+    mark(c, 0, 0, 24)
     return c
 
 
@@ -148,22 +148,25 @@ def letters(c, x, base, height, colour):
     bowl(x + height * 1.04)  # o
 
 
+WIDTH = 608
+
+
 def draw_banner():
-    c = Colours(580, 50, PALETTE)
-    c.fill(rect(0, 0, 580, 50), MIST)
-    c.fill(rect(0, 0, 580, 26), '#D5E4F1')
-    c.fill([(330, 50), (372, 0), (580, 0), (580, 50)], '#A5C4E1')
-    c.fill([(384, 50), (426, 0), (580, 0), (580, 50)], SKY)
-    c.fill([(438, 50), (480, 0), (580, 0), (580, 50)], '#5A87B8')
+    c = Colours(WIDTH, 50, PALETTE)  # as wide as the main window
+    c.fill(rect(0, 0, WIDTH, 50), MIST)
+    c.fill(rect(0, 0, WIDTH, 26), '#D5E4F1')
+    c.fill([(358, 50), (400, 0), (WIDTH, 0), (WIDTH, 50)], '#A5C4E1')
+    c.fill([(412, 50), (454, 0), (WIDTH, 0), (WIDTH, 50)], SKY)
+    c.fill([(466, 50), (508, 0), (WIDTH, 0), (WIDTH, 50)], '#5A87B8')
     for i in range(3):  # sheets on their way
-        x = 462 + 34 * i
+        x = 490 + 34 * i
         sheet = [(x, 40), (x + 12, 10), (x + 34, 10), (x + 22, 40)]
         c.fill([(px + 2, py + 2) for px, py in sheet], STEEL, 0.5)
         c.fill(sheet, PAPER)
         for k in range(4):
             left = x + 12 - 12 * (k + 1) / 5.5 + 3
             c.line([(left, 15 + 5.6 * k), (left + (15 if k < 3 else 9), 15 + 5.6 * k)], 1.2, GREY)
-    c.fill(rect(0, 48.6, 580, 1.4), STEEL)
+    c.fill(rect(0, 48.6, WIDTH, 1.4), STEEL)
     mark(c, 12, 8, 32)
     letters(c, 58, 36, 24, STEEL)
     return c

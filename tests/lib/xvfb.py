@@ -15,6 +15,7 @@ from pathlib import Path
 
 NEEDS = ("Xvfb", "xdotool", "xwininfo", "import")
 LIMIT = 60
+CLIENT = ~0x1FFFFF  # the bits of a window's id that tell the program
 # The leak checker ends a program with what Motif keeps for its life, unless it is told.
 LSAN = "suppressions=%s:print_suppressions=0" % (Path(__file__).resolve().parent / "motif.supp")
 
@@ -92,15 +93,26 @@ class Display:
     def gone(self, title):
         wait_for(lambda: not self.windows(title), "the window %s to go" % title)
 
-    def popups(self):
-        """Windows that are shown outside the manager's reach: menus."""
+    def popups(self, window):
+        """Menus that the program of this window shows: its windows outside a manager's reach, the newest first."""
         lines = self.read("xwininfo", "-root", "-children").splitlines()
         ids = [line.split()[0] for line in lines if re.match(r"\s+0x", line)]
-        facts = {window: self.read("xwininfo", "-id", window) for window in ids}
-        return [window for window in ids if "IsViewable" in facts[window] and "Override Redirect State: yes" in facts[window]]
+        ours = [found for found in ids if int(found, 16) & CLIENT == int(window, 0) & CLIENT]
+        facts = {found: self.read("xwininfo", "-id", found) for found in ours}
+        return [found for found in ours if "IsViewable" in facts[found] and "Override Redirect State: yes" in facts[found]]
 
-    def popup(self):
-        return wait_for(self.popups, "a menu")[0]
+    def shown(self, window):
+        return "IsViewable" in self.read("xwininfo", "-id", window)
+
+    def menus(self, window):
+        """The entries of each menu that the program shows, a submenu behind the one it belongs to."""
+        shells = self.popups(window)[::-1]
+        bodies = [part for shell in shells for part in self.parts(shell) if self.shown(part.id)]
+        return [self.parts(body.id) for body in bodies]
+
+    def menu(self, window, depth=1):
+        """The entries of the menu that comes up, with depth 2 those of one beside it."""
+        return wait_for(lambda: self.menus(window)[depth - 1:], "a menu")[0]
 
     def parts(self, window):
         """The direct parts of a window, from left to right and from top to bottom; places are those of the screen."""
@@ -141,3 +153,9 @@ class Display:
 
     def key(self, *keys):
         self.do("key", *keys)
+
+    def alt(self, letter):
+        """A mnemonic. Alt goes down first, as it does on a keyboard."""
+        self.do("keydown", "Alt_L")
+        self.do("key", letter)
+        self.do("keyup", "Alt_L")
