@@ -135,19 +135,17 @@ struct BusyCursor {
     BusyCursor &operator=(const BusyCursor &) = delete;
 };
 
-// The selection goes first: it must not colour what an empty list allows.
-void DoRefresh() {
-    BusyCursor busy;
+// The selection goes first: the model of a printer that is still selected would decide what is enabled.
+static void DeselectPrinter() {
     SetPrinterSelectionData(-1);
-    SetupPrnListDisplay();
     GreyoutSNMP(SNMP_NO_PRINTER);
     ClearPrinterPanel();
 }
 
-static void DeselectPrinter() {
-    GreyoutSNMP(SNMP_NO_PRINTER);
-    SetPrinterSelectionData(-1);
-    ClearPrinterPanel();
+void DoRefresh() {
+    BusyCursor busy;
+    DeselectPrinter();
+    SetupPrnListDisplay();
 }
 
 // n: position in the list, from 1; 0 for no printer.
