@@ -59,10 +59,12 @@ static int RefuseEntry(int code, const std::string &message) {
     return code;
 }
 
+static std::string FirstLine(const std::string &text) {
+    return text.substr(0, text.find('\n'));
+}
+
 void PostValidateErrMsg(int number, char ch) {
-    std::string text = GetText(number);
-    text.resize(text.find('\n') != std::string::npos ? text.find('\n') : text.size());
-    RefuseEntry(ENTRY_CHARACTER, NlsFmt(text.c_str(), "c", ch));
+    RefuseEntry(ENTRY_CHARACTER, NlsFmt(FirstLine(GetText(number)).c_str(), "c", ch));
 }
 
 static int RefuseCharacter(int number, char ch) {
@@ -144,7 +146,8 @@ static int CheckLength(FieldCheck *check, FieldRange range) {
 
 static int RefuseText(FieldCheck *check, char letter) {
     if (TakeNextAlternative(check)) return CHECK_ON;
-    if (letter != 'A') return RefuseCharacter(TXT_LENGTH, *check->in);
+    // The first line of the length's text has no place for the character.
+    if (letter != 'A') return RefuseEntry(ENTRY_CHARACTER, FirstLine(GetText(TXT_LENGTH)));
     const char *rest = *check->in == '%' ? "%%" : check->in; // shown as a single one
     return RefuseEntry(ENTRY_CHARACTER, NlsFmt(GetText(TXT_REST).c_str(), "s", rest));
 }
