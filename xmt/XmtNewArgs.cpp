@@ -67,14 +67,7 @@ static void AddString(XmtInfo *info, XmString *field, const char *resource, cons
 
 // ---- readers of one argument; the cursor stands behind its letters
 
-struct ArgRow {
-    void (*read)(XmtInfo *info, const ArgRow *row);
-    const char *resource;
-    const char *second; // the second resource; of ReadLetter the letters, each with the digit that it means
-    int value;          // of ReadConstant
-};
-
-static void ReadNumber(XmtInfo *info, const ArgRow *row) {
+static void ReadNumber(XmtInfo *info, const XmtArgRow *row) {
     XmtAddArg(info, row->resource, GetNumber());
     if (row->second) XmtAddArg(info, row->second, GetNumber());
 }
@@ -85,23 +78,19 @@ static bool ReadTruth() {
     return value[0] == 'T';
 }
 
-static void ReadFlag(XmtInfo *info, const ArgRow *row) {
+static void ReadFlag(XmtInfo *info, const XmtArgRow *row) {
     XmtAddArg(info, row->resource, ReadTruth());
     if (row->second) XmtAddArg(info, row->second, ReadTruth());
 }
 
-static void ReadLetter(XmtInfo *info, const ArgRow *row) {
+static void ReadLetter(XmtInfo *info, const XmtArgRow *row) {
     std::string value;
     GetValue(&value);
     for (const char *letter = row->second; *letter; letter += 2)
         if (value[0] == *letter) XmtAddArg(info, row->resource, letter[1] - '0');
 }
 
-static void ReadConstant(XmtInfo *info, const ArgRow *row) {
-    XmtAddArg(info, row->resource, row->value);
-}
-
-static void ReadFont(XmtInfo *info, const ArgRow *row) {
+static void ReadFont(XmtInfo *info, const XmtArgRow *row) {
     std::string name;
     GetValue(&name);
     XmFontList font = XmtGetFontList(name.c_str());
@@ -109,10 +98,8 @@ static void ReadFont(XmtInfo *info, const ArgRow *row) {
     if (font) XmtAddArg(info, row->resource, reinterpret_cast<XtArgVal>(font));
 }
 
-static void ReadNothing(XmtInfo *, const ArgRow *) {}
-
 // .N
-static void ReadMacro(XmtInfo *info, const ArgRow *) {
+static void ReadMacro(XmtInfo *info) {
     int number = GetNumber();
     const char *body = number >= 0 && number < XMT_MACROS ? Macro[number] : nullptr;
     if (!body || MacroDepth == ARG_MACRO_DEPTH || MacrosLeft <= 0) return;
@@ -124,47 +111,43 @@ static void ReadMacro(XmtInfo *info, const ArgRow *) {
 }
 
 // k(text)
-static void ReadKeys(XmtInfo *info, const ArgRow *) {
+static void ReadKeys(XmtInfo *info) {
     std::string value;
     GetValue(&value);
     info->keys += value;
 }
 
 // L(a,b)
-static void ReadList(XmtInfo *info, const ArgRow *) {
+static void ReadList(XmtInfo *info) {
     PutMem(info->list);
     GetSavedValues(&info->list);
 }
 
 // i(text)
-static void ReadIcon(XmtInfo *info, const ArgRow *) {
+static void ReadIcon(XmtInfo *info) {
     PutMem(info->icon);
     GetSavedValues(&info->icon);
 }
 
 // f(format)
-static void ReadFormat(XmtInfo *info, const ArgRow *) {
+static void ReadFormat(XmtInfo *info) {
     std::string format;
     GetValues(&format);
     if (!format.empty()) SetInfoText(&info->format, format.c_str());
 }
 
 // A(spec,spec)
-static void ReadAttachments(XmtInfo *info, const ArgRow *) {
+static void ReadAttachments(XmtInfo *info) {
     pNewDesc = AttachObject(info, pNewDesc + (*pNewDesc == '('));
 }
 
 // c(key value,key value)
-static void ReadColours(XmtInfo *info, const ArgRow *) {
+static void ReadColours(XmtInfo *info) {
     pNewDesc = FillColor(info, pNewDesc + (*pNewDesc == '('));
 }
 
-static void ReadHide(XmtInfo *, const ArgRow *) {
-    flHideObject = 1;
-}
-
 // a(l), a(c), a(r)
-static void ReadAlignment(XmtInfo *info, const ArgRow *) {
+static void ReadAlignment(XmtInfo *info) {
     static const char letters[] = "lcr";
     std::string value;
     GetValue(&value);
@@ -177,7 +160,7 @@ static void ReadAlignment(XmtInfo *info, const ArgRow *) {
 }
 
 // t(text)
-static void ReadText(XmtInfo *info, const ArgRow *) {
+static void ReadText(XmtInfo *info) {
     GetValues(&info->text);
     if (info->type == XmtText || info->type == XmtPasswd)
         XmtAddArg(info, "value", reinterpret_cast<XtArgVal>(info->text.c_str()));
@@ -186,7 +169,7 @@ static void ReadText(XmtInfo *info, const ArgRow *) {
 }
 
 // s(w,h): pixels, of text objects columns and rows
-static void ReadSize(XmtInfo *info, const ArgRow *) {
+static void ReadSize(XmtInfo *info) {
     info->width = GetNumber();
     info->height = GetNumber();
     if (info->type == XmtText || info->type == XmtPasswd) {
@@ -202,41 +185,26 @@ static void ReadSize(XmtInfo *info, const ArgRow *) {
 }
 
 // P(name)
-static void ReadParent(XmtInfo *info, const ArgRow *) {
+static void ReadParent(XmtInfo *info) {
     std::string name;
     GetValue(&name);
     info->parent = name.empty() ? nullptr : XmtGetWidget(name.c_str());
 }
 
 // l(text,accelerator text,accelerator), l(@file,colours)
-static void ReadLabel(XmtInfo *info, const ArgRow *) {
+static void ReadLabel(XmtInfo *info, int mode) {
+    if (mode & XMT_FILL_RAW_LABEL) return GetValue(&info->label);
     pNewDesc = XmtGetArgLabel(nullptr, info, pNewDesc + (*pNewDesc == '('));
 }
 
-static void ReadTitle(XmtInfo *info, const ArgRow *) {
-    GetValues(&info->title);
-}
-
-static void ReadCallbacks(XmtInfo *info, const ArgRow *) {
-    GetValues(&info->callbacks);
-}
-
-static void ReadRemoved(XmtInfo *info, const ArgRow *) {
-    GetValues(&info->no);
-}
-
-static void ReadDialogType(XmtInfo *info, const ArgRow *) {
-    GetValue(&info->dialogType);
-}
-
 // id(n); 0 means the number that the counter has now
-static void ReadId(XmtInfo *info, const ArgRow *) {
+static void ReadId(XmtInfo *info) {
     int number = GetNumber();
     SpecifiedAppCBValue = info->id = number ? number : AppCBValue;
 }
 
 // ts(name)
-static void ReadSource(XmtInfo *info, const ArgRow *) {
+static void ReadSource(XmtInfo *info) {
     std::string name;
     GetValue(&name);
     Widget widget = name.empty() ? nullptr : XmtGetWidget(name.c_str());
@@ -257,7 +225,7 @@ static int ReadGroup(std::string *text, const char *position, const char **end) 
 }
 
 // <n text>; the '>' stays, a token without an effect. Group 0 is read on as plain arguments.
-static void ReadSlot(XmtInfo *info, const ArgRow *) {
+static void ReadSlot(XmtInfo *info) {
     std::string text;
     const char *end;
     int slot = ReadGroup(&text, pNewDesc, &end);
@@ -274,77 +242,79 @@ static void ReadSlot(XmtInfo *info, const ArgRow *) {
 constexpr char SingleCharArgs[] = ".kLlfVAHhvcaotsmxypPM<{};Ti";
 static const char SingleCharArgs2[] = "spld"; // a letter goes on in front of one of these
 
-// ORDER SingleCharArgs. The three that end an object never come here.
-static constexpr ArgRow SingleRows[] = {
-    {ReadMacro, nullptr, nullptr, 0},
-    {ReadKeys, nullptr, nullptr, 0},
-    {ReadList, nullptr, nullptr, 0},
-    {ReadLabel, nullptr, nullptr, 0},
-    {ReadFormat, nullptr, nullptr, 0},
-    {ReadNumber, "visibleItemCount", nullptr, 0},
-    {ReadAttachments, nullptr, nullptr, 0},
-    {ReadHide, nullptr, nullptr, 0},
-    {ReadConstant, "orientation", nullptr, XmHORIZONTAL},
-    {ReadConstant, "orientation", nullptr, XmVERTICAL},
-    {ReadColours, nullptr, nullptr, 0},
-    {ReadAlignment, nullptr, nullptr, 0},
-    {ReadFlag, "allowOverlap", nullptr, 0},
-    {ReadText, nullptr, nullptr, 0},
-    {ReadSize, nullptr, nullptr, 0},
-    {ReadNumber, "marginWidth", "marginHeight", 0},
-    {ReadNumber, "x", nullptr, 0},
-    {ReadNumber, "y", nullptr, 0},
-    {ReadNumber, "x", "y", 0},
-    {ReadParent, nullptr, nullptr, 0},
-    {ReadLetter, "dialogStyle", "s3a1f2n0", 0},
-    {ReadSlot, nullptr, nullptr, 0},
-    {ReadNothing, nullptr, nullptr, 0},
-    {ReadNothing, nullptr, nullptr, 0},
-    {ReadNothing, nullptr, nullptr, 0},
-    {ReadTitle, nullptr, nullptr, 0},
-    {ReadIcon, nullptr, nullptr, 0},
+// ORDER SingleCharArgs
+static constexpr XmtArgRow SingleRows[] = {
+    {XMT_ARG_MACRO, nullptr, nullptr},
+    {XMT_ARG_KEYS, nullptr, nullptr},
+    {XMT_ARG_LIST, nullptr, nullptr},
+    {XMT_ARG_LABEL, nullptr, nullptr},
+    {XMT_ARG_FORMAT, nullptr, nullptr},
+    {XMT_ARG_NUMBER, "visibleItemCount", nullptr},
+    {XMT_ARG_ATTACHMENTS, nullptr, nullptr},
+    {XMT_ARG_HIDE, nullptr, nullptr},
+    {XMT_ARG_HORIZONTAL, "orientation", nullptr},
+    {XMT_ARG_VERTICAL, "orientation", nullptr},
+    {XMT_ARG_COLOURS, nullptr, nullptr},
+    {XMT_ARG_ALIGNMENT, nullptr, nullptr},
+    {XMT_ARG_FLAG, "allowOverlap", nullptr},
+    {XMT_ARG_TEXT, nullptr, nullptr},
+    {XMT_ARG_SIZE, nullptr, nullptr},
+    {XMT_ARG_NUMBER, "marginWidth", "marginHeight"},
+    {XMT_ARG_NUMBER, "x", nullptr},
+    {XMT_ARG_NUMBER, "y", nullptr},
+    {XMT_ARG_NUMBER, "x", "y"},
+    {XMT_ARG_PARENT, nullptr, nullptr},
+    {XMT_ARG_LETTER, "dialogStyle", "s3a1f2n0"},
+    {XMT_ARG_GROUP, nullptr, nullptr},
+    {XMT_ARG_END, nullptr, nullptr},
+    {XMT_ARG_END, nullptr, nullptr},
+    {XMT_ARG_END, nullptr, nullptr},
+    {XMT_ARG_TITLE, nullptr, nullptr},
+    {XMT_ARG_ICON, nullptr, nullptr},
 };
 static_assert(std::size(SingleRows) == std::size(SingleCharArgs) - 1);
 
-constexpr char CompoundArgs[] =
+static constexpr char CompoundArgs[] =
     ",CB,bo,be,Fd,Fb,Fl,Ft,F_,ts,id,sp,ml,Ssp,Ss,Sr,Sw,Se,Sc,Sp,St,Sh,no,Dt,Srp,Vp,";
 
-// ORDER CompoundArgs, from 1
-static constexpr ArgRow CompoundRows[] = {
-    {ReadNothing, nullptr, nullptr, 0},
-    {ReadCallbacks, nullptr, nullptr, 0},
-    {ReadNumber, "borderWidth", nullptr, 0},
-    {ReadNumber, "entryBorder", nullptr, 0},
-    {ReadFont, "defaultFontList", nullptr, 0},
-    {ReadFont, "buttonFontList", nullptr, 0},
-    {ReadFont, "labelFontList", nullptr, 0},
-    {ReadFont, "textFontList", nullptr, 0},
-    {ReadFont, "fontList", nullptr, 0},
-    {ReadSource, nullptr, nullptr, 0},
-    {ReadId, nullptr, nullptr, 0},
-    {ReadNumber, "spacing", nullptr, 0},
-    {ReadNumber, "maxLength", nullptr, 0},
-    {ReadLetter, "scrollingPolicy", "a0c1d1", 0},
-    {ReadFlag, "scrollVertical", "scrollHorizontal", 0},
-    {ReadFlag, "resizeWidth", "resizeHeight", 0},
-    {ReadFlag, "wordWrap", nullptr, 0},
-    {ReadFlag, "editable", nullptr, 0},
-    {ReadFlag, "cursorPositionVisible", nullptr, 0},
-    {ReadLetter, "selectionPolicy", "s0b3m1e2", 0},
-    {ReadFlag, "traversalOn", nullptr, 0},
-    {ReadNumber, "shadowThickness", nullptr, 0},
-    {ReadRemoved, nullptr, nullptr, 0},
-    {ReadDialogType, nullptr, nullptr, 0},
-    {ReadLetter, "resizePolicy", "a2n0g1", 0},
-    {ReadLetter, "visualPolicy", "c1v0", 0},
+// ORDER CompoundArgs
+static constexpr XmtArgRow CompoundRows[] = {
+    {XMT_ARG_CALLBACKS, nullptr, nullptr},
+    {XMT_ARG_NUMBER, "borderWidth", nullptr},
+    {XMT_ARG_NUMBER, "entryBorder", nullptr},
+    {XMT_ARG_FONT, "defaultFontList", nullptr},
+    {XMT_ARG_FONT, "buttonFontList", nullptr},
+    {XMT_ARG_FONT, "labelFontList", nullptr},
+    {XMT_ARG_FONT, "textFontList", nullptr},
+    {XMT_ARG_FONT, "fontList", nullptr},
+    {XMT_ARG_SOURCE, nullptr, nullptr},
+    {XMT_ARG_ID, nullptr, nullptr},
+    {XMT_ARG_NUMBER, "spacing", nullptr},
+    {XMT_ARG_NUMBER, "maxLength", nullptr},
+    {XMT_ARG_LETTER, "scrollingPolicy", "a0c1d1"},
+    {XMT_ARG_FLAG, "scrollVertical", "scrollHorizontal"},
+    {XMT_ARG_FLAG, "resizeWidth", "resizeHeight"},
+    {XMT_ARG_FLAG, "wordWrap", nullptr},
+    {XMT_ARG_FLAG, "editable", nullptr},
+    {XMT_ARG_FLAG, "cursorPositionVisible", nullptr},
+    {XMT_ARG_LETTER, "selectionPolicy", "s0b3m1e2"},
+    {XMT_ARG_FLAG, "traversalOn", nullptr},
+    {XMT_ARG_NUMBER, "shadowThickness", nullptr},
+    {XMT_ARG_REMOVED, nullptr, nullptr},
+    {XMT_ARG_DIALOG_TYPE, nullptr, nullptr},
+    {XMT_ARG_LETTER, "resizePolicy", "a2n0g1"},
+    {XMT_ARG_LETTER, "visualPolicy", "c1v0"},
 };
+static_assert(std::size(CompoundRows) == XmtCountWords(CompoundArgs));
 
-static_assert(std::size(CompoundRows) == XmtCountWords(CompoundArgs) + 1);
-
-static const ArgRow *FindRow(const std::string &token) {
-    const char *single = token.size() == 1 ? strchr(SingleCharArgs, token[0]) : nullptr;
-    if (single) return &SingleRows[single - SingleCharArgs];
-    return &CompoundRows[token.size() > 1 ? XmtFindToken(token.c_str(), CompoundArgs) : 0];
+const XmtArgRow *XmtFindArg(const char *token) {
+    if (!token[0]) return nullptr;
+    if (!token[1]) {
+        const char *single = strchr(SingleCharArgs, token[0]);
+        return single ? &SingleRows[single - SingleCharArgs] : nullptr;
+    }
+    int n = XmtFindToken(token, CompoundArgs);
+    return n ? &CompoundRows[n - 1] : nullptr;
 }
 
 // ---- XmtFillInfo
@@ -353,15 +323,14 @@ static bool IsOneOf(char ch, const char *set) {
     return ch && strchr(set, ch);
 }
 
-// Letters up to white space or '('. Most one-letter arguments end a token: "h.0" is two; but "ts" is one.
-static std::string ReadToken() {
-    std::string token;
-    while (*pNewDesc && !XmtIsSpace(*pNewDesc) && *pNewDesc != '(') {
-        char ch = *pNewDesc++;
-        token += ch;
-        if (IsOneOf(ch, SingleCharArgs) && !IsOneOf(*pNewDesc, SingleCharArgs2)) break;
+const char *XmtGetArgToken(std::string *out, const char *position) {
+    const char *start = position;
+    while (*position && !XmtIsSpace(*position) && *position != '(') {
+        bool flSingle = IsOneOf(*position++, SingleCharArgs);
+        if (flSingle && !IsOneOf(*position, SingleCharArgs2)) break;
     }
-    return token;
+    out->assign(start, position);
+    return position;
 }
 
 // What no reader took of a parenthesis, an unknown argument's first of all.
@@ -372,19 +341,50 @@ static void SkipTail() {
     if (*pNewDesc) pNewDesc++;
 }
 
+static void ReadArgument(XmtInfo *info, const XmtArgRow *row, int mode) {
+    switch (row->kind) {
+    case XMT_ARG_NOTHING:
+    case XMT_ARG_END: break;
+    case XMT_ARG_NUMBER: ReadNumber(info, row); break;
+    case XMT_ARG_FLAG: ReadFlag(info, row); break;
+    case XMT_ARG_LETTER: ReadLetter(info, row); break;
+    case XMT_ARG_FONT: ReadFont(info, row); break;
+    case XMT_ARG_HORIZONTAL: XmtAddArg(info, row->resource, XmHORIZONTAL); break;
+    case XMT_ARG_VERTICAL: XmtAddArg(info, row->resource, XmVERTICAL); break;
+    case XMT_ARG_MACRO: ReadMacro(info); break;
+    case XMT_ARG_KEYS: ReadKeys(info); break;
+    case XMT_ARG_LIST: ReadList(info); break;
+    case XMT_ARG_LABEL: ReadLabel(info, mode); break;
+    case XMT_ARG_FORMAT: ReadFormat(info); break;
+    case XMT_ARG_ATTACHMENTS: ReadAttachments(info); break;
+    case XMT_ARG_HIDE: flHideObject = 1; break;
+    case XMT_ARG_COLOURS: ReadColours(info); break;
+    case XMT_ARG_ALIGNMENT: ReadAlignment(info); break;
+    case XMT_ARG_TEXT: ReadText(info); break;
+    case XMT_ARG_SIZE: ReadSize(info); break;
+    case XMT_ARG_PARENT: ReadParent(info); break;
+    case XMT_ARG_GROUP: ReadSlot(info); break;
+    case XMT_ARG_TITLE: GetValues(&info->title); break;
+    case XMT_ARG_ICON: ReadIcon(info); break;
+    case XMT_ARG_CALLBACKS: GetValues(&info->callbacks); break;
+    case XMT_ARG_SOURCE: ReadSource(info); break;
+    case XMT_ARG_ID: ReadId(info); break;
+    case XMT_ARG_REMOVED: GetValues(&info->no); break;
+    case XMT_ARG_DIALOG_TYPE: GetValue(&info->dialogType); break;
+    }
+}
+
 static void ReadArguments(XmtInfo *info, int mode) {
+    std::string token;
     while (*(pNewDesc = XmtSkipSpace(pNewDesc))) {
-        std::string token = ReadToken();
+        pNewDesc = XmtGetArgToken(&token, pNewDesc);
         if (token == ";") return;
         if (token == "{" || token == "}") {
             pNewDesc--;
             return;
         }
-        const ArgRow *row = FindRow(token);
-        if (token == "l" && mode & XMT_FILL_RAW_LABEL)
-            GetValue(&info->label);
-        else
-            row->read(info, row);
+        const XmtArgRow *row = XmtFindArg(token.c_str());
+        if (row) ReadArgument(info, row, mode);
         SkipTail();
     }
 }
@@ -433,11 +433,7 @@ void XmtFillInfo(XmtInfo *info, int mode) {
 
 // ---- colours
 
-static constexpr struct {
-    char key[3];
-    const char *resource;
-    int place;
-} ColourKeys[] = {
+const XmtColourKey XmtColourKeys[] = {
     {"bg", "background", XMT_BG},
     {"fg", "foreground", XMT_FG},
     {"bo", "borderColor", XMT_BORDER},
@@ -447,20 +443,25 @@ static constexpr struct {
     {"sa", "armColor", XMT_BOTTOM},
     {"hi", "highlightColor", XMT_HIGHLIGHT},
     {"rr", "troughColor", XMT_HIGHLIGHT},
+    {"", nullptr, 0},
 };
+
+static const XmtColourKey *FindColourKey(const char *text) {
+    const XmtColourKey *row = XmtColourKeys;
+    while (row->resource && strncmp(text, row->key, 2) != 0) row++;
+    return row->resource ? row : nullptr;
+}
 
 // key colour; the colour's name may hold blanks
 static void AddColour(XmtInfo *info, const char *item) {
+    char flSuccess;
     item = XmtSkipSpace(item);
-    for (const auto &row : ColourKeys) {
-        if (strncmp(item, row.key, 2) != 0) continue;
-        char flSuccess;
-        Pixel pixel = GenColor(item + 2, row.place == XMT_BG, &flSuccess);
-        XmtAddArg(info, row.resource, static_cast<XtArgVal>(pixel));
-        info->colours[row.place] = NewObjectColor[row.place] = pixel;
-        if (row.place == XMT_BG) XmtPixBg = static_cast<intptr_t>(pixel);
-        return;
-    }
+    const XmtColourKey *row = FindColourKey(item);
+    if (!row) return;
+    Pixel pixel = GenColor(item + 2, row->place == XMT_BG, &flSuccess);
+    XmtAddArg(info, row->resource, static_cast<XtArgVal>(pixel));
+    info->colours[row->place] = NewObjectColor[row->place] = pixel;
+    if (row->place == XMT_BG) XmtPixBg = static_cast<intptr_t>(pixel);
 }
 
 // Runs add over the items up to the ')', which is not consumed.
@@ -808,9 +809,7 @@ static void AskForSide(GetList *list, const char *item) {
 static void AskForColour(GetList *list, const char *item) {
     static const char keys[] = ",bg,fg,hi,bo,st,sb,";
     std::string key(item, strnlen(item, 2));
-    if (!XmtFindToken(key.c_str(), keys)) return;
-    for (const auto &row : ColourKeys)
-        if (key == row.key) AskFor(list, row.resource);
+    if (XmtFindToken(key.c_str(), keys)) AskFor(list, FindColourKey(item)->resource);
 }
 
 // letter(a,b): each value of the parenthesis behind A or c is asked for; of other letters it is skipped.

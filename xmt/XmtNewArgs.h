@@ -53,11 +53,56 @@ extern intptr_t XmtPixBg;                 // its background, -1 for none
 extern XtTranslations XmtDummyKeyXlations;
 extern const char *IconPath; // folder of images, null: names are relative to the current directory
 extern const char pCBKeys[]; // ",me,ml,..."
-extern const int CBR[];      // reason of each key, from 1
+struct XmtColourKey {
+    char key[3];
+    const char *resource;
+    int place; // XmtColourPlace
+};
+extern const XmtColourKey XmtColourKeys[]; // ends with a null resource
+extern const int CBR[];                    // reason of each key, from 1
 
-// One letter and two-letter arguments of objects; the tables of their readers stand beside them.
-extern const char SingleCharArgs[]; // ".kL..."
-extern const char CompoundArgs[];   // ",CB,bo,..."
+// What stands behind an argument's letters: ways of reading it.
+enum XmtArgKind {
+    XMT_ARG_NOTHING,
+    XMT_ARG_NUMBER, // one, or two with a second resource
+    XMT_ARG_FLAG,   // likewise: T or F
+    XMT_ARG_LETTER, // one of the letters, each with the digit that it means
+    XMT_ARG_FONT,
+    XMT_ARG_HORIZONTAL,
+    XMT_ARG_VERTICAL,
+    XMT_ARG_MACRO,
+    XMT_ARG_KEYS,
+    XMT_ARG_LIST,
+    XMT_ARG_LABEL,
+    XMT_ARG_FORMAT,
+    XMT_ARG_ATTACHMENTS,
+    XMT_ARG_HIDE,
+    XMT_ARG_COLOURS,
+    XMT_ARG_ALIGNMENT,
+    XMT_ARG_TEXT,
+    XMT_ARG_SIZE,
+    XMT_ARG_PARENT,
+    XMT_ARG_GROUP,
+    XMT_ARG_END, // ';' and braces
+    XMT_ARG_TITLE,
+    XMT_ARG_ICON,
+    XMT_ARG_CALLBACKS,
+    XMT_ARG_SOURCE,
+    XMT_ARG_ID,
+    XMT_ARG_REMOVED,
+    XMT_ARG_DIALOG_TYPE
+};
+struct XmtArgRow {
+    XmtArgKind kind;
+    const char *resource;
+    const char *second; // the second resource; of XMT_ARG_LETTER the letters, as "s3a1"
+};
+extern const char SingleCharArgs[]; // the letters that are arguments by themselves
+// The row of an argument's letters; null if it is unknown.
+const XmtArgRow *XmtFindArg(const char *token);
+// The letters at the position up to white space or '(': most one-letter arguments end there, "h.0" is two;
+// but "ts" is one.
+const char *XmtGetArgToken(std::string *out, const char *position);
 
 // A resource that stands in the list already gets the new value. Beyond XMT_ARGS nothing.
 void XmtAddArg(XmtInfo *info, const char *resource, XtArgVal value);
