@@ -105,7 +105,7 @@ TEST_F(OnDisplay, MakesTheTranslationsOfMenusOnce) {
 TEST_F(OnDisplay, ShowsBitmapFilesInLabels) {
     char path[] = "/tmp/xmtargs-XXXXXX";
     int fd = mkstemp(path);
-    const char bits[] = "#define x_width 8\n#define x_height 2\nstatic char x_bits[] = {0x01,0x80};\n";
+    const char bits[] = "#define x_width 8\n#define x_height 2\nstatic char x_bits[] = {\n 0x01, 0x80};\n";
     ASSERT_EQ(write(fd, bits, sizeof bits - 1), static_cast<ssize_t>(sizeof bits - 1));
     close(fd);
     std::string text = std::string("x l(@") + path + ",fg red) h;";

@@ -1,0 +1,124 @@
+#include "tools/checkwin/Menu.h"
+
+#include "tools/checkwin/Args.h"
+#include "tools/checkwin/Format.h"
+#include "tools/checkwin/Objects.h"
+#include "tools/checkwin/Report.h"
+#include "xmt/Xmt.h"
+#include "xmt/XmtNew.h"
+
+#include <cctype>
+#include <cstring>
+#include <fstream>
+
+struct MenuBar {
+    Scan *cursor;
+    std::string name;
+    int number;  // of the object
+    int entries; // at the top level
+};
+
+struct MenuLevel {
+    std::string prefix;
+    int counter = 0;
+    bool flMenu = false; // a menu was named, its body is due
+};
+
+static void ReadLevel(MenuBar *bar, const std::string &prefix, const Place &open);
+
+// A label as any other, a format of a button.
+static void CheckItem(MenuBar *bar, const Text &label, const Place &place) {
+    for (const char *bad = ",;<>{}"; *bad; bad++)
+        if (label.chars.find(*bad) != std::string::npos)
+            Report(place, "'%c' in the label \"%s\"", *bad, label.chars.c_str());
+    if (bar->cursor->text.at(bar->cursor->at - 1) != ')') Report(place, "no ')' behind the label");
+}
+
+static std::string EntryName(const MenuBar *bar, const MenuLevel &level, bool flTop) {
+    std::string name = bar->name + "_" + std::to_string(bar->entries);
+    if (flTop) return name;
+    return name + "_" + (level.prefix.empty() ? "a" : level.prefix) + "_" + std::to_string(level.counter);
+}
+
+static void AddItem(MenuBar *bar, MenuLevel *level, const Place &place, bool flFormat) {
+    char close;
+    bool flTop = level->prefix.empty();
+    if (flTop) bar->entries++;
+    if (!flTop) level->counter++;
+    if (flFormat) {
+        Text format = TakeValue(bar->cursor, &close);
+        if (close != ',') Report(place, "bf wants a format and a label");
+        CheckFormat(XmtPushBut, format, "");
+    }
+    CheckItem(bar, TakeList(bar->cursor), place);
+    AddObject(EntryName(bar, *level, flTop), place, XmtPushBut, bar->number);
+}
+
+static void AddMenu(MenuBar *bar, MenuLevel *level, const Place &place) {
+    if (level->prefix.empty()) bar->entries++;
+    level->counter++;
+    level->flMenu = true;
+    CheckItem(bar, TakeList(bar->cursor), place);
+    std::string name = EntryName(bar, *level, false) + "_pd";
+    AddObject(name, place, XmtMenu, bar->number);
+    AddObject(name + "_cb", place, XmtCascadeBut, bar->number);
+}
+
+static void ReadMenuBody(MenuBar *bar, MenuLevel *level, const Place &place) {
+    if (!level->flMenu) Report(place, "a body, but no menu in front of it");
+    level->flMenu = false;
+    ReadLevel(bar, level->prefix + static_cast<char>('a' + level->counter), place);
+}
+
+static void ReadFile(MenuBar *bar, const Place &place) {
+    Text name = TakeList(bar->cursor);
+    if (!std::ifstream(name.chars)) Report(place, "the file \"%s\" can't be read", name.chars.c_str());
+}
+
+static void ReadEntry(MenuBar *bar, MenuLevel *level, char ch, const Place &place) {
+    Scan *cursor = bar->cursor;
+    if (level->flMenu && strchr("bms", ch)) Report(place, "the menu in front of this has no body");
+    switch (ch) {
+    case 'b': AddItem(bar, level, place, cursor->skip('f')); break;
+    case 'm': AddMenu(bar, level, place); break;
+    case '{': ReadMenuBody(bar, level, place); break;
+    case 's':
+    case 'a': break;
+    case 'i':
+        if (cursor->skip('d'))
+            TakeNumber(cursor);
+        else
+            ReadFile(bar, place);
+        break;
+    case '#': TakeUpTo(cursor, "\n"); break;
+    default:
+        if (!XmtIsSpace(ch)) Report(place, "'%c' means nothing in a menu", ch);
+    }
+}
+
+static void ReadLevel(MenuBar *bar, const std::string &prefix, const Place &open) {
+    MenuLevel level;
+    level.prefix = prefix;
+    while (!bar->cursor->end()) {
+        Place place = bar->cursor->place();
+        char ch = bar->cursor->next();
+        if (ch == '}' || ch == ';') return;
+        ReadEntry(bar, &level, ch, place);
+    }
+    Report(open, "this menu is not closed");
+}
+
+int BuildMenu(Scan *cursor, int parent) {
+    Parts parts;
+    Args args;
+    CollectParts(cursor, &parts);
+    ReadPart(parts, 1, &args);
+    Place place = parts.name.place(0);
+    MenuBar bar = {cursor, parts.name.chars, AddObject(parts.name.chars, place, XmtMenuBar, parent), 0};
+    cursor->skipSpace();
+    bool flBrace = cursor->skip('{');
+    ReadLevel(&bar, "", place);
+    cursor->skipSpace();
+    if (flBrace) cursor->skip('}');
+    return bar.number;
+}
