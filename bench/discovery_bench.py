@@ -1,5 +1,8 @@
-"""A discovery run over 250 and 1,000 simulated printers beside its floor: one second of silence, and every question as a bare
-round trip in the same run.  Behind it what the snmp backend of CUPS takes on the same network, once."""
+"""A discovery run over 250 and 1,000 simulated printers, which all answer a broadcast at once.
+
+The floor is one second of silence and every question as a bare round trip in the same run.  Behind it stands what the snmp
+backend of CUPS takes on the same network, once, with its own port tests; PRN_CUPS_SNMP names another one than the host's.
+"""
 import os
 import statistics
 import subprocess
@@ -19,6 +22,7 @@ BACKEND = os.environ.get("PRN_CUPS_SNMP", "/usr/lib/cups/backend/snmp")
 FLEETS = (("10.71.1.0/24", 250), ("10.72.0.0/22", 1000))  # the first printer is .2
 PRINTERS = """include "{models}"
 subnet {subnet}
+pace 0
 printer {subnet[2]} to {last} like tarvo-p210
   raw on
 """

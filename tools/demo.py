@@ -33,10 +33,10 @@ def host_name(address):
 
 
 def show(net):
-    """A discovery run as the program makes it, but with the hosts that are no printers."""
+    """A discovery run as the program makes it, but with the hosts that are no printers, and less patience with silent ones."""
     print("Looking for printers on " + " and ".join(map(str, net.subnets)) + "\n", flush=True)
     targets = ",".join(f"{subnet.network_address} {subnet.netmask}" for subnet in net.subnets)
-    hosts, _ = ask("find", targets, *VARIABLES)
+    hosts, _ = ask("-t", "1", "find", targets, *VARIABLES)
     counts = {"yes": 0, "no": 0, "-": 0}
     print(ROW.format("Address", "Host name", "Printer", "Description"))
     for address, variables in hosts:

@@ -16,12 +16,10 @@ import ipaddress
 import os
 import re
 import shutil
-import signal
 import subprocess
 
 CLONE_NEWNS, CLONE_NEWUSER, CLONE_NEWNET = 0x00020000, 0x10000000, 0x40000000
 MS_BIND, MS_REC, MS_PRIVATE = 4096, 16384, 1 << 18
-PR_SET_PDEATHSIG = 1
 MAC = "02:50:72:6e:00:0"  # and the number of the subnet
 
 _libc = ctypes.CDLL(None, use_errno=True)
@@ -119,9 +117,9 @@ class Network:
         self.given.update(addresses)
 
     def start(self, argv, **kwargs):
-        """Starts a program in the fleet's namespace."""
+        """Starts a program in the fleet's namespace; it ends with the thread that called."""
         with self.fleet():
-            return subprocess.Popen(argv, preexec_fn=lambda: _libc.prctl(PR_SET_PDEATHSIG, signal.SIGKILL), **kwargs)
+            return subprocess.Popen(["setpriv", "--pdeathsig", "KILL", *argv], **kwargs)
 
     @contextlib.contextmanager
     def simulate(self, program, file, *options):
