@@ -212,10 +212,18 @@ static void AddTypeArgs(XmtInfo *info, Extras *extras) {
     }
 }
 
+static bool IsMenu(Widget widget) {
+    unsigned char kind = XmWORK_AREA;
+    if (XmIsRowColumn(widget)) XtVaGetValues(widget, XmNrowColumnType, &kind, nullptr);
+    return kind == XmMENU_BAR || kind == XmMENU_PULLDOWN || kind == XmMENU_POPUP;
+}
+
+// Motif 2.3 dies of an arrow key in a menu whose entries are tab groups of their own.
 static Widget MakeWidget(XmtInfo *info, Widget parent) {
     XmtMaker make = Makers[info->type].make;
     if (!make) return nullptr;
     if (info->type == XmtText && info->height > 1) make = XmCreateScrolledText;
+    if (IsMenu(parent)) XmtAddArg(info, XmNnavigationType, XmNONE);
     Extras extras = {};
     AddTypeArgs(info, &extras);
     Widget widget = make(parent, info->name.data(), info->args, static_cast<Cardinal>(info->argCount));

@@ -177,9 +177,18 @@ static Widget MakeTabs(XmtObjectData *form, XmtInfo *info, int gap, int pageType
     return form->widget;
 }
 
+// Place and size are the form's: the tabs made by the same statement have their own.
+static XmtObjectData *NewForm(XmtInfo *info, Widget parent, const TabArgs &args) {
+    std::string none;
+    XmtObjectData *form = NewTabFormObject(info, parent, args);
+    while (XmtTakeArg(info, "A", &none) || XmtTakeArg(info, "s", &none)) {
+    }
+    return form;
+}
+
 static Widget MakeTabForm(XmtInfo *info, Widget parent, const TabArgs &args, int pageType) {
     XmtObjectData *form = XmtFindWidget(parent);
-    if (!TabsOf(form) || info->list) form = NewTabFormObject(info, parent, args);
+    if (!TabsOf(form) || info->list) form = NewForm(info, parent, args);
     if (!form) return nullptr;
     Widget made = MakeTabs(form, info, args.gap, pageType);
     XtManageChild(made);

@@ -58,7 +58,8 @@ struct XmtPictureData {
 
 // A tab form, read at the cursor, or, under a tab form, one more tab of it. With a label one tab is made and
 // its page is the result; with a list one tab a value, and the form is. pageType: XmtForm or XmtBox. sp(n) is
-// the gap, id(n) numbers what is made from n - 1 on without moving the counter. Uses: pNewDesc.
+// the gap, id(n) numbers what is made from n - 1 on without moving the counter. Where one statement makes
+// form and tabs, A(...) and s(...) are the form's alone. Uses: pNewDesc.
 Widget XmtNewTabForm(Widget parent, intptr_t pageType);
 // Adds a tab: its page. label is text of the description language.
 Widget XmtNewTab(XmtObjectData *form, XmtInfo *info, const char *label, int gap, int pageType);

@@ -7,43 +7,57 @@
 
 #include <X11/IntrinsicP.h>
 #include <X11/CoreP.h>
+#include <cstring>
+#include <sstream>
 
-static void DumpLine(Widget widget, const XmtObjectData *object, int depth, std::string *out) {
-    out->append(static_cast<size_t>(depth) * 2, ' ');
-    if (object->widget != widget) {
-        *out += std::string("(") + object->name + ")\n";
-        return;
-    }
-    *out += std::string(object->name) + " " + std::to_string(object->id) + " " + XmtObjectNames[object->type];
+static std::string Inside(Widget widget);
+
+static std::string Describe(Widget widget, const XmtObjectData *object) {
+    if (object->widget != widget) return std::string("(") + object->name + ")";
     bool flPopup = object->type == XmtShell || object->type == XmtMenu;
-    *out += XtIsManaged(widget) || flPopup ? "\n" : " hidden\n";
+    const char *type = XmtObjectNames[object->type] + strlen("Xmt");
+    return std::string(object->name) + " " + std::to_string(object->id) + " " + type +
+           (XtIsManaged(widget) || flPopup ? "" : "!");
 }
 
-// Popups come behind the children, in the order of their making.
-static void Walk(Widget widget, int depth, std::string *out) {
+static std::string Dump(Widget widget) {
     const XmtObjectData *object = XmtFindWidget(widget);
-    if (object) DumpLine(widget, object, depth++, out);
+    std::string inside = Inside(widget);
+    if (!object) return inside;
+    return Describe(widget, object) + (inside.empty() ? "" : "{" + inside + "}");
+}
+
+static std::string Inside(Widget widget) {
+    std::string text;
     WidgetList children = nullptr;
     Cardinal count = 0;
     if (XtIsComposite(widget)) XtVaGetValues(widget, XmNchildren, &children, XmNnumChildren, &count, nullptr);
-    for (Cardinal i = 0; i < count; i++) Walk(children[i], depth, out);
-    if (!XtIsWidget(widget)) return;
-    for (Cardinal i = 0; i < widget->core.num_popups; i++) Walk(widget->core.popup_list[i], depth, out);
-}
-
-std::string DumpWidget(Widget widget) {
-    std::string out;
-    Walk(widget, 0, &out);
-    return out;
+    Cardinal popups = XtIsWidget(widget) ? widget->core.num_popups : 0;
+    for (Cardinal i = 0; i < count + popups; i++) {
+        std::string one = Dump(i < count ? children[i] : widget->core.popup_list[i - count]);
+        if (!one.empty()) text += (text.empty() ? "" : ", ") + one;
+    }
+    return text;
 }
 
 std::string DumpObjects(const char *name) {
     const XmtObjectData *object = XmtFindObject(name);
-    return object ? DumpWidget(object->widget) : "no such object\n";
+    return object ? Inside(object->widget) : "no such object";
 }
 
 long ResourceOf(const char *name, const char *resource) {
     return static_cast<long>(XmtGetXmValue(name, resource));
+}
+
+std::string ResourcesOf(const char *words) {
+    std::istringstream in(words);
+    std::string word, text;
+    while (in >> word) {
+        size_t dot = word.find('.');
+        if (!text.empty()) text += " ";
+        text += std::to_string(ResourceOf(word.substr(0, dot).c_str(), word.substr(dot + 1).c_str()));
+    }
+    return text;
 }
 
 std::string StringOf(const char *name, const char *resource) {

@@ -1,16 +1,17 @@
-// The objects that descriptions made, as text: one a line, "name id type", with " hidden" for one that is not
-// managed, indented by the objects around it. Widgets without a record are passed over; one whose record went
-// to a later object of its name is shown as "(name)".
+// The objects that descriptions made, as text, and what Motif holds of them.
 #pragma once
 
 #include "xmt/Xmt.h"
 
 #include <string>
 
-// The object and all below it, pulldowns and dialogs included.
+// What is inside the object, pulldowns and dialogs behind the rest: "a_B1 100 Box{a_L 100 Label, a 100
+// Text}", with name, number and type, and a '!' behind one that is not managed. A widget without a record is
+// passed over; one whose name went to a later object is shown as "(name)".
 std::string DumpObjects(const char *name);
-std::string DumpWidget(Widget widget);
 // One resource as a number, widened from its size, or as the text of a compound string.
 long ResourceOf(const char *name, const char *resource);
+// Several of them: "a.columns b_B1.spacing" gives "12 3".
+std::string ResourcesOf(const char *words);
 std::string StringOf(const char *name, const char *resource);
 std::string TextOf(const char *name); // what a text object holds

@@ -31,9 +31,7 @@ static std::string Make(const std::string &text) {
     static int count;
     std::string box = "box" + std::to_string(++count);
     XmtNewObject("top", OnEvent, 99, ("B " + box + " {" + text + " } ").c_str());
-    std::string dump = DumpObjects(box.c_str());
-    dump.pop_back();
-    return dump.substr(dump.find('\n'));
+    return DumpObjects(box.c_str());
 }
 
 class Build : public testing::Test {
@@ -55,146 +53,50 @@ struct TreeCase {
     const char *want;
 };
 static const TreeCase Trees[] = {
-    {"option list", "bl a l(Name) .22 L(a,b) .0 <1 h> <2 .21> <3 .22>; ", R"(
-  a_B1 100 XmtBox
-    a_L 100 XmtLabel
-    a 100 XmtListBut
-      a_pd 100 XmtMenu
-        a_1 100 XmtListBut
-        a_2 100 XmtListBut)"},
-    {"text with and without a label", "t b l(Text) s(10,1); t c; tp d; ", R"(
-  b_B1 100 XmtBox
-    b_L 100 XmtLabel
-    b 100 XmtText
-  c 101 XmtText
-  d 102 XmtPasswd)"},
-    {"toggle: no label of its own, a box for the icon only", "bt e l(On); bt f l(On) i(@x @y); ", R"(
-  e 100 XmtToggleBut
-  f_B1 101 XmtBox
-    f 101 XmtToggleBut
-    f_i 101 XmtLabel)"},
-    {"radio box, button box, box", "br g l(Pick) L(x,y); bb h L(x); B i l(Box) { l in; } ", R"(
-  g_B1 100 XmtBox
-    g_L 100 XmtLabel
-    g 100 XmtRadioBox
-      g_1 100 XmtRadioBox
-      g_2 100 XmtRadioBox
-  h 101 XmtButtonBox
-    h_1 101 XmtButtonBox
-  i_B1 102 XmtBox
-    i_L 102 XmtLabel
-    i 102 XmtButtonBox
-      in 103 XmtLabel)"},
-    {"icons", "t j i(@x); t k i(&o.x); t l l(L) i(@&s\\(9\\,9\\)@&,@x); ", R"(
-  j_B1 100 XmtBox
-    j 100 XmtText
-    j_i 100 XmtLabel
-  k_B1 101 XmtBox
-    k 101 XmtText
-  l_B1 102 XmtBox
-    l_L 102 XmtLabel
-    l 102 XmtText
-    l_i 102 XmtPicture)"},
-    {"created list", "bL m L(x); ", R"(
-  m 100 XmtCreatedListBut
-    m_pd 100 XmtMenu
-      m_1 100 XmtCreatedListBut
-  m_cb 101 XmtCascadeBut)"},
-    {"no items", "bl o L(); l after; ", R"(
-  o 100 XmtListBut
-    o_pd 100 XmtMenu
-  after 101 XmtLabel)"},
-    {"hidden: box, control, simple object", "t p H l(x); t q H; l r H ; bl s l(x) H L(x) H; ", R"(
-  p_B1 100 XmtBox hidden
-    p_L 100 XmtLabel
-    p 100 XmtText
-  q 101 XmtText hidden
-  r 102 XmtLabel hidden
-  s_B1 103 XmtBox hidden
-    s_L 103 XmtLabel
-    s 103 XmtListBut hidden
-      s_pd 103 XmtMenu
-        s_1 103 XmtListBut)"},
-    {"numbers", "t t l(x) id(7); bl u l(x) L(a) <3 id(9)>; l v id(0); l w; ", R"(
-  t_B1 7 XmtBox
-    t_L 7 XmtLabel
-    t 7 XmtText
-  u_B1 100 XmtBox
-    u_L 100 XmtLabel
-    u 9 XmtListBut
-      u_pd 99 XmtMenu
-        u_1 99 XmtListBut
-  v 100 XmtLabel
-  w 100 XmtLabel)"},
-    {"a name used twice", "B x { l y; } B z; l x; ", R"(
-  (x)
-    y 101 XmtLabel
-  z 102 XmtButtonBox
-  x 103 XmtLabel)"},
-    {"parents", "B ba; B bc P(ba) { l bd; } t be P(bc) l(x); l bf P(nothing); ", R"(
-  ba 100 XmtButtonBox
-    bc 101 XmtButtonBox
-      bd 102 XmtLabel
-      be_B1 103 XmtBox
-      be_L 103 XmtLabel
-      be 103 XmtText
-  bf 104 XmtLabel)"},
-    {"unknown words", "xy zz { l lost; } l bg; B bh { l bi; } nothing { l gone; bl gone2 L(a); } ", R"(
-  bg 100 XmtLabel
-  bh 101 XmtButtonBox
-    bi 102 XmtLabel)"},
-    {"simple ones", "S bj { l bk; } DR bl; s bm; BB bn; P bo { l bp; } F bq; bp br; ", R"(
-  bj 100 XmtScrolledArea
-    bk 101 XmtLabel
-  bl 102 XmtDraw
-  bm 103 XmtSeperator
-  bn 104 XmtBoard
-  bo 105 XmtPanedBox
-    bp 106 XmtLabel
-  bq 107 XmtForm
-  br 108 XmtPushBut)"},
-    {"*71 *70 *74", "*71(m1,Apply,C[m1]) *70(m2,Help) *74(m3, ,) *85(m4,On)", R"(
-  m1 100 XmtPushBut
-  m2 101 XmtPushBut
-  m3 102 XmtLabel
-  m4 103 XmtToggleBut)"},
-    {"*78", "*78(ip,Addr:,i1,i2,i2,i3,i3,i4,i4) ", R"(
-  ip_B1 100 XmtBox
-    ip_L 100 XmtLabel
-    ip 100 XmtButtonBox
-      i1 101 XmtText
-      (dot)
-      i2 103 XmtText
-      (dot)
-      i3 105 XmtText
-      dot 106 XmtLabel
-      i4 107 XmtText)"},
-    {"*52", "*52(r,x,12) ", R"(
-  r1 100 XmtText
-  r2 101 XmtText
-  r3 102 XmtText
-  r4 103 XmtText
-  r5 104 XmtText
-  r6 105 XmtText
-  r7 106 XmtText
-  r8 107 XmtText)"},
-    {"*59", "*59(ch,tf,Channel) ", R"(
-  ch_B1 100 XmtBox
-    ch_L 100 XmtLabel
-    ch 100 XmtListBut
-      ch_pd 100 XmtMenu
-        ch_1 100 XmtListBut
-        ch_2 100 XmtListBut)"},
-    {"*49", "*49(lt,lt,ll,text) *69(ms,mb,text,413,ml,414) l mt; ", R"(
-  lt 100 XmtButtonBox
-    lt_B 101 XmtDraw
-    ll 102 XmtLabel
-  ms 103 XmtButtonBox
-    mb 413 XmtPushBut
-    ml 104 XmtLabel
-  mt 414 XmtLabel)"},
-    {"undefined", "*99(a,b) l mu; ", R"(
-  mu 100 XmtLabel)"},
+    {"option list", "bl a l(Name) .22 L(a,b) .0 <1 h> <2 .21> <3 .22>; ",
+     "a_B1 100 Box{a_L 100 Label, a 100 ListBut{a_pd 100 Menu{a_1 100 ListBut, a_2 100 ListBut}}}"},
+    {"text with and without a label", "t b l(Text) s(10,1); t c; tp d; ",
+     "b_B1 100 Box{b_L 100 Label, b 100 Text}, c 101 Text, d 102 Passwd"},
+    {"toggle, no label of its own, a box for the icon only", "bt e l(On); bt f l(On) i(@x @y); ",
+     "e 100 ToggleBut, f_B1 101 Box{f 101 ToggleBut, f_i 101 Label}"},
+    {"radio box, button box, box", "br g l(Pick) L(x,y); bb h L(x); B i l(Box) { l in; } ",
+     "g_B1 100 Box{g_L 100 Label, g 100 RadioBox{g_1 100 RadioBox, g_2 100 RadioBox}}, h 101 ButtonBox{h_1 "
+     "101 ButtonBox}, i_B1 102 Box{i_L 102 Label, i 102 ButtonBox{in 103 Label}}"},
+    {"icons", "t j i(@x); t k i(&o.x); t l l(L) i(@&s\\(9\\,9\\)@&,@x); ",
+     "j_B1 100 Box{j 100 Text, j_i 100 Label}, k_B1 101 Box{k 101 Text}, l_B1 102 Box{l_L 102 Label, l 102 "
+     "Text, l_i 102 Picture}"},
+    {"created list", "bL m L(x); ",
+     "m 100 CreatedListBut{m_pd 100 Menu{m_1 100 CreatedListBut}}, m_cb 101 CascadeBut"},
+    {"no items", "bl o L(); l after; ", "o 100 ListBut{o_pd 100 Menu}, after 101 Label"},
+    {"hidden box, control, simple object", "t p H l(x); t q H; l r H ; bl s l(x) H L(x) H; ",
+     "p_B1 100 Box!{p_L 100 Label, p 100 Text}, q 101 Text!, r 102 Label!, s_B1 103 Box!{s_L 103 Label, s "
+     "103 ListBut!{s_pd 103 Menu{s_1 103 ListBut}}}"},
+    {"numbers", "t t l(x) id(7); bl u l(x) L(a) <3 id(9)>; l v id(0); l w; ",
+     "t_B1 7 Box{t_L 7 Label, t 7 Text}, u_B1 100 Box{u_L 100 Label, u 9 ListBut{u_pd 99 Menu{u_1 99 "
+     "ListBut}}}, v 100 Label, w 100 Label"},
+    {"a name used twice", "B x { l y; } B z; l x; ", "(x){y 101 Label}, z 102 ButtonBox, x 103 Label"},
+    {"parents", "B ba; B bc P(ba) { l bd; } t be P(bc) l(x); l bf P(nothing); ",
+     "ba 100 ButtonBox{bc 101 ButtonBox{bd 102 Label, be_B1 103 Box, be_L 103 Label, be 103 Text}}, bf 104 "
+     "Label"},
+    {"unknown words", "xy zz { l lost; } l bg; B bh { l bi; } nothing { l gone; bl gone2 L(a); } ",
+     "bg 100 Label, bh 101 ButtonBox{bi 102 Label}"},
+    {"simple ones", "S bj { l bk; } DR bl; s bm; BB bn; P bo { l bp; } F bq; bp br; ",
+     "bj 100 ScrolledArea{bk 101 Label}, bl 102 Draw, bm 103 Seperator, bn 104 Board, bo 105 PanedBox{bp 106 "
+     "Label}, bq 107 Form, br 108 PushBut"},
+    {"*71 *70 *74", "*71(m1,Apply,C[m1]) *70(m2,Help) *74(m3, ,) *85(m4,On)",
+     "m1 100 PushBut, m2 101 PushBut, m3 102 Label, m4 103 ToggleBut"},
+    {"*78", "*78(ip,Addr:,i1,i2,i2,i3,i3,i4,i4) ",
+     "ip_B1 100 Box{ip_L 100 Label, ip 100 ButtonBox{i1 101 Text, (dot), i2 103 Text, (dot), i3 105 Text, "
+     "dot 106 Label, i4 107 Text}}"},
+    {"*52", "*52(r,x,12) ",
+     "r1 100 Text, r2 101 Text, r3 102 Text, r4 103 Text, r5 104 Text, r6 105 Text, r7 106 Text, r8 107 "
+     "Text"},
+    {"*59", "*59(ch,tf,Channel) ",
+     "ch_B1 100 Box{ch_L 100 Label, ch 100 ListBut{ch_pd 100 Menu{ch_1 100 ListBut, ch_2 100 ListBut}}}"},
+    {"*49", "*49(lt,lt,ll,text) *69(ms,mb,text,413,ml,414) l mt; ",
+     "lt 100 ButtonBox{lt_B 101 Draw, ll 102 Label}, ms 103 ButtonBox{mb 413 PushBut, ml 104 Label}, mt 414 "
+     "Label"},
+    {"undefined", "*99(a,b) l mu; ", "mu 100 Label"},
 };
 
 TEST_F(Build, MakesTheTree) {
@@ -206,80 +108,37 @@ static Widget WidgetOf(const char *name) {
 }
 
 // All windows are written like this one: frame, work area and buttons from macros, the fields between them.
-static const char AddWindow[] = R"(
-*80(400,wqw,main,Add Queue,wqmb,wqwa)
-B wqb0 .0 m(0,0) bo(0) h{
-*88(wqhei,220)
-B wqb1 .0 m(0,0) bo(0) v{
-id(401)
-t wqn l(Queue name:) s(12,1) h .0 <2 .21> <3 .22 CB(c,a) f(A0,14+-+_)>;
-bl wqc l(Connection:) .22 L(TCP/IP,local device) .0  <1 h> f(H1[wqhn_B1] S1[wqdn_B1] C*[wqc]) <2 .21> <3 .22>;
-t wqhn l(Host name:) s(40,1) h .0 <2 .21> <3 .22 CB(c,a) f(A0,256+-+.+:)>;
-bl wqd H l(Daemon:) .22 L(PrnOutD,lpd) .0  <1 h> <2 .21> <3 .22> H;
-*69(wqfsb,wqfs,Configure features...,413,wqfsl,414)
-B wqb2 .0 m(0,0) bo(0) h {
-id(414)
-*71(wqcbp,Configure banner page...,C[wqcbp] S[cbpw] t[cbpw])
-l wqb2 .0 l( );
-}
-l wqwi l( ) bo(0) .0 m(250,0);
-}
-}}}
-}*72(aqbp,wqmb,4)
-id(415)
-*71(wqap,Apply,C[wqap])
-*71(wqca,Cancel,H[wqw])
-*71(wqhe,Help,Ca[tb6])
-})";
+static const char AddWindow[] =
+    "*80(400,wqw,main,Add Queue,wqmb,wqwa)\nB wqb0 .0 m(0,0) bo(0) h{\n*88(wqhei,220)\nB wqb1 .0 m(0,0) "
+    "bo(0) v{\n"
+    "id(401)\nt wqn l(Queue name:) s(12,1) h .0 <2 .21> <3 .22 CB(c,a) f(A0,14+-+_)>;\n"
+    "bl wqc l(Connection:) .22 L(TCP/IP,device) .0 <1 h> f(H1[wqhn_B1] C*[wqc]) <2 .21> <3 .22>;\n"
+    "bl wqd H l(Daemon:) .22 L(PrnOutD,lpd) .0  <1 h> <2 .21> <3 .22> H;\n"
+    "*69(wqfsb,wqfs,Features...,413,wqfsl,414)\nB wqb2 .0 m(0,0) bo(0) h "
+    "{\nid(414)\n*71(wqcbp,Banner...,C[wqcbp])\n"
+    "l wqb2 .0 l( );\n}\nl wqwi l( ) bo(0) .0 m(250,0);\n}\n}}}\n}"
+    "*72(aqbp,wqmb,4)\nid(415)\n*71(wqap,Apply,C[wqap])\n*71(wqca,Cancel,H[wqw])\n*71(wqhe,Help,Ca[tb6])\n}";
 
 TEST_F(Build, MakesTheAddWindow) {
     XmtNewObject("main", OnEvent, 0, AddWindow);
-    EXPECT_EQ(DumpObjects("wqw"), R"(wqw 400 XmtBBDialog hidden
-  wqmb 401 XmtButtonBox
-    sp1 401 XmtLabel
-     401 XmtButtonBox
-      wqb0 401 XmtButtonBox
-        wqhei 402 XmtLabel
-        wqb1 403 XmtButtonBox
-          wqn_B1 401 XmtBox
-            wqn_L 401 XmtLabel
-            wqn 401 XmtText
-          wqc_B1 402 XmtBox
-            wqc_L 402 XmtLabel
-            wqc 402 XmtListBut
-              wqc_pd 402 XmtMenu
-                wqc_1 402 XmtListBut
-                wqc_2 402 XmtListBut
-          wqhn_B1 403 XmtBox
-            wqhn_L 403 XmtLabel
-            wqhn 403 XmtText
-          wqd_B1 404 XmtBox hidden
-            wqd_L 404 XmtLabel
-            wqd 404 XmtListBut hidden
-              wqd_pd 404 XmtMenu
-                wqd_1 404 XmtListBut
-                wqd_2 404 XmtListBut
-          wqfsb 405 XmtButtonBox
-            wqfs 413 XmtPushBut
-            wqfsl 406 XmtLabel
-          (wqb2)
-            wqcbp 414 XmtPushBut
-            wqb2 415 XmtLabel
-          wqwi 416 XmtLabel
-    aqbp 417 XmtButtonBox
-      Logo 417 XmtLabel
-      wqap 415 XmtPushBut
-      wqca 416 XmtPushBut
-      wqhe 417 XmtPushBut
-)");
+    EXPECT_EQ(
+        DumpObjects("wqw"),
+        "wqmb 401 ButtonBox{sp1 401 Label,  401 ButtonBox{wqb0 401 ButtonBox{wqhei 402 Label, wqb1 403 "
+        "ButtonBox{"
+        "wqn_B1 401 Box{wqn_L 401 Label, wqn 401 Text}, "
+        "wqc_B1 402 Box{wqc_L 402 Label, wqc 402 ListBut{wqc_pd 402 Menu{wqc_1 402 ListBut, wqc_2 402 "
+        "ListBut}}}, "
+        "wqd_B1 403 Box!{wqd_L 403 Label, wqd 403 ListBut!{wqd_pd 403 Menu{wqd_1 403 ListBut, wqd_2 403 "
+        "ListBut}}}, "
+        "wqfsb 404 ButtonBox{wqfs 413 PushBut, wqfsl 405 Label}, (wqb2){wqcbp 414 PushBut, wqb2 415 Label}, "
+        "wqwi 416 Label}}}, aqbp 417 ButtonBox{Logo 417 Label, wqap 415 PushBut, wqca 416 PushBut, wqhe 417 "
+        "PushBut}}");
     EXPECT_EQ(AppCBValue, 418);
     EXPECT_EQ(StringOf("wqw", XmNdialogTitle), "Add Queue");
     EXPECT_EQ(ResourceOf("wqw", XmNdialogStyle), XmDIALOG_FULL_APPLICATION_MODAL);
     EXPECT_STREQ(XmtFindObject("wqn")->format, "A0,14+-+_");
     EXPECT_EQ(XmtFindObject("wqn_B1")->format, nullptr);
-    EXPECT_EQ(ResourceOf("wqn", XmNcolumns), 12);
-    EXPECT_EQ(ResourceOf("wqn_B1", XmNorientation), XmHORIZONTAL);
-    EXPECT_STREQ(XmtFindObject("wqc_2")->format, "H1[wqhn_B1] S1[wqdn_B1] C*[wqc]");
+    EXPECT_STREQ(XmtFindObject("wqc_2")->format, "H1[wqhn_B1] C*[wqc]");
 }
 
 // The 21st item of an option list opens a further menu; all of them report as the list.
@@ -297,34 +156,16 @@ TEST_F(Build, PutsItemsBeyondTwentyIntoAFurtherMenu) {
     EXPECT_EQ(BarPullDownMenu, nullptr);
 }
 
-struct ResourceCase {
-    const char *object, *resource;
-    long want;
-};
-static const ResourceCase Resources[] = {
-    {"rb_1", XmNset, 1},
-    {"rb_2", XmNset, 0},
-    {"rt", XmNcolumns, 20},
-    {"rt", XmNrows, 3},
-    {"rt", XmNeditMode, 0},
-    {"rn", XmNcolumns, 7},
-    {"rn_B1", XmNspacing, 9},
-    {"rn_L", XmNmarginWidth, 8},
-    {"rn", XmNmarginWidth, 6},
-    {"rn", XmNborderWidth, 0},
-    {"rs", XmNmarginWidth, 7},
-    {"ri_B1", XmNborderWidth, 0},
-    {"rl", XmNitemCount, 2},
-    {"rl", XmNvisibleItemCount, 5},
-    {"rt", XmNnavigationType, XmEXCLUSIVE_TAB_GROUP},
-    {"ro_1", XmNnavigationType, XmNONE},
-};
-
 TEST_F(Build, GivesEachPartItsArguments) {
     Make("br rb L(x,y); t rt s(20,3); t rn l(x) bo(0) <1 sp(9)> <2 m(8,8)> <3 s(7,1) m(6,6)>; "
          "bt ri i(@x); t rs m(1,1) <1 m(7,7)>; Bl rl l(x) L(a,b) V(5); bl ro L(A\\,1,B~b\\)); ");
-    for (const ResourceCase &c : Resources)
-        EXPECT_EQ(ResourceOf(c.object, c.resource), c.want) << c.object << " " << c.resource;
+    EXPECT_EQ(
+        ResourcesOf("rb_1.set rb_2.set rt.columns rt.rows rt.editMode rl.itemCount rl.visibleItemCount"),
+        "1 0 20 3 0 2 5");
+    EXPECT_EQ(
+        ResourcesOf("rn_B1.spacing rn_L.marginWidth rn.marginWidth rn.columns rn.borderWidth rs.marginWidth"),
+        "9 8 6 7 0 7");
+    EXPECT_EQ(ResourcesOf("rt.navigationType ro_1.navigationType"), "3 0");
     EXPECT_EQ(ResourceOf("ro", XmNmenuHistory), reinterpret_cast<long>(WidgetOf("ro_1")));
     EXPECT_EQ(ResourceOf("ro", XmNsubMenuId), reinterpret_cast<long>(WidgetOf("ro_pd")));
     EXPECT_EQ(StringOf("ro_1", XmNlabelString), "A,1");

@@ -1,0 +1,272 @@
+// Main windows, dialogs and menu bars: what their texts make, and what a user's mouse and keys do to them.
+#include "common/MemMgr.h"
+#include "tests/lib/AppTool.h"
+#include "tests/lib/ObjectDump.h"
+#include "tests/lib/WindowRig.h"
+#include "tests/lib/WindowUser.h"
+#include "xmt/XmtColor.h"
+#include "xmt/XmtEvent.h"
+#include "xmt/XmtNew.h"
+#include "xmt/XmtNewBuild.h"
+#include "xmt/XmtNewWin.h"
+#include "xmt/XmtUtils.h"
+
+#include <gtest/gtest.h>
+#include <vector>
+
+static std::string Events; // "name id reason " of each
+
+static void OnEvent(XmtCallData *data) {
+    Events +=
+        std::string(data->name) + " " + std::to_string(data->id) + " " + std::to_string(data->reason) + " ";
+}
+
+static std::string TakeEvents() {
+    return std::exchange(Events, "");
+}
+
+class Windows : public testing::Test {
+protected:
+    void SetUp() override {
+        static std::string reason;
+        static bool flRig = StartWindowRig("1280x1024x24", &reason) && FindWindowUser(&reason);
+        if (!flRig) GTEST_SKIP() << reason;
+        if (AppWin) return;
+        XmtNewObject(nullptr, OnEvent, 5,
+                     "WF main id(77) t(A title: 50%) CB(a) f(C[x]) L(a) s(600,300); l inside; ");
+        XmtNewObject("main", OnEvent, 20, "F bars A(tf,lf,rf); B top A(bf,lf); ");
+    }
+};
+
+TEST_F(Windows, HaveShellsOfTheirOwn) {
+    static const struct {
+        const char *text, *name;
+        WidgetClass kind;
+    } Cases[] = {{"WM wm; ", "wm", xmMainWindowWidgetClass},
+                 {"WP wp; ", "wp", xmPanedWindowWidgetClass},
+                 {"WB wb; ", "wb", xmBulletinBoardWidgetClass},
+                 {"WR wr; ", "wr", xmRowColumnWidgetClass},
+                 {"W ws t(Only) s(90,80) { B wsb; } ", "ws", applicationShellWidgetClass}};
+    EXPECT_EQ(DumpObjects("main_shell").substr(0, 30), "main 5 MainWindow{inside 6 Lab");
+    EXPECT_STREQ(reinterpret_cast<char *>(XmtGetXmValue("main_shell", XmNtitle)), "A title: 50%");
+    EXPECT_EQ(XmtFindObject("main")->format, nullptr);
+    for (auto &c : Cases) {
+        XmtNewObject(nullptr, OnEvent, 30, c.text);
+        std::string shell = std::string(c.name) + "_shell";
+        EXPECT_EQ(XtClass(XmtGetWidget(c.name)), c.kind) << c.name;
+        EXPECT_EQ(XmtFindObject(c.name)->id, 30) << c.name;
+        EXPECT_EQ(XmtFindObject(shell.c_str())->id, 30) << c.name;
+        EXPECT_TRUE(XtIsShell(XmtGetWidget(shell.c_str()))) << c.name;
+    }
+    EXPECT_EQ(ResourceOf("ws", XmNwidth), 90);
+    EXPECT_EQ(XtParent(XmtGetWidget("wsb")), XmtGetWidget("ws"));
+    EXPECT_STREQ(pAppShellName, "main_shell");
+    EXPECT_EQ(AppShell, XmtGetWidget("main_shell"));
+    EXPECT_STREQ(pAppWinName, "main");
+    EXPECT_EQ(AppWin, XmtGetWidget("main"));
+}
+
+// ---- dialogs
+
+static const struct {
+    const char *object, *resource, *want;
+} DialogTexts[] = {
+    {"de", XmNokLabelString, "Yes"},
+    {"de", XmNcancelLabelString, "Cancel"},
+    {"de", XmNapplyLabelString, "Later,"},
+    {"de", XmNselectionLabelString, "Type (it)"},
+    {"de", XmNtextString, "preset"},
+    {"de", XmNdialogTitle, "Title"},
+    {"dw", XmNmessageString, "careful"},
+    {"dw", XmNokLabelString, "OK"},
+    {"di", XmNmessageString, "a\nb"},
+    {"df", XmNapplyLabelString, "Filter"},
+    {"df", XmNdialogTitle, ""},
+    {"dm", XmNmessageString, "plain"},
+    {"db", XmNdialogTitle, "Board"},
+    {"dfo", XmNdialogTitle, ""},
+};
+
+static bool IsButtonShown(const char *dialog, unsigned char button) {
+    Widget widget = XmtGetWidget(dialog);
+    return XtIsManaged(XmIsMessageBox(widget) ? XmMessageBoxGetChild(widget, button)
+                                              : XmSelectionBoxGetChild(widget, button));
+}
+
+TEST_F(Windows, DialogsHaveTheirTextsAndButtons) {
+    XmtNewObject(
+        "main", OnEvent, 40,
+        "DE de L(Yes,,Later\\,) l(Type \\(it\\)) t(preset) T(Title) CB(a) f(C[x]); DE de2 no(help,ok); "
+        "DW dw t(careful) no(cancel) Dt(?); DI di t(a\nb) no(help,cancel) Dt(x); DI di2 Dt(i); Df df no(ok); "
+        "DM dm t(plain); DB db t(Board) { l dbl; } DF dfo; D ds t(Shell); ");
+    for (auto &c : DialogTexts)
+        EXPECT_EQ(StringOf(c.object, c.resource), c.want) << c.object << " " << c.resource;
+    EXPECT_STREQ(reinterpret_cast<char *>(XmtGetXmValue("ds", XmNtitle)), "Shell");
+    static const struct {
+        const char *object;
+        unsigned char button;
+        bool want;
+    } Buttons[] = {{"de", XmDIALOG_OK_BUTTON, true},      {"de", XmDIALOG_APPLY_BUTTON, true},
+                   {"de2", XmDIALOG_OK_BUTTON, false},    {"de2", XmDIALOG_HELP_BUTTON, false},
+                   {"de2", XmDIALOG_CANCEL_BUTTON, true}, {"de2", XmDIALOG_APPLY_BUTTON, false},
+                   {"dw", XmDIALOG_CANCEL_BUTTON, false}, {"dw", XmDIALOG_HELP_BUTTON, true},
+                   {"df", XmDIALOG_OK_BUTTON, true}};
+    for (auto &c : Buttons)
+        EXPECT_EQ(IsButtonShown(c.object, c.button), c.want) << c.object << " " << int{c.button};
+    EXPECT_EQ(ResourceOf("dw", XmNdialogType), XmDIALOG_QUESTION);
+    EXPECT_EQ(ResourceOf("di", XmNdialogType), XmDIALOG_INFORMATION);
+    EXPECT_EQ(ResourceOf("di2", XmNdialogType), XmDIALOG_INFORMATION);
+    EXPECT_EQ(XmtFindObject("de")->type, XmtDataEntryDialog);
+    EXPECT_EQ(XmtFindObject("de")->format, nullptr);
+    for (const char *name : {"de", "dw", "di", "df", "dm", "db", "dfo"})
+        EXPECT_FALSE(XtIsManaged(XmtGetWidget(name)));
+    XmtNewObject("nowhere", OnEvent, 0, "P(nothing) DE lost; "); // no parent, nothing happens
+}
+
+static void Click(Widget widget) {
+    Dimension width = 0, height = 0;
+    Position x, y;
+    XtVaGetValues(widget, XmNwidth, &width, XmNheight, &height, nullptr);
+    XtTranslateCoords(widget, static_cast<Position>(width / 2), static_cast<Position>(height / 2), &x, &y);
+    ClickPoint(x, y);
+    DispatchWaiting();
+}
+
+TEST_F(Windows, DialogButtonsReport) {
+    static const struct {
+        const char *dialog;
+        unsigned char button;
+        const char *want;
+    } Cases[] = {{"ask", XmDIALOG_OK_BUTTON, "ask 60 4 "},     {"ask", XmDIALOG_APPLY_BUTTON, "ask 60 6 "},
+                 {"ask", XmDIALOG_HELP_BUTTON, "ask 60 7 "},   {"ask", XmDIALOG_CANCEL_BUTTON, "ask 60 5 "},
+                 {"warn", XmDIALOG_OK_BUTTON, "warn 61 4 "},   {"warn", XmDIALOG_CANCEL_BUTTON, "warn 61 5 "},
+                 {"files", XmDIALOG_OK_BUTTON, "files 62 4 "}, {"files", XmDIALOG_APPLY_BUTTON, ""}};
+    XmtNewObject("main", OnEvent, 60, "DE ask L(Yes,No,Apply) t(answer); DW warn; Df files; ");
+    RealizeWindows();
+    for (auto &c : Cases) {
+        XmtShow(c.dialog);
+        DispatchWaiting();
+        Widget widget = XmtGetWidget(c.dialog);
+        Click(XmIsMessageBox(widget) ? XmMessageBoxGetChild(widget, c.button)
+                                     : XmSelectionBoxGetChild(widget, c.button));
+        EXPECT_EQ(TakeEvents(), c.want) << c.dialog << " " << int{c.button};
+        XmtHide(c.dialog);
+    }
+}
+
+// ---- menu bars
+
+struct BarCase {
+    const char *what, *text, *want;
+};
+static const BarCase Bars[] = {
+    {"items, menus and menus in them",
+     "M a { b(x) m(y) { b(1) m(2) { b(3) } s b(4) } m(z) { b(5) } b() } l after; ",
+     "a 100 MenuBar{a_1 100 CascadeBut, a_2_a_1_pd_cb 104 CascadeBut, a_3_a_2_pd_cb 105 CascadeBut, a_4 105 "
+     "CascadeBut, a_2_a_1_pd 101 Menu{a_2_b_1 101 PushBut, a_2_b_2_pd_cb 103 CascadeBut, a_2_b_2_s 103 "
+     "Seperator, a_2_b_3 103 PushBut}, a_3_a_2_pd 104 Menu{a_3_c_1 104 PushBut}, a_2_b_2_pd 102 "
+     "Menu{a_2_bc_1 102 PushBut}}, after 106 Label"},
+    {"ends with a semicolon", "M b { b(x); }; l afterb; ",
+     "b 100 MenuBar{b_1 100 CascadeBut}, afterb 101 Label"},
+    {"no brace", "M c; b(x) s m(y) { b(1) b(2); b(z); l afterc; ",
+     "c 100 MenuBar{c_1 100 CascadeBut, c_1__0_s 101 Seperator, c_2_a_1_pd_cb 103 CascadeBut, c_3 103 "
+     "CascadeBut, c_2_a_1_pd 101 Menu{c_2_b_1 101 PushBut, c_2_b_2 102 PushBut}}, afterc 104 Label"},
+    {"ids, comments, strangers", "M d { id(70) b(x) # b(no) }\n , ? b(y) k(no) z(1) id(80) b(z) } l afterd; ",
+     "d 100 MenuBar{d_1 70 CascadeBut, d_2 71 CascadeBut, d_3 80 CascadeBut}, afterd 81 Label"},
+    {"no label, no end", "M e { bf(C[x]) bf(C[x\\,y],la\\,bel) m(open) ",
+     "e 100 MenuBar{e_1 100 CascadeBut, e_2 101 CascadeBut, e_3_a_1_pd 102 Menu}"},
+    {"in pieces", "M f { } O f { Mb fb l(Push); Mm fm l(Menu) { bp fx; } Mm fn id(90) l(Other); } ",
+     "f 100 MenuBar{fb 100 PushBut, fm_cb 101 CascadeBut, fn_cb 90 CascadeBut, fm 101 Menu{fx 101 PushBut}, "
+     "fn 90 Menu}"},
+};
+
+TEST_F(Windows, MenuBarsHoldTheirEntries) {
+    for (const BarCase &c : Bars) {
+        std::string box = "box" + std::to_string(&c - Bars);
+        XmtNewObject("bars", OnEvent, 99, ("B " + box + " {" + c.text + "} ").c_str());
+        EXPECT_EQ(DumpObjects(box.c_str()), c.want) << c.what << ": " << c.text;
+    }
+}
+
+TEST_F(Windows, MenuBarsKeepFormatsLabelsAndLooks) {
+    AppTool tool;
+    tool.Write("menu.txt", "b(Read) b(Again);");
+    tool.Write("circle.txt", "b(C) i(circle.txt)");
+    flNoBarMenuTraversal = 1;
+    XmtNewObject("bars", OnEvent, 99,
+                 "M g bo(3) { b(One) bf(C[x\\,y],Tw~o) m(File) { b(New,Ctrl+N,Ctrl<Key>n) i(menu.txt) a "
+                 "b(Data) a b(Last) "
+                 "i(missing.txt) } i(circle.txt) } ");
+    flNoBarMenuTraversal = 0;
+    EXPECT_STREQ(XmtFindObject("g_2")->format, "C[x,y]");
+    EXPECT_EQ(StringOf("g_2", XmNlabelString), "Two");
+    EXPECT_EQ(ResourceOf("g_2", XmNmnemonic), 'w');
+    EXPECT_EQ(ResourceOf("g_1", XmNborderWidth), 3);
+    EXPECT_EQ(StringOf("g_3_b_1", XmNacceleratorText), "Ctrl+N");
+    EXPECT_EQ(StringOf("g_3_b_3", XmNlabelString), "Again");
+    EXPECT_STREQ(XmtTextOf(XmtGetAppData("g_3_b_4")), "Data");
+    EXPECT_EQ(XmtGetAppData("g_3_b_5"), 0);
+    EXPECT_EQ(StringOf("g_3_b_5", XmNlabelString), "Last");
+    EXPECT_EQ(XmtGetWidget("g_3_b_6"), nullptr);
+    EXPECT_EQ(StringOf("g_4", XmNlabelString), "C");
+    EXPECT_EQ(BarItemCnt, 3 + XMT_MENU_FILES);
+    EXPECT_EQ(flNoTraversal, 0);
+    EXPECT_EQ(flUseDefaultColor, 1);
+    EXPECT_EQ(flConvertLabelToAppData, 0);
+    EXPECT_EQ(BarPullDownMenu, nullptr);
+}
+
+static void Click(const std::vector<const char *> &path) {
+    for (const char *name : path) {
+        ClickAt(name);
+        DispatchWaiting();
+    }
+}
+
+static void ShowWindow(const char *shell) {
+    RealizeWindows();
+    XtRealizeWidget(XmtGetWidget(shell));
+    XRaiseWindow(AppDisplay, XtWindow(XmtGetWidget(shell)));
+    DispatchWaiting();
+}
+
+static void Press(const std::vector<const char *> &keys) {
+    for (const char *key : keys) {
+        PressKeys(key);
+        DispatchWaiting();
+    }
+}
+
+TEST_F(Windows, MenusOpenByMouseAndKeys) {
+    XmtNewObject(
+        nullptr, OnEvent, 197,
+        "WR keys { t some; M h { b(One) m(F~ile) { b(New) m(More) { b(Deep) } } s m(Help) { b(About) } } }");
+    ShowWindow("keys_shell");
+    static const struct {
+        std::vector<const char *> path;
+        const char *want;
+    } Cases[] = {{{"h_1"}, "h_1 199 1 "},
+                 {{"h_2_a_1_pd_cb", "h_2_b_1"}, "h_2_b_1 200 1 "},
+                 {{"h_2_a_1_pd_cb", "h_2_b_2_pd_cb", "h_2_bc_1"}, "h_2_bc_1 201 1 "},
+                 {{"h_3_a_2_pd_cb", "h_3_c_1"}, "h_3_c_1 202 1 "}};
+    XmtSetFocus("some");
+    Press({"F10", "Right", "Down", "Down", "Down", "Right", "Down", "Return"});
+    EXPECT_EQ(TakeEvents(), "h_2_bc_1 201 1 ");
+    for (auto &c : Cases) {
+        Click(c.path);
+        EXPECT_EQ(TakeEvents(), c.want) << c.path.back();
+    }
+}
+
+TEST_F(Windows, MenusWithoutTraversalHearNoKeys) {
+    flNoBarMenuTraversal = 1;
+    XmtNewObject(nullptr, OnEvent, 220, "WR silent { t quiet; M k { b(One) m(File) { b(New) } } }");
+    flNoBarMenuTraversal = 0;
+    ShowWindow("silent_shell");
+    XmtSetFocus("quiet");
+    Press({"F10", "Right", "Down", "Return"});
+    EXPECT_EQ(TakeEvents(), "");
+    Click({"k_2_a_1_pd_cb", "k_2_b_1"});
+    EXPECT_EQ(TakeEvents(), "k_2_b_1 223 1 ");
+    EXPECT_EQ(CheckMem(), nullptr);
+}
