@@ -3,6 +3,7 @@
 
 #include "common/utils.h"
 #include "xmt/XmtColor.h"
+#include "xmt/XmtEvent.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewArgs.h"
 #include "xmt/XmtString.h"
@@ -17,6 +18,12 @@ enum { TEXT_FOCUS_SELECTION = 4096 }; // characters that XmtSetTextFocus selects
 
 // ---- labels and titles
 
+// Motif does not draw a label anew for another pixmap of the same size.
+static void DrawLabel(Widget widget) {
+    if (XtIsWidget(widget) && XtIsRealized(widget)) XClearArea(AppDisplay, XtWindow(widget), 0, 0, 0, 0, 1);
+    XmUpdateDisplay(widget);
+}
+
 void XmtSetLabel(const char *name, const char *text) {
     XmtObjectData *object = XmtFindObject(name);
     if (!object || !object->widget || !text) return;
@@ -25,7 +32,7 @@ void XmtSetLabel(const char *name, const char *text) {
     info.type = static_cast<int8_t>(object->type);
     XmtGetArgLabel("", &info, label.c_str());
     XtSetValues(object->widget, info.args, static_cast<Cardinal>(info.argCount));
-    XmUpdateDisplay(object->widget);
+    DrawLabel(object->widget);
     XmtClearInfo(&info);
 }
 

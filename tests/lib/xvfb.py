@@ -134,6 +134,10 @@ class Display:
         Path(path).parent.mkdir(parents=True, exist_ok=True)
         subprocess.run(["import", "-silent", "-window", window, str(path)], env=self.env(), check=True, timeout=LIMIT)
 
+    def pixels(self, window):
+        return subprocess.run(["import", "-silent", "-window", window, "-depth", "8", "rgb:-"], env=self.env(), check=True,
+                              capture_output=True, timeout=LIMIT).stdout
+
     def keep(self, name, window="root"):
         """With PRN_PICTURES, which ./check --pictures sets, a picture of the window stays there."""
         if os.environ.get("PRN_PICTURES"):
