@@ -22,6 +22,7 @@
 #include "xmt/XmtUtils.h"
 
 enum { FIRST_DISCOVERY_SECONDS = 2 };
+enum { LIST_INDENT = 3 }; // pixels that a list's frame shifts its rows against the title
 
 // ---- Start
 
@@ -74,6 +75,7 @@ void GenGui() {
     flNoBarMenuTraversal = 1;
     GenMacros();
     XmtNewObject(nullptr, WizEventHandler, 0, GenGuiDesc(MainWinDesc, GUI_SET_MAIN).c_str());
+    XmtSetXmValue("scrolList_L", XmNmarginLeft, LIST_INDENT);
     SetupPrnListDisplay();
     XmtNewObject(nullptr, WizEventHandler, 0, GenGuiDesc(DisplaySetupDesc, GUI_SET_DISPLAY).c_str());
     XmtSetValuePF("d_ip", 2, 0);

@@ -10,8 +10,9 @@
 #include "tests/lib/AppTool.h"
 #include "tests/lib/SnmpAgent.h"
 #include "tests/lib/WindowRig.h"
+#include "tests/lib/WindowUser.h"
 #include "SnmpPkg/Pkg.h"
-#include "xmt/XmtMsg.h"
+#include "xmt/XmtEvent.h"
 #include "xmt/XmtUtils.h"
 
 #include <gtest/gtest.h>
@@ -23,12 +24,12 @@ static std::unique_ptr<AppTool> Tool;
 
 static Records Texts() {
     Records records;
-    const char *titles[] = {"Name", "Host Name", "Address", "Hardware Address", "Description"};
-    const char *labels[] = {"Printer: ", "Status: ", "Location: "};
-    for (int i = 0; i < 5; i++)
-        records.push_back({"20_" + std::to_string(10 + i), std::string(titles[i]) + '\0'});
-    for (int i = 0; i < 3; i++)
-        records.push_back({"1_" + std::to_string(25 + i), std::string(labels[i]) + '\0'});
+    int number = 10;
+    for (const char *title : {"Name", "Host Name", "Address", "Hardware Address", "Description"})
+        records.push_back({"20_" + std::to_string(number++), std::string(title) + '\0'});
+    number = 25;
+    for (const char *label : {"Printer: ", "Status: ", "Location: "})
+        records.push_back({"1_" + std::to_string(number++), std::string(label) + '\0'});
     return records;
 }
 
@@ -63,30 +64,22 @@ static PrnEntry *AddPrinter(const char *address, const char *model = "none", uin
 
 // ---- The table of printers
 
-TEST(PrnData, GrowsAndKeepsItsEntries) {
+TEST(PrnData, EntriesStayAndTheSelectedOneOutlivesTheNextDiscovery) {
     DevCount = 0;
-    PrnEntry *first = AddPrinter("10.0.0.1");
+    PrnEntry *first = AddPrinter("10.0.0.1", "none", PRN_WEB);
     for (int i = 1; i <= PRN_GROW; i++) AddPrinter("10.0.0.2");
     EXPECT_EQ(DevCount, 101);
-    EXPECT_EQ(prnDataCnt, 200);
     EXPECT_EQ(GetPrnEntry(0), first);
     EXPECT_STREQ(first->Name, "n10.0.0.1");
     EXPECT_EQ(GetPrnEntry(-1), nullptr);
     EXPECT_EQ(GetPrnEntry(101), nullptr);
-}
 
-TEST(PrnData, WhatWasSelectedOutlivesTheNextDiscovery) {
-    DevCount = 0;
-    AddPrinter("10.0.0.1", "none", PRN_WEB);
     SetPrinterSelectionData(0);
-    EXPECT_EQ(pCurPrnData, GetPrnEntry(0));
+    EXPECT_EQ(pCurPrnData, first);
     SetPrinterSelectionData(-1);
     DevCount = 0;
-    PrnEntry *entry = ClaimPrnEntry();
-    EXPECT_STREQ(entry->Address, "");
-    EXPECT_STREQ(entry->HwAddress, "");
-    EXPECT_EQ(entry->Flags, 0u);
-    EXPECT_EQ(Cur_Product_Index, -1);
+    EXPECT_EQ(ClaimPrnEntry(), first);
+    EXPECT_EQ(std::string(first->Address) + first->HwAddress + std::to_string(first->Flags), "0");
     EXPECT_STREQ(pCurPrnData->Address, "10.0.0.1");
     SetPrinterSelectionData(1); // there is none
     EXPECT_EQ(Cur_Product_Index, -1);
@@ -94,24 +87,21 @@ TEST(PrnData, WhatWasSelectedOutlivesTheNextDiscovery) {
 
 // ---- Lines of the list
 
+// Titles and rows; the blanks at their ends are counted.
 struct LineCase {
-    const char *what;
     int style;
-    const char *title; // without the blanks at the end, whose number follows
+    const char *title;
     int titlePad;
     const char *row;
     int rowPad;
 };
 static const LineCase Lines[] = {
-    {"default", DISPLAY_DEFAULT, "Name                       Address           Description", 39 + 3 + 9,
+    {DISPLAY_DEFAULT, "Name                       Address           Description", 39 + 3 + 9,
      "n10.0.0.1                  10.0.0.1          Tarvo 10.0.0.1", 36 + 3 + 24},
-    {"name wins over host name", DISPLAY_NAME | DISPLAY_HOST, "Name", 20 + 3 + 74, "n10.0.0.1", 15 + 3 + 41},
-    {"host name", DISPLAY_HOST, "Host Name", 15 + 3 + 74, "h10.0.0.1", 15 + 3 + 41},
-    {"hardware address", DISPLAY_HWADR, "Hardware Address", 1 + 3 + 81, "00:00:5e:00:53:07", 3 + 48},
-    {"all", DISPLAY_ALL, "Name                       Address           Hardware Address    Description",
-     39 + 3 + 8, "n10.0.0.1                  10.0.0.1          00:00:5e:00:53:07   Tarvo 10.0.0.1",
-     36 + 3 + 41},
-    {"none", 0, "", 98, "", 65},
+    {DISPLAY_NAME | DISPLAY_HOST, "Name", 20 + 3 + 74, "n10.0.0.1", 15 + 3 + 41}, // the name wins
+    {DISPLAY_HOST | DISPLAY_HWADR, "Host Name                  Hardware Address", 1 + 3 + 57,
+     "h10.0.0.1                  00:00:5e:00:53:07", 3 + 24},
+    {0, "", 98, "", 65},
 };
 
 class Gui : public testing::Test {
@@ -158,8 +148,8 @@ TEST_F(Gui, LinesOfTheList) {
     AddPrinter("10.0.0.1");
     for (const LineCase &c : Lines) {
         DisplayStyle = c.style;
-        EXPECT_EQ(GenListTitle(), Padded(c.title, c.titlePad)) << c.what;
-        EXPECT_EQ(GenListEntry(0), Padded(c.row, c.rowPad)) << c.what;
+        EXPECT_EQ(GenListTitle(), Padded(c.title, c.titlePad)) << c.style;
+        EXPECT_EQ(GenListEntry(0), Padded(c.row, c.rowPad)) << c.style;
     }
     EXPECT_EQ(GenListEntry(1), "");
 }
@@ -276,39 +266,31 @@ TEST_F(Gui, PanelOfTheSelectedPrinter) {
     EXPECT_EQ(Label("PrinterPicture"), "icon/prfamily.xbm");
 }
 
-struct ReadCase {
-    const char *what;
-    std::string name, hardware; // encoded values, empty for none
-    const char *wantName, *wantHardware;
-};
-
 TEST_F(Gui, NamesAndHardwareAddressesAreReadWhenTheyAreShown) {
-    const ReadCase cases[] = {
-        {"both", BerElement(0x04, "office"), BerElement(0x04, "\x01\x02\xAB\x04\x05\x06"), "office",
-         "01:02:ab:04:05:06"},
-        {"no name, five bytes", BerElement(0x04, ""), BerElement(0x04, "12345"), "127.0.3.3",
-         "00:00:00:00:00:00"},
-        {"an error, a number", "", BerInt(6), "127.0.3.3", "00:00:00:00:00:00"},
+    struct {
+        std::string name, hardware; // encoded values, empty for none
+        const char *want;
+    } cases[] = {
+        {BerElement(0x04, "office"), BerElement(0x04, "\x01\x02\xAB\x04\x05\x06"),
+         "office 01:02:ab:04:05:06"},
+        {BerElement(0x04, ""), BerElement(0x04, "12345"), "127.0.3.3 00:00:00:00:00:00"},
+        {"", BerInt(6), "127.0.3.3 00:00:00:00:00:00"},
     };
     Panel panel;
-    for (const ReadCase &c : cases) {
-        panel.values.clear();
+    for (const auto &c : cases) {
+        panel.values = {{PhysAddress, c.hardware}};
         if (!c.name.empty()) panel.values[SysName] = c.name;
-        panel.values[PhysAddress] = c.hardware;
         DevCount = 0;
         PrnEntry *entry = AddPrinter("127.0.3.3");
         SetText(&entry->Name, "");
         entry->HwAddress[0] = '\0';
-        DisplayStyle = DISPLAY_DESCRIPTION;
-        GenListEntry(0);
-        EXPECT_STREQ(entry->Name, "") << c.what << ": not shown, not asked";
-        DisplayStyle = DISPLAY_ALL;
-        GenListEntry(0);
-        EXPECT_STREQ(entry->Name, c.wantName) << c.what;
-        EXPECT_STREQ(entry->HwAddress, c.wantHardware) << c.what;
         int asked = panel.agent.Count();
-        GenListEntry(0);
-        EXPECT_EQ(panel.agent.Count(), asked) << c.what << ": asked once";
+        for (int style : {DISPLAY_DESCRIPTION, DISPLAY_ALL, DISPLAY_ALL}) {
+            DisplayStyle = style;
+            GenListEntry(0);
+        }
+        EXPECT_EQ(std::string(entry->Name) + " " + entry->HwAddress, c.want);
+        EXPECT_EQ(panel.agent.Count(), asked + 2) << "what is shown is asked for once";
     }
 }
 
@@ -348,15 +330,43 @@ TEST_F(Gui, DisplayWindow) {
     EXPECT_EQ(DisplayStyle, DISPLAY_DEFAULT);
 }
 
-TEST_F(Gui, OtherEvents) {
+// Clicks at a row of the list, late enough to be no double click.
+static void ClickRow(int row) {
+    RunLoopFor(XtGetMultiClickTime(AppDisplay) + 50);
+    Widget list = XmtGetWidget("scrolList");
+    Position x, y, left, top;
+    Dimension width, height;
+    ASSERT_TRUE(XmListPosToBounds(list, row, &left, &top, &width, &height));
+    XtTranslateCoords(list, static_cast<Position>(left + 20), static_cast<Position>(top + height / 2), &x,
+                      &y);
+    ClickPoint(x, y);
+}
+
+TEST_F(Gui, RowsAreSelectedByTheMouse) {
+    std::string reason;
+    if (!FindWindowUser(&reason)) GTEST_SKIP() << reason;
+    Panel panel;
+    for (const char *address : {"127.0.3.5", "127.0.3.6", "127.0.3.7"}) AddPrinter(address);
+    SetupPrnListDisplay();
+    for (int row : {2, 3, 1}) {
+        ClickRow(row);
+        EXPECT_TRUE(RunLoopUntil([&] { return Cur_Product_Index == row - 1; })) << row;
+    }
+    EXPECT_EQ(Label("mname"), "Printer: Tarvo 127.0.3.5");
+    ClickRow(1); // once more takes the selection back
+    EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == -1; }));
+    ClickRow(2);
+    EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == 1; }));
+    ClickAt("RefreshButton");
+    EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == -1; }));
+    EXPECT_EQ(XmtGetListCount("scrolList"), 3);
+}
+
+TEST_F(Gui, DriverFrontEnd) {
     SystemSpy spy;
-    AddPrinter("10.0.0.1");
+    Event(115, 0, XmtCR_CREATE);
     Event(115, 0);
-    Event(131, 0, XmtCR_CREATE); // would empty the list
     EXPECT_EQ(spy.lines, std::vector<std::string>{"./prnpnxxtty -FP &\n"});
-    EXPECT_EQ(XmtGetListCount("scrolList"), 0);
-    Event(131, 0);
-    EXPECT_EQ(XmtGetListCount("scrolList"), 1);
 }
 
 TEST_F(Gui, WithoutRootQueuesAreOffAndASelectionBringsThePrinterBack) {

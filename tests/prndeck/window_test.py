@@ -134,16 +134,6 @@ class Window(unittest.TestCase):
         deck.wait_for(lambda: self.display.pixels(picture.id) != before, "the picture of the family")
         deck.press_exit()
 
-    def test_tool_buttons(self):
-        deck = self.run_deck()
-        picture = self.display.find_parts(deck.window, 6)[3]
-        before = self.display.pixels(picture.id)
-        buttons = sorted(self.display.find_parts(deck.window, 6)[-5:], key=lambda part: part.x)
-        for button in buttons:  # most of them have no window to open yet
-            self.display.click(button)
-        deck.wait_for(lambda: self.display.pixels(picture.id) != before, "the refresh")
-        deck.press_exit()
-
     def test_german(self):
         deck = self.run_deck(title="Tarvo-Druckerverwaltung", LANG="de_DE.UTF-8")
         self.display.keep("main-de", deck.window)
@@ -180,11 +170,6 @@ class Window(unittest.TestCase):
                 lines = deck.said().splitlines()
                 self.assertTrue(len(lines) == (6 if name == "texts" else 0) and
                                 all(line.startswith("ERROR:  Could not open English database") for line in lines), lines)
-
-    def test_a_display_that_is_none(self):
-        deck = Deck(self, self.display, title=None, DISPLAY=":99999")
-        self.assertEqual(deck.program.wait(60), 1)  # standard input has ended, or the user isn't root
-        self.assertTrue(deck.said().startswith("prndeck: WARNING: can't open display\n"), deck.said())
 
     def test_there_is_no_window_for_the_manual_yet(self):
         deck = Deck(self, self.display, "-help", title=None)
