@@ -406,6 +406,12 @@ static void ReadStatementChar(Level *level, std::string *key, char ch) {
     }
 }
 
+// H of the object just read. A shell has no parent that could leave it out.
+static void HideObject(Widget object) {
+    if (flHideObject && object && XtParent(object)) XtUnmanageChild(object);
+    flHideObject = 0;
+}
+
 void XmtNewObjectWP(Widget parent) {
     Level level = {parent, nullptr};
     std::string key;
@@ -413,8 +419,7 @@ void XmtNewObjectWP(Widget parent) {
     while (*pNewDesc && *pNewDesc != '}') {
         ReadStatementChar(&level, &key, *pNewDesc++);
         PopMacro();
-        if (flHideObject && level.object) XtUnmanageChild(level.object);
-        flHideObject = 0;
+        HideObject(level.object);
     }
     if (*pNewDesc) pNewDesc++;
 }
