@@ -41,8 +41,7 @@ int OpenWindowFace() {
     return 1;
 }
 
-// Macros that every window uses: fonts, and the names of channel states.
-static void GenMacros() {
+void GenMacros() {
     static constexpr const char *FontKeys[] = {"PrdGuiFontDef1", "PrdGuiFontDef2", "PrdGuiFontDef3",
                                                "PrdGuiFontDef4", "PrdGuiFontDef5", "PrndeckMainFontDef"};
     std::string texts[std::size(FontKeys) + 2];
