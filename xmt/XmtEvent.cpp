@@ -169,15 +169,18 @@ void XmtModalAppLoop(const char *flDone) {
 
 // ---- dispatch
 
-// One event on its way; texts that were made for it go with it.
+// One event on its way; texts that were made for it go with it. The object's own may be replaced while its
+// handler runs, by what the handler sets.
 struct Dispatch {
     XmtObjectData *object;
     Widget widget;
     XmAnyCallbackStruct *call;
     XmtCallData data;
-    std::string name;  // the owner's, for an item
-    std::string typed; // in a text field
-    char *decoded;     // of a list's item, managed
+    std::string name;      // the owner's, for an item
+    std::string typed;     // in a text field
+    std::string whole;     // what a text field holds
+    std::string selection; // as in XmtCallData
+    char *decoded;         // of a list's item or a dialog, managed
 };
 
 struct ReasonRow {
@@ -259,21 +262,22 @@ static bool TestTextWidget(Widget widget) {
 static void DispatchText(Dispatch *event) {
     if (!TestTextWidget(event->widget)) return;
     char *text = XmTextGetString(event->widget);
-    XmtKeepText(&event->object->value, text);
+    event->whole = text;
     XtFree(text);
-    event->data.value = event->object->value;
+    XmtKeepText(&event->object->value, event->whole.c_str());
+    event->data.value = reinterpret_cast<intptr_t>(event->whole.c_str());
     if (event->data.reason == XmtCR_DEFAULT)
-        event->data.text = XmtTextOf(event->object->value);
+        event->data.text = event->whole.c_str();
     else
         DispatchVerify(event);
 }
 
 static void DispatchMasked(Dispatch *event) {
     if (!TestTextWidget(event->widget)) return;
-    if (event->data.reason == XmtCR_DEFAULT)
-        event->data.text = XmtTextOf(event->object->stored);
-    else
-        DispatchVerify(event);
+    if (event->data.reason != XmtCR_DEFAULT) return DispatchVerify(event);
+    if (!event->object->stored) return;
+    event->whole = XmtTextOf(event->object->stored);
+    event->data.text = event->whole.c_str();
 }
 
 // Prompt and file dialogs share the head of their records, the value with it.
@@ -283,7 +287,7 @@ static void DispatchDialog(Dispatch *event) {
     auto call = reinterpret_cast<XmSelectionBoxCallbackStruct *>(event->call);
     event->decoded = XmtDecodeString(call->value);
     XmtKeepText(&event->object->value, event->decoded);
-    event->data.text = XmtTextOf(event->object->value);
+    event->data.text = event->decoded;
 }
 
 // The pulldown and the further menus up to that of the item.
@@ -292,18 +296,30 @@ static void HideItemMenus(const std::string &owner, intptr_t value) {
     for (intptr_t i = 1; i <= value / MENU_ITEMS; i++) XmtHide((owner + "_sm" + std::to_string(i)).c_str());
 }
 
+// The state of a toggle; only its own events tell it.
+static bool TestToggleSet(const Dispatch *event) {
+    if (event->call->reason != XmCR_VALUE_CHANGED) return XmToggleButtonGetState(event->widget);
+    return reinterpret_cast<XmToggleButtonCallbackStruct *>(event->call)->set != XmUNSET;
+}
+
+// Help for an item, say, does not choose it: the event comes with the value that stands.
+static bool TestItemChosen(const Dispatch *event) {
+    return XmIsToggleButton(event->widget) ? TestToggleSet(event) : event->call->reason == XmCR_ACTIVATE;
+}
+
 // An item of an option list or a radio box; false if the event ends here.
 static bool DispatchItem(Dispatch *event) {
     bool flToggle = XmIsToggleButton(event->widget);
     if (!flToggle && !XmIsPushButton(event->widget)) return true;
-    if (flToggle && event->call->reason == XmCR_VALUE_CHANGED &&
-        !reinterpret_cast<XmToggleButtonCallbackStruct *>(event->call)->set)
-        return false;
+    bool flChosen = TestItemChosen(event);
+    if (flToggle && !flChosen && event->call->reason != XmCR_HELP) return false;
     if (!SplitItemName(event->object->name, &event->name, &event->data.value)) return true;
-    HideItemMenus(event->name, event->data.value);
     event->data.name = event->name.c_str();
-    KeepValue(event->object, event->data.value);
     XmtObjectData *owner = XmtFindObject(event->data.name);
+    if (!flChosen) event->data.value = owner ? owner->value : 0;
+    if (!flChosen) return true;
+    HideItemMenus(event->name, event->data.value);
+    KeepValue(event->object, event->data.value);
     if (!owner) return true;
     owner->previous = owner->value = event->data.value;
     SelectStateIcon(owner, event->data.value);
@@ -313,10 +329,7 @@ static bool DispatchItem(Dispatch *event) {
 
 static void DispatchToggle(Dispatch *event) {
     if (!XmIsToggleButton(event->widget)) return;
-    if (event->call->reason == XmCR_VALUE_CHANGED)
-        event->data.value = reinterpret_cast<XmToggleButtonCallbackStruct *>(event->call)->set != XmUNSET;
-    else
-        event->data.value = XmToggleButtonGetState(event->widget);
+    event->data.value = TestToggleSet(event);
     KeepValue(event->object, event->data.value);
     SelectStateIcon(event->object, event->data.value);
 }
@@ -356,17 +369,21 @@ static void DispatchList(Dispatch *event) {
     KeepValue(event->object, event->data.value);
 }
 
-// The texts, each with a NUL behind it; managed memory has one more.
-static char *GatherSelection(const XmListCallbackStruct *call) {
+// The texts, each with a NUL behind it.
+static std::string GatherSelection(const XmListCallbackStruct *call) {
     std::string texts;
     for (int i = 0; i < call->selected_item_count; i++) {
         char *text = XmtDecodeString(call->selected_items[i]);
         texts.append(text, strlen(text) + 1);
         XmtFreeStr(text);
     }
-    auto selection = static_cast<char *>(GetMem(texts.size() + 1));
-    if (selection) memcpy(selection, texts.data(), texts.size());
-    return selection;
+    return texts;
+}
+
+static void KeepSelection(XmtObjectData *object, const std::string &texts) {
+    XmtFreeStr(object->selection);
+    object->selection = static_cast<char *>(GetMem(texts.size() + 1));
+    if (object->selection) memcpy(object->selection, texts.data(), texts.size());
 }
 
 static intptr_t GetSelectionMask(const XmListCallbackStruct *call) {
@@ -385,8 +402,9 @@ static void DispatchMultiList(Dispatch *event) {
     event->data.positions = call->selected_item_positions;
     event->data.count = call->selected_item_count;
     event->data.value = GetSelectionMask(call);
-    XmtFreeStr(event->object->selection);
-    event->data.selection = event->object->selection = GatherSelection(call);
+    event->selection = GatherSelection(call);
+    event->data.selection = event->selection.c_str();
+    KeepSelection(event->object, event->selection);
     KeepValue(event->object, event->data.value);
 }
 
@@ -437,6 +455,8 @@ void XmtEventHandler(Widget widget, XtPointer object, XtPointer callData) {
                    widget,
                    static_cast<XmAnyCallbackStruct *>(callData),
                    {},
+                   "",
+                   "",
                    "",
                    "",
                    nullptr};

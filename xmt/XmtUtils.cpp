@@ -383,7 +383,10 @@ static void SetTextValue(XmtObjectData *object, XmtCallData *data, const char *t
         data->length = static_cast<intptr_t>(strlen(text));
         data->reason = XmtCR_CHANGED;
     }
-    XmtSetXmValueW(object->widget, XmNvalue, reinterpret_cast<XtArgVal>(text));
+    XmtSetText(object->name, text);
+    // The setting has made it the real text already: the format checks it as what takes the place of that.
+    if (object->type == XmtPasswd && object->stored)
+        data->end = static_cast<intptr_t>(strlen(XmtTextOf(object->stored)));
 }
 
 static void SetControl(XmtObjectData *object, XmtCallData *data, NewValue value) {

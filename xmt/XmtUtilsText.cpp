@@ -158,8 +158,14 @@ char *XmtGetText(const char *name) {
 }
 
 void XmtSetText(const char *name, const char *text) {
-    if (Widget widget = FindText(name))
-        XmtSetXmValueW(widget, XmNvalue, reinterpret_cast<XtArgVal>(text ? text : ""));
+    Widget widget = FindText(name);
+    if (!widget) return;
+    if (!text) text = "";
+    // The field shows a value set as a resource as it is, whatever its callback makes of it.
+    if (XmtFindObject(name)->type == XmtPasswd)
+        XmTextSetString(widget, const_cast<char *>(text));
+    else
+        XmtSetXmValueW(widget, XmNvalue, reinterpret_cast<XtArgVal>(text));
 }
 
 void XmtAddTextStr(const char *name, const char *text, int position) {

@@ -146,8 +146,7 @@ static int CheckLength(FieldCheck *check, FieldRange range) {
 
 static int RefuseText(FieldCheck *check, char letter) {
     if (TakeNextAlternative(check)) return CHECK_ON;
-    // The first line of the length's text has no place for the character.
-    if (letter != 'A') return RefuseEntry(ENTRY_CHARACTER, FirstLine(GetText(TXT_LENGTH)));
+    if (letter != 'A') return RefuseCharacter(TXT_LENGTH, *check->in);
     const char *rest = *check->in == '%' ? "%%" : check->in; // shown as a single one
     return RefuseEntry(ENTRY_CHARACTER, NlsFmt(GetText(TXT_REST).c_str(), "s", rest));
 }
@@ -473,8 +472,10 @@ static void ProcessMaskedChange(XmtObjectData *object, XmtCallData *data) {
 void XmtProcessMaskedFormat(XmtObjectData *object, XmtCallData *data) {
     static bool flChecked; // by the first call of the pair
     if (data->reason == XmtCR_DEFAULT) {
-        data->text = XmtTextOf(object->stored);
+        std::string text = object->stored ? XmtTextOf(object->stored) : ""; // the handler may set another
+        data->text = object->stored ? text.c_str() : nullptr;
         CallHandler(object, data);
+        data->text = nullptr;
     }
     if (data->reason != XmtCR_CHANGED) return;
     flChecked = !flChecked;

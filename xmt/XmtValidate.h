@@ -6,8 +6,7 @@
 //   bounds     stand without a parenthesis, "d1,60"; those of x are hexadecimal
 //   A a p      the minus list counts
 //   lengths    typed text plus candidate, if the two differ, against minimum and maximum + 1: right for the
-//   usual
-//              single character, and one more than the maximum may be pasted into an empty field
+//              usual single character, and one more than the maximum may be pasted into an empty field
 //   numbers    are those of the whole candidate; an empty one counts as the minimum
 //   !(text)    looks at the typed text
 //   &          goes on with the typed text alone
@@ -17,8 +16,7 @@
 //              bar does nothing
 //   `          switches alternatives off and on
 //   lN vC      when the candidate has the length N, when the typed text begins with C: moves on. "tNAME"
-//   behind
-//              it names the text field that gets the focus. The change is vetoed
+//              behind it names the text field that gets the focus. The change is vetoed
 //   literal    an entry that ends in front of it is accepted: the rest may still be typed
 //
 // "v.tnext | d0,255" is a field that holds a number up to 255 and from which a typed point leads to the next.

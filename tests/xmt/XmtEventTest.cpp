@@ -137,7 +137,7 @@ static const char MainWindow[] =
     "bp own p(100,40) l(Own) f(Cme[x] Ca[other] Ca[.]);\n"
     "id(210) bt toggle p(10,80) l(Toggle); bt statebut p(100,80) l(State) f(H1[hidden] C*[.]);\n"
     "l hidden p(200,80) l(Hidden);\n"
-    "id(220) br radio p(10,120) L(One,Two,Three);\n"
+    "id(220) br radio p(10,120) L(One,Two,Three) CB(h);\n"
     "id(230) bl list p(10,240) l(List) L(Ex,Why,Zed);\n"
     "bl long p(160,240) L(1,2,3,4,5,6,7,8,9,10,11,12,13,14,15,16,17,18,19,20,21,22,23);\n"
     "id(240) t field p(10,290) s(10,1) CB(c,a,fg,fl); t moved p(150,290) s(10,1) CB(m);\n"
@@ -201,7 +201,9 @@ TEST_F(XmtEventWindow, TogglesAndRadioBoxes) {
     EXPECT_TRUE(XtIsManaged(XmtGetWidget("hidden")));
     ClickAt("radio_3");
     EXPECT_EQ(HearUntil(";"), "radio 220/2=2;") << "the one switched off is silent";
-    PressKeys("Up space");
+    PressKeys("Up F1");
+    EXPECT_EQ(HearUntil(";"), "radio 220/7=2;") << "help for another one does not choose it";
+    PressKeys("space");
     EXPECT_EQ(HearUntil(";"), "radio 220/2=1;");
     EXPECT_EQ(XmtGetValue("radio"), 1);
 }
@@ -238,20 +240,22 @@ TEST_F(XmtEventWindow, Menus) {
     EXPECT_EQ(HearUntil(";"), "bar_2_b_1 102/1=0;") << "the menu comes up at the entry used last";
 }
 
-static void Refuse(XmtCallData *data) {
+static void RefuseAndClear(XmtCallData *data) {
+    if (data->reason == XmtCR_DEFAULT) XmtSetText(data->name, "");
     Hear(data);
     if (data->doit && data->text && *data->text == 'x') *data->doit = 0;
 }
 
 TEST_F(XmtEventWindow, Texts) {
-    XmtFindObject("field")->handler = Refuse;
+    XmtFindObject("field")->handler = RefuseAndClear;
     ClickAt("field");
     EXPECT_EQ(HearUntil("/10=0;"), "field 240/10=0;");
     TypeText("axb");
     EXPECT_EQ(HearUntil(" b;"), "field 240/2=text a;field 240/2=text x;field 240/2=text b;");
     EXPECT_STREQ(XmtTextOf(XmtGetValue("field")), "a") << "the text in front of the last change";
     PressKeys("BackSpace Return");
-    EXPECT_EQ(HearUntil("/1=text a;"), "field 240/2=text;field 240/1=text a;") << "nothing typed, no text";
+    EXPECT_EQ(HearUntil("/1=text a;"), "field 240/2=text;field 240/2=text;field 240/1=text a;")
+        << "nothing typed, no text; the text outlives what the handler sets";
     XmtFindObject("field")->handler = Hear;
     ClickAt("moved");
     EXPECT_EQ(HearUntil("/11=0;"), "field 240/11=0;");

@@ -267,6 +267,10 @@ static void CheckKeys() {
         ListDelAllItems(pXmtMsgList);
     }
     EXPECT_STREQ(XmtTextOf(XmtFindObject("secret")->stored), "acb");
+    XmtSetValuePF("secret", "wxyz", 1);
+    XmtResetToStoredValue("secret");
+    EXPECT_STREQ(XmtTextOf(XmtGetValue("secret")), "wxyz");
+    EXPECT_EQ(GetFieldText("secret"), "****");
     XmtSetText("number", "99"); // the program's own settings are checked like everybody's
     EXPECT_EQ(GetFieldText("number"), "5");
     EXPECT_EQ(CountMessages(), 1);
