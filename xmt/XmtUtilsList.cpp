@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <vector>
 
 enum { MASK_ITEMS = 4 }; // items that a mask can select
 
@@ -56,16 +57,12 @@ void XmtClearAllListItems(const char *name) {
     if (Widget list = FindList(name)) XmListDeselectAllItems(list);
 }
 
-static void AddItem(Widget list, const char *text, int position) {
-    XmString item = XmtMakeString(text);
-    XmListAddItemUnselected(list, item, position);
-    XmStringFree(item);
-}
-
 void XmtAddListItem(const char *name, const char *text, int position) {
     Widget list = FindList(name);
     if (!list || !text || position < 0 || position > GetItemCount(list) + 1) return;
-    AddItem(list, text, position);
+    XmString item = XmtMakeString(text);
+    XmListAddItemUnselected(list, item, position);
+    XmStringFree(item);
 }
 
 void XmtDeleteListItem(const char *name, int position) {
@@ -87,9 +84,11 @@ void XmtReplaceAllListItems(const char *name, const char *list) {
     Widget widget = FindList(name);
     if (!widget || !list) return;
     XmtTokenRecord record;
-    int position = 0;
+    std::vector<XmString> items; // one by one a list takes the square of their number
     for (char *item = XmtStrTok(&record, list, ","); item; item = XmtStrTok(&record, nullptr, ","))
-        AddItem(widget, item, ++position);
+        items.push_back(XmtMakeString(item));
+    if (!items.empty()) XmListAddItemsUnselected(widget, items.data(), static_cast<int>(items.size()), 1);
+    for (XmString item : items) XmStringFree(item);
 }
 
 void XmtReplaceListItem(const char *name, const char *text, int position) {
