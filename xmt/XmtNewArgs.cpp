@@ -809,7 +809,8 @@ static void AskForSide(GetList *list, const char *item) {
 static void AskForColour(GetList *list, const char *item) {
     static const char keys[] = ",bg,fg,hi,bo,st,sb,";
     std::string key(item, strnlen(item, 2));
-    if (XmtFindToken(key.c_str(), keys)) AskFor(list, FindColourKey(item)->resource);
+    const XmtColourKey *row = FindColourKey(item);
+    if (row && XmtFindToken(key.c_str(), keys)) AskFor(list, row->resource);
 }
 
 // letter(a,b): each value of the parenthesis behind A or c is asked for; of other letters it is skipped.

@@ -150,7 +150,7 @@ static const unsigned char RemovableButton[] = {0, XmDIALOG_CANCEL_BUTTON, XmDIA
 static void RemoveButtons(const XmtObjectData *dialog, const XmtInfo *info) {
     if (dialog->type == XmtFileDialog || dialog->type == XmtmessageDialog) return;
     for (XmtValues word(info->no.c_str()); word.Next();) {
-        int button = XmtFindToken(word.value.c_str(), RemovableButtons);
+        int button = word.value.empty() ? 0 : XmtFindToken(word.value.c_str(), RemovableButtons);
         if (button > 0) XtUnmanageChild(DialogButton(dialog, RemovableButton[button]));
     }
 }

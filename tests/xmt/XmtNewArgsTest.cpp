@@ -217,7 +217,7 @@ TEST(GetInfo, ListsWhatIsAskedFor) {
     XmtInfo info;
     XtArgVal values[XMT_ARGS];
     std::string names;
-    XmtGetInfo(&info, "q s m(x) lkL hv c(bg, fg,xx) A(t,z,r) CB(a,b) zz(s) t o;s", values);
+    XmtGetInfo(&info, "q s m(x) lkL hv c(bg,, fg,xx) A(t,z,r) CB(a,b) zz(s) t o;s", values);
     for (int i = 0; i < info.argCount; i++) {
         EXPECT_EQ(info.args[i].value, reinterpret_cast<XtArgVal>(&values[i])) << i;
         names += std::string(info.args[i].name) + " ";

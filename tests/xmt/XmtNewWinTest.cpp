@@ -97,7 +97,8 @@ TEST_F(Windows, DialogsHaveTheirTextsAndButtons) {
     XmtNewObject(
         "main", OnEvent, 40,
         "DE de L(Yes,,Later\\,) l(Type \\(it\\)) t(preset) T(Title) CB(a) f(C[x]); DE de2 no(help,ok); "
-        "DW dw t(careful) no(cancel) Dt(?); DI di t(a\nb) no(help,cancel) Dt(x); DI di2 Dt(i); Df df no(ok); "
+        "DW dw t(careful) no(cancel) Dt(?); DI di t(a\nb) no(help,,cancel) Dt(x); DI di2 Dt(i); Df df "
+        "no(ok); "
         "DM dm t(plain); DB db t(Board) { l dbl; } DF dfo; D ds t(Shell); ");
     for (auto &c : DialogTexts)
         EXPECT_EQ(StringOf(c.object, c.resource), c.want) << c.object << " " << c.resource;
