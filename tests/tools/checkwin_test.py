@@ -58,6 +58,12 @@ CASES = (
     ("tabs and lists", "T t { TB 1 l(a) <4 h> { l x ; } TB 2 { } }\nBl s <1 v> l(c);\nBl u <1 v>;\nl t_1 ;\nl s_Form ;\nl t_BB2 ;", (
         '1:17: group 4 of "1" is read by no part of it', '1:36: "2": a tab wants a label', '3:6: group 1 of "u" is read by no part of it',
         '4:3: "t_1" is the name of an object of FILE', '5:3: "s_Form" is the name of an object of FILE')),
+    ("objects that are there", "l a ;\nO a { l b ; } OS b h t(l c ; ) l(x);\nO zz { } OS zz bo(2) ; P(zz) l d ;", (
+        '3:3: "zz" is no object so far', '3:13: "zz" is no object so far', '3:26: "zz" is no object so far')),
+    ("files", "#include FILE\n#include /no/file\n", (
+        "1:1: more than 200 blocks or files within each other", "2:1: the file \"/no/file\" can't be read")),
+    ("calls without end", ".5 *5*5 \n*5 ", (
+        "2:1: in macro 5: macro 5: more than 20 calls", "2:1: in macro 5: macro 5: the calls never end")),
     ("holes", "l a l(%s) ;\nl b l(%d) ;", ("2:7: '%' that is no hole",)),
 )
 
@@ -76,7 +82,7 @@ class CheckWin(unittest.TestCase):
 
     def check_text(self, text, *words):
         with open(self.file, "w", encoding="latin-1") as file:
-            file.write(text)
+            file.write(text.replace("FILE", self.file))
         return self.check(STAGE, self.file, *words)
 
     def test_the_windows_of_the_program(self):

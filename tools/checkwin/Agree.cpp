@@ -33,16 +33,24 @@ static void SkipObject(bool flCompound) {
     flHideObject = 0; // there is no widget to hide
 }
 
-// The body of a menu bar, with its braces.
+static bool SkipChar(char ch) {
+    pNewDesc = XmtSkipSpace(pNewDesc);
+    if (*pNewDesc != ch) return false;
+    pNewDesc++;
+    return true;
+}
+
+// The body of a menu bar: labels in parentheses, levels that '}' or ';' ends.
 static void SkipMenu() {
-    int open = 0;
-    for (pNewDesc = XmtSkipSpace(pNewDesc); *pNewDesc; pNewDesc++) {
-        if (*pNewDesc == '\\' && pNewDesc[1]) pNewDesc++;
-        open += *pNewDesc == '{' ? 1 : *pNewDesc == '}' ? -1 : 0;
-        if (open > 0 || !strchr("};", *pNewDesc)) continue;
-        pNewDesc++;
-        return;
+    std::string label;
+    bool flBrace = SkipChar('{');
+    for (int levels = 1; *pNewDesc && levels > 0; pNewDesc++) {
+        if (*pNewDesc == '(') pNewDesc = GetArgValues(&label, pNewDesc);
+        if (*pNewDesc == '#') pNewDesc += strcspn(pNewDesc, "\n");
+        levels += *pNewDesc == '{' ? 1 : *pNewDesc == '}' || *pNewDesc == ';' ? -1 : 0;
+        if (!*pNewDesc) return;
     }
+    if (flBrace) SkipChar('}');
 }
 
 static void SkipText() {
@@ -74,16 +82,27 @@ static Widget AskPA(Widget, intptr_t row) {
     return nullptr;
 }
 
+// The object is not there; its arguments are.
+static Widget AskChange(Widget, intptr_t) {
+    XmtInfo info;
+    std::string name;
+    pNewDesc = GetWord(&name, pNewDesc);
+    XmtFillInfo(&info, XMT_FILL_NESTED);
+    XmtClearInfo(&info);
+    SpecifiedAppCBValue = flHideObject = 0;
+    return nullptr;
+}
+
 std::string AskReader(const std::string &text) {
     static XmtKeyRow rows[XMT_KEYS];
     for (int i = 1; i < XMT_KEYS; i++) {
         rows[i] = Objs[i];
-        if (rows[i].kind < 0) continue;
+        if (rows[i].kind < 0 && rows[i].kind != XMT_KIND_CHANGE) continue;
         rows[i].first = i;
         if (rows[i].kind == XMT_KIND_A)
             rows[i].create.a = AskA;
         else
-            rows[i].create.pa = AskPA;
+            rows[i].create.pa = rows[i].kind == XMT_KIND_CHANGE ? AskChange : AskPA;
         if (rows[i].kind != XMT_KIND_A) rows[i].kind = XMT_KIND_PA;
     }
     Asked.clear();

@@ -11,6 +11,12 @@
 
 std::string StageDir;
 std::map<int, Text> MacroTexts;
+int MacroUses;
+
+bool CountMacroUse(const Place &place, int number) {
+    if (MacroUses++ == XMT_CALLS_ALL) Report(place, "macro %d: the calls never end", number);
+    return MacroUses <= XMT_CALLS_ALL;
+}
 
 // ---- values
 
@@ -149,6 +155,7 @@ static void ReadMacro(const Reading *r) {
     auto found = MacroTexts.find(number);
     if (found == MacroTexts.end()) return Report(r->place, "macro %d is not defined", number);
     if (depth == XMT_CALLS) return Report(r->place, "macro %d uses itself", number);
+    if (!CountMacroUse(r->place, number)) return;
     Scan body{PlaceBody(found->second, r->place, number)};
     depth++;
     ReadArguments(&body, r->mode | ARGS_NO_NAME, r->args);

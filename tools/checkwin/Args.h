@@ -5,8 +5,10 @@
 
 #include <map>
 
-extern std::string StageDir;           // where pictures are looked for
-extern std::map<int, Text> MacroTexts; // bodies
+extern std::string StageDir;                        // where pictures are looked for
+extern std::map<int, Text> MacroTexts;              // bodies
+extern int MacroUses;                               // of the description in hand
+bool CountMacroUse(const Place &place, int number); // false, and reported, when there are too many
 
 // What of the arguments matters to others. A part that was not there is empty, or its flag clear.
 struct Args {

@@ -15,6 +15,7 @@
 static std::vector<Scan> Calls; // the description, and the macros that are being read
 static std::string Done;
 static bool flStopped; // a brace too many ended the description
+static int Blocks;     // open, files among them
 
 static Scan *In() {
     return &Calls.back();
@@ -43,6 +44,7 @@ static void CallMacro(const Place &place) {
     auto found = MacroTexts.find(number);
     if (found == MacroTexts.end()) return Report(place, "macro %d is not defined", number);
     if (Calls.size() > XMT_CALLS) return Report(place, "macro %d: more than %d calls", number, XMT_CALLS);
+    if (!CountMacroUse(place, number)) return;
     if (!flArguments) {
         Calls.push_back({PlainBody(found->second, place, number)});
         return;
@@ -79,17 +81,16 @@ static void SetParent(Level *level) {
     level->object = object;
 }
 
-static Text ReadKnownObject(Level *level) {
+static void ReadKnownObject(Level *level) {
     Text name = TakeWord(In());
     level->object = FindObject(name.chars);
     if (level->object < 0) Report(name.place(0), "\"%s\" is no object so far", name.chars.c_str());
-    return name;
 }
 
 static void ChangeObject(Level *level) {
     Args args;
-    Text name = ReadKnownObject(level);
-    if (level->object >= 0) ReadArguments(In(), ARGS_NO_NAME, &args);
+    ReadKnownObject(level);
+    ReadArguments(In(), ARGS_NO_NAME, &args);
 }
 
 static void RunKey(Level *level, const std::string &key, int row) {
@@ -120,15 +121,47 @@ static void EndKey(Level *level, std::string *key, const Place &place) {
     key->clear();
 }
 
-static void ReadComment(const Place &place) {
+// False, and reported, if it is one too many; else the caller counts it off again.
+static bool CountBlock(const Place &place) {
+    if (Blocks == XMT_BLOCKS) Report(place, "more than %d blocks or files within each other", XMT_BLOCKS);
+    if (Blocks == XMT_BLOCKS) return false;
+    Blocks++;
+    return true;
+}
+
+static void ReadBlock(Level *level, const Place &place) {
+    level->flDead = false;
+    if (!CountBlock(place)) return;
+    ReadLevel(level->object, true, place);
+    Blocks--;
+}
+
+// A file is a description of its own: neither its blocks nor its macro calls go on behind it.
+static void ReadFile(const std::string &name, int parent, const Place &place) {
+    std::ifstream file(name);
+    if (!file) return Report(place, "the file \"%s\" can't be read", name.c_str());
+    if (!CountBlock(place)) return;
+    std::vector<Scan> calls;
+    std::string source = SourceName();
+    std::string text(std::istreambuf_iterator<char>(file), {});
+    text.resize(strlen(text.c_str()));
+    calls.swap(Calls);
+    Calls = {{PlaceText(text)}};
+    BeginSource(name);
+    ReadLevel(parent, false, {});
+    Blocks--;
+    BeginSource(source);
+    Calls.swap(calls);
+    flStopped = false;
+}
+
+static void ReadComment(const Level &level, const Place &place) {
     static const std::string word = "include";
-    Scan *in = In();
-    Text line = TakeUpTo(in, "\n");
+    Text line = TakeUpTo(In(), "\n");
     if (line.chars.compare(0, word.size(), word) != 0) return;
     std::string name = line.chars.substr(std::min(word.size() + 1, line.chars.size()));
     name.resize(std::min(name.find_first_of(" \t"), name.size()));
-    std::ifstream file(name);
-    if (!file) Report(place, "the file \"%s\" can't be read", name.c_str());
+    ReadFile(name, level.parent, place);
 }
 
 static void ReadStray(Level *level, const Place &place, char ch) {
@@ -139,10 +172,10 @@ static void ReadStray(Level *level, const Place &place, char ch) {
 
 static void ReadChar(Level *level, std::string *key, Place *keyPlace, char ch, const Place &place) {
     switch (ch) {
-    case '{': level->flDead = false; return ReadLevel(level->object, true, place);
+    case '{': return ReadBlock(level, place);
     case '.': return DefineMacro(place);
     case '*': return CallMacro(place);
-    case '#': return ReadComment(place);
+    case '#': return ReadComment(*level, place);
     case '(':
         if (key->empty()) return ReadStray(level, place, ch);
         *key += ch;
@@ -183,6 +216,7 @@ std::string ReadDescription(const Text &text) {
     Calls = {{text}};
     Done.clear();
     flStopped = false;
+    MacroUses = Blocks = 0;
     ReadLevel(FindMainWindow(), false, {});
     return Done;
 }

@@ -148,6 +148,7 @@ static bool CheckLanguages(const Job &job) {
 static bool ReadFile(Job *job) {
     std::ifstream file(job->file);
     job->text.assign(std::istreambuf_iterator<char>(file), {});
+    job->text.resize(strlen(job->text.c_str())); // a NUL ends a description
     if (!file.is_open()) fprintf(stderr, "checkwin: can't read %s\n", job->file);
     return file.is_open();
 }
