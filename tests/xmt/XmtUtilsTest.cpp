@@ -1,0 +1,549 @@
+// The accessors: what they do to objects, and that they do nothing to what is not there.
+#include "xmt/XmtUtils.h"
+
+#include "tests/lib/Capture.h"
+#include "tests/lib/WindowRig.h"
+#include "xmt/XmtEvent.h"
+#include "xmt/XmtNew.h"
+#include "xmt/XmtNewWin.h"
+#include "xmt/XmtString.h"
+
+#include <climits>
+#include <gtest/gtest.h>
+#include <string>
+#include <utility>
+
+TEST(BreakString, Lines) {
+    static const struct {
+        const char *text;
+        int width, indent;
+        const char *broken;
+    } cases[] = {
+        {"", 5, 2, ""},
+        {"short", 5, 2, "short"},
+        {"one two three", 7, 0, "one two\nthree"},
+        {"one two three", 8, 0, "one two\nthree"},
+        {"one two three", 6, 0, "one\ntwo\nthree"},
+        {"Key: one two three", 9, 5, "Key: one\n     two\n     thre-\n     e"},
+        {"abcdefgh", 3, 0, "abc-\ndef-\ngh"},
+        {"abcdefgh", 3, 2, "abc-\n  d-\n  e-\n  f-\n  g-\n  h"},
+        {"abcdefgh", 3, 3, "abc-\ndef-\ngh"},
+        {"abcdefgh", 3, 99, "abc-\ndef-\ngh"},
+        {"abc def", 3, -4, "abc\ndef"},
+        {"ab", 0, 0, "a-\nb"},
+        {"     x", 2, 1, "  \n  \n x"},
+        {nullptr, 5, 0, ""},
+    };
+    for (const auto &row : cases)
+        EXPECT_EQ(BreakString(row.text, row.width, row.indent), row.broken)
+            << (row.text ? row.text : "(null)") << " " << row.width << " " << row.indent;
+    EXPECT_EQ(BreakString(std::string(200, 'w').c_str(), 40, 39).size(), 200u + 160 * 39 + 160 * 2);
+}
+
+static std::string Heard;
+
+static void Hear(XmtCallData *data) {
+    Heard += std::string(data->name) + "=" + std::to_string(data->value) + " ";
+}
+
+static const char Description[] =
+    "WF main t(Main) {\n"
+    "l label p(-7,3) l(Name: old) s(120,-1) A(lf-3,tf10); bp push l(P~ush) A(lf,tf40); l plain l( );\n"
+    "BB board bo(3) A(lf150,tf) { l one l(1); l two l(2) p(0,20); l three l(3) p(0,40); }\n"
+    "id(10) Bl list V(3) L(a,b,c) A(lf,tf80); Blm multi V(6) L(p,q,r,s,t) A(lf60,tf80);\n"
+    "id(20) t field s(12,1) t(start) A(lf,tf200); t area s(30,4) t(many words) A(lf,tf240) Ss(F,F);\n"
+    "t checked s(12,1) A(lf150,tf200) CB(c) f(d1,60); tp secret s(12,1) A(lf300,tf200) CB(c) f(A0,20);\n"
+    "id(30) bt toggle l(Toggle) A(lf300,tf); br radio L(x,y,z) A(lf300,tf40); bl option l(Opt) L(x,y,z) "
+    "A(lf300,tf140);\n"
+    "bt follower l(F) f(C*[follower]) A(lf400,tf);\n"
+    "}\n"
+    "id(40) DB box t(Box) { l inbox l(In); }\n";
+
+// What every accessor does with a name; on the screen or not, of the kind or not, it goes on.
+static void CallAll(const char *name) {
+    XmtSetXmValue(name, XmNx, 3);
+    XmtGetXmValue(name, "noSuchResource");
+    XmtSetArgs(name);
+    XmtSetArgsNoUpdate(name);
+    XmtUpdate(name);
+    XmtSetAppData(name, XmtGetAppData(name));
+    XmtSetItemState(name, 77);
+    for (auto act : {XmtShow, XmtHide, XmtDisable, XmtEnable, XmtLowerItem, XmtRaiseItem, XmtClearCursor,
+                     XmtSetFocus, XmtSetFocusToParent, SetFocus, XmtSetTextFocus, XmtShow, XmtDoFormat})
+        act(name);
+    for (unsigned shape : {0u, unsigned{XC_watch}, 152u, 160u, 100000u}) XmtSetCursor(name, shape);
+    for (int n : {-1, 0, 1, 99}) {
+        for (int flNotify : {0, 1}) XmtSetListItem(name, n, flNotify);
+        for (auto act : {XmtClearListItem, XmtDeleteListItem, XmtSetOptionMenu, XmtSetRadioBox, XmtSetTextPos,
+                         XmtSetTextPosTop})
+            act(name, n);
+        for (auto act : {XmtAddListItem, XmtReplaceListItem, XmtReplaceListItems_, XmtAddTextStr}) {
+            act(name, "a,b,c", n);
+            act(name, nullptr, n);
+        }
+        XmtSetTextHighlight(name, n, n + 2);
+        XmtClearTextHighlight(name, n + 2, n);
+        XmtSetValuePF(name, static_cast<intptr_t>(n), 1);
+    }
+    for (auto act : {XmtSetLabelText, XmtSetFont, XmtSetTitle, XmtSetIconName, XmtReplaceListItems,
+                     XmtReplaceAllListItems})
+        act(name, nullptr);
+    XmtSetValuePF(name, nullptr, 1);
+    XmtClearAllListItems(name);
+    XmtStoreValue(name);
+    XmtResetToStoredValue(name);
+    EXPECT_LE(XmtGetListCount(name), 100);
+    for (char *text : {XmtGetText(name), XmtGetTextSelection(name)}) XtFree(text);
+    TakeText(XmtGetLabel(name));
+}
+
+static bool flUp;
+static std::string SkipReason;
+
+class XmtUtils : public testing::Test {
+protected:
+    static void SetUpTestSuite() {
+        if (!StartWindowRig("1024x768x24", &SkipReason)) return;
+        XmtNewObject(nullptr, Hear, 1, Description);
+        flUp = AppShell != nullptr;
+        if (!flUp) return;
+        for (const char *name :
+             {"label", "list", "multi", "field", "area", "toggle", "radio", "option", "box"})
+            CallAll(name);
+        EXPECT_EQ(XmtGetWindow(XmtGetWidget("label")), 0u) << "all this was in front of the screen";
+        XmtHide("box");
+        RealizeWindows();
+    }
+    void SetUp() override {
+        if (!flUp) GTEST_SKIP() << SkipReason;
+        Heard.clear();
+    }
+};
+
+TEST_F(XmtUtils, WhatIsNotThereOrDoesNotFit) {
+    XmtSetFocus_("push");
+    for (const char *name : {"nobody", "", static_cast<const char *>(nullptr), "push", "board", "radio_1"})
+        CallAll(name);
+    DispatchWaiting();
+    EXPECT_EQ(XmtGetWidget("nobody"), nullptr);
+    EXPECT_EQ(XmtGetValue("label"), 0);
+    EXPECT_EQ(XmtGetText("label"), nullptr);
+    EXPECT_EQ(XmtGetLabel("board"), nullptr);
+    EXPECT_EQ(XmtFindWidget(nullptr), nullptr);
+    EXPECT_EQ(XmtFindWidget(XmtGetWidget("push")), XmtFindObject("push"));
+}
+
+TEST_F(XmtUtils, ResourcesAreWidened) {
+    static const struct {
+        const char *name, *resource;
+        intptr_t value;
+    } cases[] = {
+        {"main", "sensitive", 1},
+        {"label", "leftOffset", -3},
+        {"label", "x", -3},
+        {"label", "topAttachment", XmATTACH_FORM},
+        {"label", "width", 120},
+        {"field", "columns", 12},
+        {"area", "rows", 4},
+        {"area", "editMode", 0},
+        {"multi", "itemCount", 5},
+        {"board", "borderWidth", 3},
+        {"multi", "visibleItemCount", 6},
+        {"label", "noResource", 0},
+        {"toggle", "set", 0},
+    };
+    XmtReplaceListItems("multi", "p,q,r,s,t");
+    XmtSetValuePF("toggle", static_cast<intptr_t>(1), 0);
+    for (const auto &row : cases)
+        EXPECT_EQ(static_cast<intptr_t>(XmtGetXmValue(row.name, row.resource)), row.value)
+            << row.name << " " << row.resource;
+    EXPECT_EQ(XmtGetXmValue("label", XmNbackground), XmtGetXmValue("plain", XmNbackground));
+    XmtDisable("push");
+    EXPECT_FALSE(XmtIsEnabled("push"));
+    XmtEnable("push");
+    EXPECT_TRUE(XmtIsEnabled("push"));
+    XmtSetArgs("board bo(5)");
+    EXPECT_EQ(XmtGetXmValue("board", "borderWidth"), 5u);
+    XmtSetArgs("list L(new,items) V(2)");
+    EXPECT_EQ(XmtGetListCount("list"), 2);
+    XmtSetArgsNoUpdate("list L(other)");
+    EXPECT_EQ(XmtGetListCount("list"), 2);
+    EXPECT_EQ(XmtGetXmValue("list", "visibleItemCount"), 2u);
+}
+
+// Which of the three labels are managed.
+static std::string Managed() {
+    std::string out;
+    for (const char *name : {"one", "two", "three"}) out += XtIsManaged(XmtGetWidget(name)) ? "+" : "-";
+    return out;
+}
+
+TEST_F(XmtUtils, ListsOfNames) {
+    static const struct {
+        const char *name;
+        void (*act)(const char *);
+        const char *list, *managed;
+    } cases[] = {
+        {"one name", XmtHide, "two", "+-+"},
+        {"commas", XmtShow, "two,one", "+++"},
+        {"with a comma blanks split as well", XmtHide, "one nobody,three", "-+-"},
+        {"without one they do not", XmtShow, "one three", "-+-"},
+        {"any list", [](const char *list) { XmtSetItemState(list, XMT_SHOW); }, "one three", "+++"},
+    };
+    for (const auto &row : cases) {
+        row.act(row.list);
+        EXPECT_EQ(Managed(), row.managed) << row.name;
+    }
+}
+
+static bool TestAbove(const char *name, const char *other) {
+    Window root, parent, *children = nullptr;
+    unsigned count = 0;
+    bool flOther = false, flAbove = false;
+    XQueryTree(AppDisplay, XtWindow(XtParent(XmtGetWidget(name))), &root, &parent, &children, &count);
+    for (unsigned i = 0; i < count; i++) {
+        if (children[i] == XtWindow(XmtGetWidget(other))) flOther = true;
+        if (children[i] == XtWindow(XmtGetWidget(name))) flAbove = flOther;
+    }
+    XFree(children);
+    return flAbove;
+}
+
+TEST_F(XmtUtils, WindowsAreRaised) {
+    XmtRaiseItem("one");
+    EXPECT_TRUE(TestAbove("one", "three"));
+    XmtRaiseItem("two,three");
+    EXPECT_TRUE(TestAbove("three", "two") && TestAbove("two", "one"));
+    XmtLowerItem("three");
+    EXPECT_TRUE(TestAbove("one", "three"));
+}
+
+TEST_F(XmtUtils, Labels) {
+    static const struct {
+        const char *label, *text, *result;
+    } cases[] = {
+        {"Name: old", "new", "Name: new"},
+        {"Name old", "new", "Name new"},
+        {"Name", "new", "Name new"},
+        {"Name:", "new", "Name: new"},
+        {"A b: c: d", "x:y", "A b: x:y"},
+        {"Name: old", "", "Name: "},
+        {"Name: @/etc/passwd", "~%n\\,", "Name: ~%n\\,"},
+        {"", "new", " new"},
+    };
+    for (const auto &row : cases) {
+        XmtSetLabelRaw("label", row.label);
+        XmtSetLabelText("label", row.text);
+        EXPECT_EQ(TakeText(XmtGetLabel("label")), row.result) << row.label;
+    }
+    XmtSetLabelRaw("label", "Name: x");
+    XmtSetLabelTextSize("label", "one two three", 9, 0);
+    EXPECT_EQ(TakeText(XmtGetLabel("label")), "Name: one\n      two\n      thr-\n      ee");
+    for (const char *text : {"plain (a), b; <c>", "two\nlines\tand a tab", ""}) {
+        XmtSetLabel("label", text);
+        EXPECT_EQ(TakeText(XmtGetLabel("label")), text);
+    }
+    XmtSetLabel("push", "S~end");
+    EXPECT_EQ(TakeText(XmtGetLabel("push")), "Send");
+    EXPECT_EQ(XmtGetXmValue("push", XmNmnemonic), static_cast<XtArgVal>('S'));
+    XmtSetLabelRaw("push", "@S~end\\,");
+    EXPECT_EQ(TakeText(XmtGetLabel("push")), "@S~end\\,");
+    XmtSetLabel("plain", "@no/such/file.xpm");
+    XmtSetLabelRaw("plain", std::string(5000, 'w').c_str());
+    EXPECT_EQ(TakeText(XmtGetLabel("plain")).size(), 5000u);
+    EXPECT_EQ(XmtGetXmValue("plain", XmNlabelType), XtArgVal{XmSTRING});
+    XmtSetLabelRaw("plain", " ");
+}
+
+TEST_F(XmtUtils, Titles) {
+    char *title = nullptr;
+    XmtSetTitle("main", "A title");
+    XFetchName(AppDisplay, XtWindow(AppShell), &title);
+    EXPECT_STREQ(title, "A title");
+    XFree(title);
+    XmtSetIconName("main", "icon");
+    XGetIconName(AppDisplay, XtWindow(AppShell), &title);
+    EXPECT_STREQ(title, "icon");
+    XFree(title);
+    XmtSetTitle("box", "A ~box");
+    auto string = reinterpret_cast<XmString>(XmtGetXmValue("box", XmNdialogTitle));
+    EXPECT_EQ(TakeText(XmtDecodeString(string)), "A ~box");
+    XmStringFree(string);
+}
+
+// The items, those selected in brackets.
+static std::string Items(const char *name) {
+    std::string out;
+    auto items = reinterpret_cast<XmString *>(XmtGetXmValue(name, XmNitems));
+    for (int i = 0; i < XmtGetListCount(name); i++) {
+        std::string text = TakeText(XmtDecodeString(items[i]));
+        out += XmListPosSelected(XmtGetWidget(name), i + 1) ? "[" + text + "]" : text + " ";
+    }
+    return out;
+}
+
+TEST_F(XmtUtils, Lists) {
+    static const struct {
+        const char *name;
+        void (*act)();
+        const char *items;
+    } cases[] = {
+        {"all replaced", [] { XmtReplaceAllListItems("list", "a,b,,c\\,d"); }, "a b c,d "},
+        {"select", [] { XmtSetListItem("list", 2, 0); }, "a [b]c,d "},
+        {"position 0 is no item", [] { XmtSetListItem("list", 0, 1); }, "a [b]c,d "},
+        {"nor is one behind the end",
+         [] {
+             XmtClearListItem("list", 4);
+             XmtDeleteListItem("list", 4);
+         },
+         "a [b]c,d "},
+        {"delete nothing",
+         [] {
+             XmtDeleteListItem("list", 0);
+             XmtDeleteListItem("list", -1);
+         },
+         "a [b]c,d "},
+        {"add at the end, in front",
+         [] {
+             XmtAddListItem("list", "z", 0);
+             XmtAddListItem("list", "@~%s", 1);
+         },
+         "@~%s a [b]c,d z "},
+        {"add too far",
+         [] {
+             XmtAddListItem("list", "z", 7);
+             XmtAddListItem("list", "z", -1);
+         },
+         "@~%s a [b]c,d z "},
+        {"replace one",
+         [] {
+             XmtReplaceListItem("list", "A,", 2);
+             XmtReplaceListItem("list", "no", 0);
+         },
+         "@~%s A, [b]c,d z "},
+        {"replace from a position on", [] { XmtReplaceListItems_("list", "y,z,too,many", 4); },
+         "@~%s A, [b]y z "},
+        {"delete", [] { XmtDeleteListItem("list", 1); }, "A, [b]y z "},
+        {"clear", [] { XmtClearListItem("list", 2); }, "A, b y z "},
+        {"all at once", [] { XmtReplaceListItems("list", "1,2"); }, "1 2 "},
+        {"none", [] { XmtReplaceAllListItems("list", nullptr); }, ""},
+        {"an empty list has no position",
+         [] {
+             XmtSetListItem("list", 1, 1);
+             XmtDeleteListItem("list", 1);
+         },
+         ""},
+    };
+    for (const auto &row : cases) {
+        row.act();
+        EXPECT_EQ(Items("list"), row.items) << row.name;
+    }
+    XmtReplaceListItems("multi", "p,q,r,s,t");
+    XmtSetListItem("multi", 2 + 8 + 16, 0);
+    EXPECT_EQ(Items("multi"), "p [q]r [s]t ") << "a mask reaches four items";
+    XmtSetListItem("multi", 0, 0);
+    EXPECT_EQ(Items("multi"), "p q r s t ");
+}
+
+TEST_F(XmtUtils, NumbersInFields) {
+    static const struct {
+        const char *text;
+        int minimum, maximum, code, result;
+    } cases[] = {
+        {"", 0, 0, 0, 0},
+        {"", 1, 60, 2, 1},
+        {"60", 1, 60, 0, 60},
+        {"61", 1, 60, 2, 1},
+        {"0", 1, 60, 2, 1},
+        {"12a", 5, 0, 1, 5},
+        {"-3", 5, 0, 1, 5},
+        {" 3", 5, 9, 1, 5},
+        {"007", 1, 9, 0, 7},
+        {"99999999999999999999", 1, 60, 2, 1},
+        {"4000000000", 0, 0, 0, INT_MAX},
+    };
+    for (const auto &row : cases) {
+        XmtSetText("field", row.text);
+        int result = -77;
+        EXPECT_EQ(XmtGetTextInt("field", &result, row.minimum, row.maximum), row.code) << row.text;
+        EXPECT_EQ(result, row.result) << row.text;
+    }
+    static const struct {
+        const char *text;
+        int code;
+        float result;
+    } floats[] = {{"1.5", 0, 1.5f}, {"", 2, 1},    {".", 1, 1}, {"1.2.3", 1, 1},
+                  {"9", 2, 1},      {"1e3", 1, 1}, {"2", 0, 2}};
+    for (const auto &row : floats) {
+        XmtSetText("field", row.text);
+        float result = -77;
+        EXPECT_EQ(XmtGetTextFloat("field", &result, 1, 8), row.code) << row.text;
+        EXPECT_EQ(result, row.result) << row.text;
+    }
+    int result = -1;
+    EXPECT_EQ(XmtGetTextInt("nobody", &result, 3, 9), 0);
+    EXPECT_EQ(result, 3);
+}
+
+static std::string FieldText(const char *name) {
+    char *text = XmtGetText(name);
+    std::string out = text ? text : "(null)";
+    XtFree(text);
+    return out;
+}
+
+TEST_F(XmtUtils, Texts) {
+    XmtSetText("area", "one\ntwo");
+    XmtAddTextStr("area", "!", 0);
+    XmtAddTextStr("area", "~", 1);
+    XmtAddTextStr("area", "?", 999);
+    EXPECT_EQ(FieldText("area"), "o~ne\ntwo!?");
+    XmtSetTextPos("area", 3);
+    EXPECT_EQ(XmtGetTextPos("area"), 3);
+    XmtSetTextPosTop("area", 5);
+    EXPECT_EQ(XmtGetTextPos("area"), 5);
+    XmtSetTextPos("area", 500);
+    EXPECT_EQ(XmtGetTextPos("area"), 10);
+    XmtSetText("field", "select me");
+    XmtSetTextFocus("field");
+    char *selection = XmtGetTextSelection("field");
+    EXPECT_STREQ(selection, "select me");
+    XtFree(selection);
+    XmtSetText("field", "caf\xe9 100% \x01");
+    EXPECT_EQ(FieldText("field"), "caf\xe9 100% \x01");
+    XmtSetText("field", nullptr);
+    EXPECT_EQ(FieldText("field"), "");
+}
+
+static void SetNumber(const char *name, intptr_t value) {
+    XmtSetValuePF(name, value, 1);
+}
+
+TEST_F(XmtUtils, Values) {
+    static const struct {
+        const char *name;
+        intptr_t set, value;
+        const char *heard;
+    } cases[] = {
+        {"toggle", 2, 1, ""},
+        {"toggle", 1, 0, ""},
+        {"toggle", 7, 1, ""},
+        {"toggle", 0, 0, ""},
+        {"follower", 2, 1, "follower=1 "},
+        {"follower", 0, 0, "follower=0 "},
+        {"option", 3, 2, ""},
+        {"option", 9, 8, ""},
+        {"radio", 3, 2, "radio=2 "},
+        {"radio", 1, 0, "radio=0 "},
+        {"list", 2, 1, "list=2 "},
+        {"multi", 5, 4, "multi=1 multi=5 "},
+    };
+    XmtReplaceListItems("list", "a,b,c");
+    for (const auto &row : cases) {
+        Heard.clear();
+        SetNumber(row.name, row.set);
+        EXPECT_EQ(XmtGetValue(row.name), row.value) << row.name << row.set;
+        EXPECT_EQ(Heard, row.heard) << row.name << row.set;
+    }
+    XmtSetOptionMenu("option", 2);
+    EXPECT_EQ(reinterpret_cast<Widget>(XmtGetXmValue("option", XmNmenuHistory)), XmtGetWidget("option_2"));
+    EXPECT_TRUE(XmToggleButtonGetState(XmtGetWidget("radio_1")));
+    EXPECT_FALSE(XmToggleButtonGetState(XmtGetWidget("radio_3"))) << "one of them is on";
+    XmtSetValuePF("toggle", "2", 0);
+    EXPECT_EQ(XmtGetValue("toggle"), 1);
+    XmtSetValuePF("label", "@x/y", 0);
+    XmtSetValuePF("push", "Go", 0);
+    EXPECT_EQ(TakeText(XmtGetLabel("push")), "Go");
+}
+
+TEST_F(XmtUtils, ValuesOfTexts) {
+    XmtSetValuePF("checked", "42", 1);
+    EXPECT_EQ(FieldText("checked"), "42");
+    XmtSetValuePF("checked", static_cast<const char *>(nullptr), 1);
+    XmtSetValuePF("checked", static_cast<intptr_t>(7), 1);
+    EXPECT_EQ(FieldText("checked"), "42");
+    XmtSetValuePF("secret", "word", 1);
+    EXPECT_STREQ(XmtTextOf(XmtGetValue("secret")), "word");
+    XmtResetToStoredValue("secret");
+    EXPECT_STREQ(XmtTextOf(XmtGetStoredValue("secret")), "word") << "set from its own text";
+    XmtSetText("field", "kept");
+    XmtStoreValue("field secret,toggle");
+    XmtSetText("field", "changed");
+    EXPECT_STREQ(XmtTextOf(XmtGetStoredValue("field")), "kept");
+    XmtResetToStoredValue("field");
+    EXPECT_EQ(FieldText("field"), "kept");
+}
+
+TEST_F(XmtUtils, StoredValuesComeBack) {
+    for (const char *name : {"toggle", "option", "radio", "multi"}) {
+        SetNumber(name, 2);
+        intptr_t value = XmtGetValue(name);
+        XmtStoreValue(name);
+        SetNumber(name, 1);
+        XmtResetToStoredValue(name);
+        EXPECT_EQ(XmtGetValue(name), value) << name;
+    }
+    XmtReplaceListItems("list", "a,b,c");
+    XmtSetListItem("list", 2, 1);
+    XmtStoreValue("list");
+    XmtResetToStoredValue("list");
+    EXPECT_EQ(Items("list"), "a b [c]") << "a value of an event counts from 1";
+}
+
+TEST_F(XmtUtils, ItemsAreAdded) {
+    XmtReplaceFormat("option", "C*[option]");
+    XmtAddListButton("option", "l(Fourth)");
+    XmtAddRadioButton("radio", "l(Fourth)");
+    DispatchWaiting();
+    XmtObjectData *item = XmtFindObject("option_4"), *owner = XmtFindObject("option");
+    ASSERT_NE(item, nullptr);
+    EXPECT_EQ(item->id, owner->id);
+    EXPECT_EQ(item->type, XmtListBut);
+    EXPECT_STREQ(item->format, "C*[option]");
+    XmtSetOptionMenu("option", 4);
+    XtCallCallbacks(item->widget, XmNactivateCallback, [] {
+        static XmPushButtonCallbackStruct call = {XmCR_ACTIVATE, nullptr, 1};
+        return &call;
+    }());
+    XmtSetRadioBox("radio", 4);
+    EXPECT_EQ(Heard, "option=3 radio=3 ");
+    XmtNewObject("main", Hear, 90, "l after l(after) A(lf,bf);");
+    EXPECT_EQ(XmtFindObject("after")->id, 90) << "the counter has not moved, no number is left over";
+    XmtReplaceFormat("option", "");
+}
+
+// Fields of a queue's window, ruled by the formats of two option lists: model chosen, then connection.
+static const char QueueFields[] = "id(403) bl wqcm l(Model) L(a,b,c) f(S1[wqrpn_B1] C*[wqcm]) A(lf500,tf);\n"
+                                  "bl wqc l(Connection) L(a,b) f(H1[wqhn_B1,wqrpn_B1] S1[wqdn_B1] C*[wqc] "
+                                  "P0[wqcm.wqcm_pd]) A(lf500,tf40);\n"
+                                  "t wqhn l(Host) s(9,1) A(lf500,tf80); t wqrpn l(Name) s(9,1) "
+                                  "A(lf500,tf120); t wqdn l(Device) s(9,1) A(lf500,tf160);\n";
+
+static std::string Fields() {
+    std::string out;
+    for (const char *name : {"wqhn", "wqrpn", "wqdn"})
+        if (XtIsManaged(XmtGetWidget((std::string(name) + "_B1").c_str())))
+            out += std::string(out.empty() ? "" : " ") + name;
+    return out;
+}
+
+TEST_F(XmtUtils, FormatsOfAWindow) {
+    XmtNewObject("main", Hear, 403, QueueFields);
+    static const struct {
+        int model, connection;
+        const char *fields, *heard;
+    } cases[] = {
+        {0, 0, "wqhn", "wqcm=0 wqc=0 wqcm=0 "}, {1, 0, "wqhn wqrpn", "wqcm=1 wqc=0 wqcm=1 "},
+        {2, 0, "wqhn", "wqcm=2 wqc=0 wqcm=2 "}, {0, 1, "wqdn", "wqcm=0 wqc=1 "},
+        {1, 1, "wqdn", "wqcm=1 wqc=1 "},        {2, 1, "wqdn", "wqcm=2 wqc=1 "},
+    };
+    for (const auto &row : cases) {
+        Heard.clear();
+        SetNumber("wqcm", row.model + 1);
+        SetNumber("wqc", row.connection + 1);
+        EXPECT_EQ(Fields(), row.fields) << row.model << row.connection;
+        EXPECT_EQ(Heard, row.heard) << row.model << row.connection;
+    }
+    SetNumber("wqcm", 2);
+    EXPECT_EQ(Fields(), "wqrpn wqdn") << "the model alone shows its field, whatever the connection";
+}
