@@ -1,13 +1,17 @@
 #include "tests/lib/WindowUser.h"
 
 #include "common/MemMgr.h"
+#include "tests/lib/WindowRig.h"
 #include "xmt/XmtEvent.h"
+#include "xmt/XmtNew.h"
+#include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <malloc.h>
+#include <sstream>
 
 enum { LOOK_MS = 5, LIMIT_MS = 10000 };
 
@@ -15,10 +19,18 @@ static const std::function<bool()> *pDone;
 static bool flDone;
 static std::chrono::steady_clock::time_point Limit;
 
-bool FindWindowUser(std::string *reason) {
-    if (system("command -v xdotool >/dev/null") == 0) return true;
-    *reason = "there is no xdotool here";
-    return false;
+static std::string SkipReason = "the window was not made";
+
+bool WindowTest::SetUpWindow(XmtHandler handler, int firstId, const char *description) {
+    if (system("command -v xdotool >/dev/null") != 0)
+        SkipReason = "there is no xdotool here";
+    else if (StartWindowRig("1024x768x24", &SkipReason))
+        XmtNewObject(nullptr, handler, firstId, description);
+    return AppShell != nullptr;
+}
+
+void WindowTest::SetUp() {
+    if (!AppShell) GTEST_SKIP() << SkipReason;
 }
 
 static void Xdo(const std::string &words) {
@@ -29,8 +41,16 @@ void PressKeys(const std::string &keys) {
     Xdo("key --delay 5 " + keys);
 }
 
-void TypeText(const std::string &text) {
-    Xdo("type --delay 5 '" + text + "'");
+void PressSlowly(const char *keys) {
+    std::istringstream in(keys);
+    for (std::string key; in >> key; RunLoopFor(60)) {
+        PressKeys(key);
+        DispatchWaiting();
+    }
+}
+
+void TypeText(const char *text) {
+    Xdo(std::string("type --delay 5 '") + text + "'");
 }
 
 void PointAt(const char *name) {

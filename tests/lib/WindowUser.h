@@ -2,14 +2,24 @@
 // effect.
 #pragma once
 
+#include "xmt/Xmt.h"
+
 #include <cstddef>
 #include <functional>
+#include <gtest/gtest.h>
 #include <string>
 
-// False, with the reason, if there is nothing here that presses keys.
-bool FindWindowUser(std::string *reason);
+// Tests of one window, skipped where there is no display or nothing that presses keys.
+class WindowTest : public testing::Test {
+protected:
+    // Opens the display and makes the window, which the loop realizes; false, with the skip prepared.
+    static bool SetUpWindow(XmtHandler handler, int firstId, const char *description);
+    void SetUp() override;
+};
+
 void PressKeys(const std::string &keys); // names with blanks between them: "Tab ctrl+a Return"
-void TypeText(const std::string &text);
+void PressSlowly(const char *keys);      // the loop runs behind each: menus grab the keyboard when they open
+void TypeText(const char *text);
 void PointAt(const char *name); // the middle of the object
 void ClickAt(const char *name);
 void ClickPoint(int x, int y); // of the screen

@@ -11,7 +11,6 @@
 #include "xmt/XmtString.h"
 #include "xmt/XmtUtils.h"
 
-#include <cerrno>
 #include <gtest/gtest.h>
 #include <string>
 #include <vector>
@@ -70,8 +69,7 @@ TEST(XmtTimer, CountsDown) {
         {"resets itself, repeated", XMT_TIMER_REPEAT, 2, RingAndReset, "|3 ||3 |"},
         {"starts another, which waits for the next tick", XMT_TIMER_REPEAT, 1, RingAndStart, "3 |2 |1 |0 |"},
         {"no time", XMT_TIMER_ONCE, 0, Ring, "||||"},
-        {"no callback", XMT_TIMER_REPEAT, 1, nullptr, "||||"},
-    };
+        {"no callback", XMT_TIMER_REPEAT, 1, nullptr, "||||"}};
     for (const auto &row : cases) {
         Rung.clear();
         OwnTimer = XmtStartTimer(row.mode, row.seconds, row.callback, 3);
@@ -82,6 +80,7 @@ TEST(XmtTimer, CountsDown) {
 }
 
 TEST(XmtTimer, IsSuspendedAndResumed) {
+    Rung.clear();
     int id = XmtStartTimer(XMT_TIMER_SUSPENDED, 3, Ring, 1);
     XmtResumeTimer(id, 0);
     Tick(3);
@@ -90,11 +89,8 @@ TEST(XmtTimer, IsSuspendedAndResumed) {
     XmtSuspendTimer(id);
     Tick(3);
     XmtResetTimer(id);
-    Rung.clear();
     Tick(4);
-    EXPECT_EQ(Rung, "|1 ||1 |");
-    XmtStopTimer(id);
-    XmtResetTimer(id);
+    EXPECT_EQ(Rung, "||||||||1 ||1 |");
     XmtStopTimer(id);
 }
 
@@ -126,56 +122,30 @@ TEST(XmtMsg, WithoutAWindowGoesToStandardError) {
     EXPECT_EQ(pXmtMsgList, nullptr);
 }
 
-TEST(XmtMsg, SysErrorEnds) {
-    ChildEnd end = RunForked([] {
-        errno = ENOENT;
-        XmtSysError("no %s", "icon");
-    });
-    EXPECT_EQ(end.status, 1);
-    EXPECT_EQ(end.err, "no icon : No such file or directory\n");
-}
-
 // ---- on the display
 
-class XmtMsgWindow : public testing::Test {
+class XmtMsgWindow : public WindowTest {
 protected:
     static void SetUpTestSuite() {
-        if (!FindWindowUser(&reason) || !StartWindowRig("1024x768x24", &reason)) return;
-        XmtNewObject(nullptr, Hear, 100, "WB main t(Main) { bp go p(10,10) s(120,40) l(Go); }\n");
-        flUp = AppShell != nullptr;
+        SetUpWindow(Hear, 100, "WB main t(Main) { bp go p(10,10) s(120,40) l(Go); }\n");
     }
     void SetUp() override {
-        if (!flUp) GTEST_SKIP() << reason;
+        WindowTest::SetUp();
         Heard.clear();
     }
-    static std::string reason;
-    static bool flUp;
 };
-std::string XmtMsgWindow::reason;
-bool XmtMsgWindow::flUp;
 
 static std::string ShownMsg() {
-    if (!XtIsManaged(XmtGetWidget("XmtPostMsg"))) return "";
+    if (!XmtGetWidget("XmtPostMsg") || !XtIsManaged(XmtGetWidget("XmtPostMsg"))) return "";
     auto string = reinterpret_cast<XmString>(XmtGetXmValue("XmtPostMsg", XmNmessageString));
     std::string text = TakeText(XmtDecodeString(string));
     XmStringFree(string);
     return text;
 }
 
-static bool WaitForMsg(const std::string &text) {
-    bool flShown = RunLoopUntil([&] { return XmtGetWidget("XmtPostMsg") && ShownMsg() == text; });
-    if (!flShown) printf("shown: %s\n", ShownMsg().c_str());
-    return flShown;
-}
-
-static void PointAtMsg() {
-    RunLoopFor(50);
+static void PressInMsg(const char *keys) {
     PointAt("XmtPostMsg");
     RunLoopFor(50);
-}
-
-static void PressInMsg(const std::string &keys) {
-    PointAtMsg();
     PressKeys(keys);
 }
 
@@ -188,76 +158,65 @@ static void PostThree(XmtCallData *data) {
     XmtPostMsg_(nullptr, "@three ~ %n");
 }
 
-TEST_F(XmtMsgWindow, ThreeOfOneHandlerShowOneAfterAnother) {
-    XmtFindObject("go")->handler = PostThree;
-    RunLoopFor(50);
-    ClickAt("go");
-    ASSERT_TRUE(WaitForMsg("one \"100%\""));
-    EXPECT_EQ(pXmtMsgList->count, 3);
-    EXPECT_FALSE(XtIsManaged(XmMessageBoxGetChild(XmtGetWidget("XmtPostMsg"), XmDIALOG_HELP_BUTTON)));
-    PressInMsg("Return");
-    ASSERT_TRUE(WaitForMsg("two"));
-    EXPECT_EQ(Heard, "101:1 7:4 ");
-    PressInMsg("Escape");
-    ASSERT_TRUE(WaitForMsg("@three ~ %n"));
-    PressInMsg("Return");
-    EXPECT_TRUE(RunLoopUntil([] { return flPostMsgIsHidden != 0; }));
-    EXPECT_EQ(Heard, "101:1 7:4 ") << "the second had no callback, the third no id";
-    EXPECT_EQ(pXmtMsgList->count, 0);
-}
-
 static void PostAgain(XmtCallData *data) {
     Hear(data);
     XmtPostMsg(nullptr, "from the callback");
 }
 
-TEST_F(XmtMsgWindow, ClosedByTheManagerCountsAsCancelled) {
+static void PostTwo(const char *text) {
     XmtSetPostMsgWidget(PostAgain, 9);
-    XmtPostMsg(nullptr, "to be closed");
+    XmtPostMsg(nullptr, "%s", text);
     XmtPostMsg(nullptr, "waiting");
     XmtWakeMainLoop();
-    ASSERT_TRUE(WaitForMsg("to be closed"));
-    CloseByManager("XmtPostMsg");
-    ASSERT_TRUE(WaitForMsg("waiting"));
-    EXPECT_EQ(Heard, "9:5 ");
-    PressInMsg("Return");
-    ASSERT_TRUE(WaitForMsg("from the callback"));
-    PressInMsg("Return");
-    EXPECT_TRUE(RunLoopUntil([] { return pXmtMsgList->count == 0; }));
 }
 
-TEST_F(XmtMsgWindow, HelpCallsItsTargetAndTheMessageStays) {
+static void PostWithHelp(const char *text) {
     XmtNewObject("main", Hear, 300, "bp helper p(10,60) l(Help);");
     XmtSetPostMsgHelpWidget("helper");
-    XmtPostMsg(nullptr, "helped");
+    XmtPostMsg_(nullptr, text);
     XmtWakeMainLoop();
-    ASSERT_TRUE(WaitForMsg("helped"));
-    Widget button = XmMessageBoxGetChild(XmtGetWidget("XmtPostMsg"), XmDIALOG_HELP_BUTTON);
-    EXPECT_TRUE(XtIsManaged(button));
-    PressInMsg("F1");
-    EXPECT_TRUE(RunLoopUntil([] { return Heard == "300:7 "; })) << Heard;
-    EXPECT_EQ(ShownMsg(), "helped");
-    PressInMsg("Return");
-    EXPECT_TRUE(RunLoopUntil([] { return pXmtMsgList->count == 0 && flPostMsgIsHidden; }));
+}
+
+// No X event follows.
+static void PostFromTimer(const char *) {
     XmtSetPostMsgHelpWidget(nullptr);
-    XmtPostMsg(nullptr, "alone");
-    XmtWakeMainLoop();
-    ASSERT_TRUE(WaitForMsg("alone"));
-    EXPECT_FALSE(XtIsManaged(button));
-    PressInMsg("Return");
-    EXPECT_TRUE(RunLoopUntil([] { return pXmtMsgList->count == 0 && flPostMsgIsHidden; }));
+    XmtStartTimer(
+        XMT_TIMER_ONCE, 1, [](intptr_t) { XmtPostMsg(nullptr, "from a timer"); }, 0);
 }
 
-static void PostFromTimer(intptr_t) {
-    XmtPostMsg(nullptr, "from a timer");
-}
+static const struct Step {
+    void (*act)(const char *words);
+    const char *words, *shown, *heard;
+    bool flHelp; // the help button is there
+} Steps[] = {
+    {ClickAt, "go", "one \"100%\"", "101:1 ", false},
+    {PressInMsg, "Return", "two", "7:4 ", false}, // the second has no callback, the third no id
+    {PressInMsg, "Escape", "@three ~ %n", "", false},
+    {PressInMsg, "Return", "", "", false},
+    {PostTwo, "to be closed", "to be closed", "", false},
+    {CloseByManager, "XmtPostMsg", "waiting", "9:5 ", false},
+    {PressInMsg, "Return", "from the callback", "", false},
+    {PressInMsg, "Return", "", "", false},
+    {PostWithHelp, "helped", "helped", "", true},
+    {PressInMsg, "F1", "helped", "300:7 ", true},
+    {PressInMsg, "Return", "", "", true},
+    {PostFromTimer, "", "from a timer", "", false},
+    {PressInMsg, "Return", "", "", false},
+};
 
-TEST_F(XmtMsgWindow, APostOfATimerShowsWithoutAnEvent) {
-    XmtStartTimer(XMT_TIMER_ONCE, 1, PostFromTimer, 0);
-    flExitMainLoop = 0;
-    EXPECT_TRUE(WaitForMsg("from a timer"));
-    PressInMsg("Return");
-    EXPECT_TRUE(RunLoopUntil([] { return pXmtMsgList->count == 0 && flPostMsgIsHidden; }));
+TEST_F(XmtMsgWindow, OneAfterAnother) {
+    XmtFindObject("go")->handler = PostThree;
+    RunLoopFor(50);
+    for (const Step &step : Steps) {
+        Heard.clear();
+        step.act(step.words);
+        RunLoopUntil([&] { return ShownMsg() == step.shown && Heard == step.heard; });
+        RunLoopFor(50);
+        EXPECT_EQ(ShownMsg() + "|" + Heard, std::string(step.shown) + "|" + step.heard) << step.words;
+        Widget help = XmMessageBoxGetChild(XmtGetWidget("XmtPostMsg"), XmDIALOG_HELP_BUTTON);
+        EXPECT_EQ(XtIsManaged(help), step.flHelp) << step.words;
+    }
+    EXPECT_TRUE(flPostMsgIsHidden && pXmtMsgList->count == 0);
 }
 
 static void PostAndAnswer(int count) {
@@ -303,28 +262,21 @@ TEST_F(XmtMsgWindow, AFileIsChosen) {
     Scratch scratch;
     std::string file = scratch.Write("page.ps", "%!");
     XmtSelectFile(Hear, 60, "Send");
-    XmtSelectFile(Choose, 61, "Send File");
-    Widget dialog = XmtGetWidget("XmtFS"), text = XmFileSelectionBoxGetChild(dialog, XmDIALOG_TEXT);
-    EXPECT_FALSE(XtIsManaged(XmFileSelectionBoxGetChild(dialog, XmDIALOG_HELP_BUTTON)));
-    for (int round = 0; round < 2; round++) {
-        EXPECT_TRUE(RunLoopUntil([&] { return XtIsManaged(dialog); }));
-        XmTextSetString(text, const_cast<char *>(file.c_str()));
+    XmtSelectFile(Choose, 61, "Send File"); // whose callback asks for another
+    Widget dialog = XmtGetWidget("XmtFS");
+    Chosen.clear();
+    for (const char *keys : {"Return", "Return", "Escape"}) {
+        ASSERT_TRUE(RunLoopUntil([&] { return XtIsManaged(dialog); }));
+        XmTextSetString(XmFileSelectionBoxGetChild(dialog, XmDIALOG_TEXT), const_cast<char *>(file.c_str()));
         RunLoopFor(50);
         PointAt("XmtFS");
         RunLoopFor(50);
-        PressKeys("Return");
         size_t length = Chosen.size();
-        ASSERT_TRUE(RunLoopUntil([&] { return Chosen.size() > length; }));
+        PressKeys(keys);
+        RunLoopUntil([&] { return Chosen.size() > length || !XtIsManaged(dialog); });
+        if (!XtIsManaged(dialog)) XmtSelectFile(Choose, 63, nullptr);
     }
-    EXPECT_EQ(Chosen, "61:4:" + file + " 62:4:" + file + " ");
-    EXPECT_FALSE(XtIsManaged(dialog));
-    XmtSelectFile(Choose, 63, nullptr);
     CloseByManager("XmtFS");
-    EXPECT_TRUE(RunLoopUntil([&] { return !XtIsManaged(dialog); }));
-    XmtSelectFile(Choose, 64, nullptr);
-    RunLoopFor(50);
-    PointAt("XmtFS");
-    PressKeys("Escape");
     EXPECT_TRUE(RunLoopUntil([&] { return !XtIsManaged(dialog); }));
     EXPECT_EQ(Heard + Chosen, "61:4:" + file + " 62:4:" + file + " ");
 }
