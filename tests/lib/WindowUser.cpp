@@ -19,12 +19,16 @@ static const std::function<bool()> *pDone;
 static bool flDone;
 static std::chrono::steady_clock::time_point Limit;
 
+bool FindWindowUser(std::string *reason) {
+    if (system("command -v xdotool >/dev/null") == 0) return true;
+    *reason = "there is no xdotool here";
+    return false;
+}
+
 static std::string SkipReason = "the window was not made";
 
 bool WindowTest::SetUpWindow(XmtHandler handler, int firstId, const char *description) {
-    if (system("command -v xdotool >/dev/null") != 0)
-        SkipReason = "there is no xdotool here";
-    else if (StartWindowRig("1024x768x24", &SkipReason))
+    if (FindWindowUser(&SkipReason) && StartWindowRig("1024x768x24", &SkipReason))
         XmtNewObject(nullptr, handler, firstId, description);
     return AppShell != nullptr;
 }

@@ -9,6 +9,9 @@
 #include <gtest/gtest.h>
 #include <string>
 
+// False, with the reason, if there is nothing here that presses keys.
+bool FindWindowUser(std::string *reason);
+
 // Tests of one window, skipped where there is no display or nothing that presses keys.
 class WindowTest : public testing::Test {
 protected:
