@@ -17,12 +17,15 @@ inline double BenchOnce(const BenchWork &work, int scale) {
     return spent.count() / static_cast<double>(std::max(count, 1L));
 }
 
-// Nanoseconds an operation: the best of the rounds, which take turns so that both sides see the same machine.
-inline void BenchBoth(const BenchWork &ours, const BenchWork &yardstick, int scale, double best[2]) {
+// Nanoseconds an operation takes at a scale, measured in its own way.
+using BenchMeasure = std::function<double(int scale)>;
+
+// The best of the rounds, which take turns so that both sides see the same machine.
+inline void BenchBoth(const BenchMeasure &ours, const BenchMeasure &yardstick, int scale, double best[2]) {
     best[0] = best[1] = 1e18;
     for (int round = 0; round < 7; round++) {
-        best[0] = std::min(best[0], BenchOnce(ours, scale));
-        best[1] = std::min(best[1], BenchOnce(yardstick, scale));
+        best[0] = std::min(best[0], ours(scale));
+        best[1] = std::min(best[1], yardstick(scale));
     }
 }
 
@@ -31,7 +34,7 @@ inline void BenchHead() {
            "an operation at 1x, 2x, 4x (ours | yardstick)");
 }
 
-inline void BenchRow(const char *what, const BenchWork &ours, const BenchWork &yardstick) {
+inline void BenchMeasuredRow(const char *what, const BenchMeasure &ours, const BenchMeasure &yardstick) {
     double best[3][2];
     for (int i = 0; i < 3; i++) BenchBoth(ours, yardstick, 1 << i, best[i]);
     printf("%-44s %9.1f ns %9.1f ns %7.2f  ", what, best[0][0], best[0][1], best[0][0] / best[0][1]);
@@ -40,4 +43,10 @@ inline void BenchRow(const char *what, const BenchWork &ours, const BenchWork &y
         printf(side ? " ns\n" : " |");
     }
     fflush(stdout);
+}
+
+inline void BenchRow(const char *what, const BenchWork &ours, const BenchWork &yardstick) {
+    BenchMeasuredRow(
+        what, [&](int scale) { return BenchOnce(ours, scale); },
+        [&](int scale) { return BenchOnce(yardstick, scale); });
 }

@@ -140,6 +140,40 @@ static bool AllocateColor(const char *text, Pixel *pixel) {
     return true;
 }
 
+// Cells that this process holds stay its own, so their texts need not be asked for again: each question is a
+// trip to the server and back, and a window has a colour or two an object. A place holds the text that came
+// last of those that share it.
+enum { KEPT_COLORS = 256, KEPT_TEXT = 24 };
+static struct {
+    char text[KEPT_TEXT];
+    Pixel pixel;
+    Display *display; // null: the place is free
+    Colormap colormap;
+} Kept[KEPT_COLORS];
+
+static unsigned PlaceOfColor(const char *text) {
+    unsigned place = 0;
+    for (; *text != '\0'; text++) place = place * 31 + static_cast<unsigned char>(*text);
+    return place % KEPT_COLORS;
+}
+
+static bool FindKeptColor(const char *text, Pixel *pixel) {
+    const auto &kept = Kept[PlaceOfColor(text)];
+    if (kept.display != AppDisplay || kept.colormap != AppColormap || strcmp(kept.text, text) != 0)
+        return false;
+    *pixel = kept.pixel;
+    return true;
+}
+
+static void KeepColor(const char *text, Pixel pixel) {
+    auto &kept = Kept[PlaceOfColor(text)];
+    if (strlen(text) >= KEPT_TEXT) return;
+    strcpy(kept.text, text);
+    kept.pixel = pixel;
+    kept.display = AppDisplay;
+    kept.colormap = AppColormap;
+}
+
 static Pixel GetDefaultColor(int flBackground) {
     const char *text = flBackground ? "#FFFFFF" : "#000000";
     Pixel pixel = 0;
@@ -155,10 +189,15 @@ Pixel GenColor(const char *text, int flBackground, char *flSuccess) {
     if (AppDisplay == nullptr) return 0;
     if (text == nullptr) return GetDefaultColor(flBackground);
     while (isspace(static_cast<unsigned char>(*text))) text++;
-    text = FindColorValue(text);
     Pixel pixel;
     *flSuccess = 1;
-    if (AllocateColor(text, &pixel)) return pixel;
+    if (FindKeptColor(text, &pixel)) return pixel;
+    const char *name = text;
+    text = FindColorValue(name);
+    if (AllocateColor(text, &pixel)) {
+        KeepColor(name, pixel);
+        return pixel;
+    }
     const XColor *closest = GetClosestColor(text);
     if (closest != nullptr) return closest->pixel;
     *flSuccess = 0;

@@ -49,17 +49,6 @@ long ResourceOf(const char *name, const char *resource) {
     return static_cast<long>(XmtGetXmValue(name, resource));
 }
 
-std::string ResourcesOf(const char *words) {
-    std::istringstream in(words);
-    std::string word, text;
-    while (in >> word) {
-        size_t dot = word.find('.');
-        if (!text.empty()) text += " ";
-        text += std::to_string(ResourceOf(word.substr(0, dot).c_str(), word.substr(dot + 1).c_str()));
-    }
-    return text;
-}
-
 std::string StringOf(const char *name, const char *resource) {
     XmString string = reinterpret_cast<XmString>(XmtGetXmValue(name, resource));
     char *text = XmtDecodeString(string);
@@ -67,6 +56,29 @@ std::string StringOf(const char *name, const char *resource) {
     PutMem(text);
     if (string) XmStringFree(string);
     return copy;
+}
+
+static std::string Join(const char *words, char between, std::string (*get)(const char *, const char *)) {
+    std::istringstream in(words);
+    std::string text;
+    for (std::string word; in >> word;) {
+        size_t dot = word.find('.');
+        if (!text.empty()) text += between;
+        text += get(word.substr(0, dot).c_str(), word.substr(dot + 1).c_str());
+    }
+    return text;
+}
+
+static std::string NumberOf(const char *name, const char *resource) {
+    return std::to_string(ResourceOf(name, resource));
+}
+
+std::string ResourcesOf(const char *words) {
+    return Join(words, ' ', NumberOf);
+}
+
+std::string StringsOf(const char *words) {
+    return Join(words, '|', StringOf);
 }
 
 std::string TextOf(const char *name) {

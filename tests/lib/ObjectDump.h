@@ -11,7 +11,9 @@
 std::string DumpObjects(const char *name);
 // One resource as a number, widened from its size, or as the text of a compound string.
 long ResourceOf(const char *name, const char *resource);
-// Several of them: "a.columns b_B1.spacing" gives "12 3".
-std::string ResourcesOf(const char *words);
 std::string StringOf(const char *name, const char *resource);
+// Several of them: "a.columns b_B1.spacing" gives "12 3", "a_L.labelString b_L.labelString" gives
+// "Name|Kind".
+std::string ResourcesOf(const char *words);
+std::string StringsOf(const char *words);
 std::string TextOf(const char *name); // what a text object holds
