@@ -13,6 +13,7 @@
 #include <csignal>
 #include <malloc.h>
 #include <string>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 #include <vector>
@@ -29,6 +30,7 @@ static bool StartServer() {
     if (pipe(pipes) != 0) return false;
     Server = fork();
     if (Server == 0) {
+        prctl(PR_SET_PDEATHSIG, SIGKILL);
         std::string number = std::to_string(pipes[1]);
         if (!freopen("/dev/null", "w", stderr)) _exit(1);
         execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1280x1024x24", "-nolisten",
