@@ -487,7 +487,7 @@ static void FinishType(Compound *c) {
     switch (c->type) {
     case XmtDraw:
         SetCallBack(c->object, "i,e,s");
-        XmtAddTranslations(control, DrawTranslations, true);
+        XmtAddDrawTranslations(control);
         break;
     case XmtRadioBox: FinishRadioBox(c); break;
     case XmtListBut: FinishOptionMenu(c); break;

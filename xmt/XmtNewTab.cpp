@@ -32,6 +32,15 @@ const char DrawTranslations[] = "#replace\n"
                                 "<BtnDown>:DrawingAreaInput()\n"
                                 "<BtnUp>:DrawingAreaInput()";
 
+// In front of them: the area, which shows no focus, lets the user go on.
+static const char TabTranslations[] = "Shift<Key>Tab:DrawingAreaInput() ManagerGadgetPrevTabGroup()\n"
+                                      "<Key>Tab:DrawingAreaInput() ManagerGadgetNextTabGroup()";
+
+void XmtAddDrawTranslations(Widget area) {
+    XmtAddTranslations(area, DrawTranslations, true);
+    XmtAddTranslations(area, TabTranslations, true);
+}
+
 // One more element, cleared, at the end of a managed array.
 template <class T>
 static T *Extend(T **array, int count) {
@@ -513,7 +522,7 @@ static Widget MakePicture(XmtInfo *info, Widget parent) {
     object->extension = picture;
     SetCallBack(object, "pe");
     SetCallBack(object, callbacks.c_str());
-    XmtAddTranslations(object->widget, DrawTranslations, true);
+    XmtAddDrawTranslations(object->widget);
     if (XmtPeekArg(info, "k", 3, &keys))
         XmtAddTranslations(object->widget, XmtDropEscapes(keys, true).c_str(), false);
     XtManageChild(object->widget);

@@ -312,6 +312,19 @@ TEST_F(Pictures, ReportKeysAndButtons) {
     EXPECT_EQ(TakeEvents(), "rb 10 9 0 rb 10 9 0 ");
 }
 
+TEST_F(Pictures, LetTabLeadOn) {
+    Make("bp xa l(a) A(tf,lf); PI xb s(50,50) A(tf,lw xa); DR xc s(50,50) A(tw xa,lf); bp xd l(d) A(tw "
+         "xc,lf); ");
+    Show();
+    XmtSetFocus("xa");
+    for (int i = 0; i < 3; i++) PressKeys("Tab");
+    DispatchWaiting();
+    EXPECT_EQ(XmGetFocusWidget(XmtGetWidget("xa")), XmtGetWidget("xd"));
+    for (int i = 0; i < 3; i++) PressKeys("shift+Tab");
+    DispatchWaiting();
+    EXPECT_EQ(XmGetFocusWidget(XmtGetWidget("xa")), XmtGetWidget("xa"));
+}
+
 // ---- list boxes and images
 
 TEST_F(Tabs, ListBoxesReport) {
