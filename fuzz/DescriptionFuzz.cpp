@@ -37,7 +37,7 @@ static Widget Compound(Widget, int type, const char *) {
     XmtFillInfoDesc(&info);
     std::string rest = info.slots[0] ? info.slots[0] : "", arg;
     for (const char *name : {"H", "id", "s"}) StripArg(name, &rest, &arg);
-    for (int slot = 0; slot <= GEN_SLOT; slot++)
+    for (int slot : {0, 1, 3, 9, 15})
         FillFrom(GenDesc(&info, slot | GEN_NAME | GEN_LABEL | GEN_LIST | GEN_FORMAT, "_x"), type, 0);
     if (info.list) GetArgCount(info.list);
     XmtClearInfo(&info);

@@ -16,7 +16,7 @@
 
 enum { XMT_MACROS = 100, XMT_CALLS = 20, XMT_SAVED_VALUES = 10, XMT_SAVED_VALUE_SIZE = 40 };
 // What a text that calls itself may take: blocks within blocks, files and macro calls of one description.
-enum { XMT_BLOCKS = 200, XMT_CALLS_ALL = 20000 };
+enum { XMT_BLOCKS = 200, XMT_CALLS_ALL = 5000 };
 
 extern const char *pNewDesc; // next character to read; every reader moves it
 extern char

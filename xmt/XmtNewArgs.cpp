@@ -22,7 +22,7 @@ intptr_t XmtPixBg = -1;
 XtTranslations XmtDummyKeyXlations;
 const char *IconPath;
 
-enum { ARG_MACRO_DEPTH = 20, ARG_MACROS = 1000 };
+enum { ARG_MACRO_DEPTH = 20, ARG_MACROS = 200 };
 static int MacroDepth; // uses ".N" within the body of another
 static int MacrosLeft; // of the object in hand
 
