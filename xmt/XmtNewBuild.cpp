@@ -218,12 +218,13 @@ static bool IsMenu(Widget widget) {
     return kind == XmMENU_BAR || kind == XmMENU_PULLDOWN || kind == XmMENU_POPUP;
 }
 
-// Motif 2.3 dies of an arrow key in a menu whose entries are tab groups of their own.
+// Motif 2.3 dies of an arrow key in a menu whose entries are tab groups of their own. Of the menus in a menu
+// that is wanted: without it they come up with no entry for the keys to start from.
 static Widget MakeWidget(XmtInfo *info, Widget parent) {
     XmtMaker make = Makers[info->type].make;
     if (!make) return nullptr;
     if (info->type == XmtText && info->height > 1) make = XmCreateScrolledText;
-    if (IsMenu(parent)) XmtAddArg(info, XmNnavigationType, XmNONE);
+    if (IsMenu(parent) && info->type != XmtMenu) XmtAddArg(info, XmNnavigationType, XmNONE);
     Extras extras = {};
     AddTypeArgs(info, &extras);
     Widget widget = make(parent, info->name.data(), info->args, static_cast<Cardinal>(info->argCount));

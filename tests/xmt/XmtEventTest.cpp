@@ -178,7 +178,7 @@ static const struct Step {
     {ClickAt, "bar_1", "bar_1 101/1=0;"},
     {ClickAt, "bar_2_a_1_pd_cb", ""},
     {ClickAt, "bar_2_b_2", "bar_2_b_2 103/1=0;"},
-    {PressSlowly, "F10 Right Down Up Return", "bar_2_b_1 102/1=0;"}, // it opens at the entry used last
+    {PressSlowly, "F10 Right Down Return", "bar_2_b_1 102/1=0;"},
     {ClickAt, "field", "field 240/10=0;"},
     {TypeText, "axb", "field 240/2=text a;field 240/2=text x;field 240/2=text b;"},
     {PressSlowly, "BackSpace", "field 240/2=text;"}, // nothing typed, no text
