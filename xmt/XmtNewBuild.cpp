@@ -396,7 +396,8 @@ struct Compound {
     XmtInfo info;
     int type = 0;
     Widget parent = nullptr; // of the control: the box once there is one
-    int slot = 1;            // of the next part
+    Widget box = nullptr;
+    int slot = 1; // of the next part
     XmtObjectData *object = nullptr;
     Widget menu = nullptr;  // pulldown
     Widget first = nullptr; // item
@@ -420,7 +421,7 @@ static void TakeIcon(Compound *c) {
 static void MakeBox(Compound *c) {
     bool flToggle = c->type == XmtToggleBut, flLabel = !c->info.label.empty() && !flToggle;
     if (!flLabel && (c->icon.empty() || IconHas(c, "i(@&"))) return;
-    c->parent = NewBox(&c->info, c->parent, flToggle ? "_B1 bo(0) h" : "_B1 bo(0)");
+    c->parent = c->box = NewBox(&c->info, c->parent, flToggle ? "_B1 bo(0) h" : "_B1 bo(0)");
     c->slot = 2;
     if (!flLabel) return;
     NewLabel(&c->info, c->parent);
@@ -510,12 +511,12 @@ static void MakeIconPicture(Compound *c) {
     c->icon.erase(0, end + 3);
     SpecifiedAppCBValue = AppCBValue - 1;
     XmtCursor cursor(text.c_str());
-    XmtNewPicture(WB1 ? WB1 : c->parent);
+    XmtNewPicture(c->parent);
 }
 
 static void MakeIconLabel(Compound *c) {
     SpecifiedAppCBValue = AppCBValue - 1;
-    XmtNewWidget((c->info.name + "_i").c_str(), AUX_LABEL, WB1, nullptr);
+    XmtNewWidget((c->info.name + "_i").c_str(), AUX_LABEL, c->box, nullptr);
 }
 
 static void MakeIcon(Compound *c) {
@@ -595,7 +596,7 @@ Widget XmtBuildObject(Widget parent, int type, const char *letters) {
     TakeIcon(&c);
     BuildCompound(&c, letters);
     Widget control = c.object ? c.object->widget : nullptr;
-    if (flHide && control) XtUnmanageChild(WB1 ? WB1 : control);
+    if (flHide && control) XtUnmanageChild(c.box ? c.box : control);
     XmtClearInfo(&c.info);
     return control;
 }

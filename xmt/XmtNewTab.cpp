@@ -467,10 +467,10 @@ static void ReadPictureArgs(const XmtInfo *info, XmtInfo *scratch) {
     flHideObject = savedHide;
 }
 
-static Pixel PictureBackground(const XmtInfo *scratch, Widget parent) {
+static bool HasBackground(const XmtInfo *scratch) {
     for (int i = 0; i < scratch->argCount; i++)
-        if (SameText(scratch->args[i].name, XmNbackground)) return scratch->colours[XMT_BG];
-    return PixelOf(parent, XmNbackground);
+        if (SameText(scratch->args[i].name, XmNbackground)) return true;
+    return false;
 }
 
 static void AddSize(XmtInfo *info, int width, int height) {
@@ -498,12 +498,14 @@ static void MakeCanvas(XmtPictureData *picture, XmtInfo *info, const XmtInfo *sc
     picture->canvas = XmtMakeImage(width, height);
 }
 
-static XmtPictureData *NewPictureData(XmtInfo *info, Widget parent) {
+// Without a colour of its own it takes its parent's; the area around the canvas then has to follow.
+static XmtPictureData *NewPictureData(XmtInfo *info, Widget parent, bool *flColour) {
     XmtPictureData *picture = NewRecord<XmtPictureData>();
     XmtInfo scratch;
     scratch.type = XmtPicture;
     ReadPictureArgs(info, &scratch);
-    picture->background = PictureBackground(&scratch, parent);
+    *flColour = HasBackground(&scratch);
+    picture->background = *flColour ? scratch.colours[XMT_BG] : PixelOf(parent, XmNbackground);
     XmtSetPictureData(picture, info->list);
     MakeCanvas(picture, info, &scratch);
     XmtClearInfo(&scratch);
@@ -514,12 +516,14 @@ static XmtPictureData *NewPictureData(XmtInfo *info, Widget parent) {
 // callbacks.
 static Widget MakePicture(XmtInfo *info, Widget parent) {
     std::string callbacks, keys;
-    XmtPictureData *picture = NewPictureData(info, parent);
+    bool flColour;
+    XmtPictureData *picture = NewPictureData(info, parent, &flColour);
     XmtTakeArg(info, "CB", &callbacks);
     Widget made = XmtNewLabeledObject(parent, info, " Srp(n)");
     XmtObjectData *object = pNewObjectData;
     if (!object) return nullptr;
     object->extension = picture;
+    if (!flColour) XtVaSetValues(object->widget, XmNbackground, picture->background, nullptr);
     SetCallBack(object, "pe");
     SetCallBack(object, callbacks.c_str());
     XmtAddDrawTranslations(object->widget);

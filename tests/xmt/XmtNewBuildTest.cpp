@@ -62,8 +62,8 @@ static const TreeCase Trees[] = {
     {"radio box, button box, box", "br g l(Pick) L(x,y); bb h L(x); B i l(Box) { l in; } ",
      "g_B1 100 Box{g_L 100 Label, g 100 RadioBox{g_1 100 RadioBox, g_2 100 RadioBox}}, h 101 ButtonBox{h_1 "
      "101 ButtonBox}, i_B1 102 Box{i_L 102 Label, i 102 ButtonBox{in 103 Label}}"},
-    {"icons", "t j i(@x); t k i(&o.x); t l l(L) i(@&s\\(9\\,9\\)@&,@x); ",
-     "j_B1 100 Box{j 100 Text, j_i 100 Label}, k_B1 101 Box{k 101 Text}, l_B1 102 Box{l_L 102 Label, l 102 "
+    {"icons", "t j i(@x); t k i(&o.x); t l l(L) H i(@&s\\(9\\,9\\)@&,@x); ",
+     "j_B1 100 Box{j 100 Text, j_i 100 Label}, k_B1 101 Box{k 101 Text}, l_B1 102 Box!{l_L 102 Label, l 102 "
      "Text, l_i 102 Picture}"},
     {"created list", "bL m L(x); ",
      "m 100 CreatedListBut{m_pd 100 Menu{m_1 100 CreatedListBut}}, m_cb 101 CascadeBut"},

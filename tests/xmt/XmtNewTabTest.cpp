@@ -299,6 +299,8 @@ TEST_F(Pictures, HaveTheSizeOfTheirImages) {
     }
     EXPECT_EQ(sizes, "100 100 30 20 7 11 2 2 ");
     EXPECT_EQ(ResourceOf("qa", XmNresizePolicy), XmRESIZE_NONE);
+    EXPECT_EQ(ResourceOf("qa", XmNbackground), ResourceOf(name.c_str(), XmNbackground))
+        << "around the canvas";
 }
 
 TEST_F(Pictures, ReportKeysAndButtons) {
