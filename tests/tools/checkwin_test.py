@@ -51,9 +51,10 @@ CASES = (
     ("entry checks", "t a CB(c) f(A0 d9,1+);\nt b f(x0,ff);\ntp c f(S l4tzz | v.ta_b);", (
         "1:14: 'A' wants a minimum and a maximum", "1:17: 'd': the minimum is above the maximum", "1:20: no character behind the sign",
         "2:7: an entry check runs only with CB(c)", '3:13: the target "zz" is no object', "3:22: a name behind 't' holds no '_'")),
-    ("a menu", "M bar .0 { b(A,B) m(C) b(D) m(E) { bf(C[bar_4_c_1],F) bf(Q[bar],G) } q { } };\nl bar_4_c_2 ;", (
-        "1:12: ',' in the label \"A,B\"", "1:24: the menu in front of this has no body", "1:29: the menu in front of this has no body",
-        "1:58: \"Q\": no action 'Q' here", "1:70: 'q' means nothing in a menu", "1:72: a body, but no menu in front of it",
+    ("a menu", "M bar .0 { b(A~,B) m(C~) b(D~) m(E~) { bf(C[bar_4_c_1],F) bf(Q[bar],Go~) b(O~r) b( ) } q { } };\nl bar_4_c_2 ;", (
+        "1:12: ',' in the label \"A~,B\"", "1:26: the menu in front of this has no body", "1:32: the menu in front of this has no body",
+        '1:40: no letter in the entry "F"', "1:62: \"Q\": no action 'Q' here", '1:74: the letter of "O~r" is another entry\'s as well',
+        "1:88: 'q' means nothing in a menu", "1:90: a body, but no menu in front of it",
         '2:3: "bar_4_c_2" is the name of an object of FILE')),
     ("tabs and lists", "T t { TB 1 l(a) <4 h> { l x ; } TB 2 { } }\nBl s <1 v> l(c);\nBl u <1 v>;\nl t_1 ;\nl s_Form ;\nl t_BB2 ;", (
         '1:17: group 4 of "1" is read by no part of it', '1:36: "2": a tab wants a label', '3:6: group 1 of "u" is read by no part of it',

@@ -22,12 +22,26 @@ struct MenuLevel {
     std::string prefix;
     int counter = 0;
     bool flMenu = false; // a menu was named, its body is due
+    std::string letters; // of the entries so far
 };
 
 static void ReadLevel(MenuBar *bar, const std::string &prefix, const Place &open);
 
+// The keyboard chooses by the letters, and the first of two would have it.
+static void CheckLetter(MenuLevel *level, const std::string &label, const Place &place) {
+    if (label.find_first_not_of(' ') == std::string::npos) return; // a spacer
+    size_t mark = label.find('~');
+    if (mark == std::string::npos || mark == 0)
+        return Report(place, "no letter in the entry \"%s\"", label.c_str());
+    char letter = static_cast<char>(tolower(static_cast<unsigned char>(label[mark - 1])));
+    if (level->letters.find(letter) != std::string::npos)
+        Report(place, "the letter of \"%s\" is another entry's as well", label.c_str());
+    level->letters += letter;
+}
+
 // A label as any other, a format of a button.
-static void CheckItem(MenuBar *bar, const Text &label, const Place &place) {
+static void CheckItem(MenuBar *bar, MenuLevel *level, const Text &label, const Place &place) {
+    CheckLetter(level, label.chars, place);
     for (const char *bad = ",;<>{}"; *bad; bad++)
         if (label.chars.find(*bad) != std::string::npos)
             Report(place, "'%c' in the label \"%s\"", *bad, label.chars.c_str());
@@ -50,7 +64,7 @@ static void AddItem(MenuBar *bar, MenuLevel *level, const Place &place, bool flF
         if (close != ',') Report(place, "bf wants a format and a label");
         CheckFormat(XmtPushBut, format, "");
     }
-    CheckItem(bar, TakeList(bar->cursor), place);
+    CheckItem(bar, level, TakeList(bar->cursor), place);
     AddObject(EntryName(bar, *level, flTop), place, XmtPushBut, bar->number);
 }
 
@@ -58,7 +72,7 @@ static void AddMenu(MenuBar *bar, MenuLevel *level, const Place &place) {
     if (level->prefix.empty()) bar->entries++;
     level->counter++;
     level->flMenu = true;
-    CheckItem(bar, TakeList(bar->cursor), place);
+    CheckItem(bar, level, TakeList(bar->cursor), place);
     std::string name = EntryName(bar, *level, false) + "_pd";
     AddObject(name, place, XmtMenu, bar->number);
     AddObject(name + "_cb", place, XmtCascadeBut, bar->number);
