@@ -319,10 +319,20 @@ static bool TestViewable(Widget widget, Window window) {
            attributes.map_state == IsViewable;
 }
 
+// A window manager gave the keys to the widget's shell already. It would lose sight of a focus within, and
+// nobody would have the keys when that dialog goes.
+static bool TestShellFocus(Widget widget) {
+    while (widget && !XtIsShell(widget)) widget = XtParent(widget);
+    Window focus = 0;
+    int revert;
+    if (widget) XGetInputFocus(XtDisplay(widget), &focus, &revert);
+    return focus > PointerRoot && focus == XmtGetWindow(widget);
+}
+
 static void FocusWidget(Widget widget, bool flTest) {
     if (!widget) return;
     Window window = XmtGetWindow(widget);
-    if (window && (!flTest || TestViewable(widget, window)))
+    if (window && !TestShellFocus(widget) && (!flTest || TestViewable(widget, window)))
         XSetInputFocus(XtDisplayOfObject(widget), window, RevertToPointerRoot, CurrentTime);
     XmProcessTraversal(widget, XmTRAVERSE_CURRENT);
 }
