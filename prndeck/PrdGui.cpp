@@ -74,12 +74,15 @@ void GenGui() {
     flNoBarMenuTraversal = 1;
     GenMacros();
     XmtNewObject(nullptr, WizEventHandler, 0, GenGuiDesc(MainWinDesc, GUI_SET_MAIN).c_str());
+    XmtAddMenuKeys("printer_menu");
     XmtSetXmValue("scrolList_L", XmNmarginLeft, LIST_INDENT);
     SetupPrnListDisplay();
     XmtNewObject(nullptr, WizEventHandler, 0, GenGuiDesc(DisplaySetupDesc, GUI_SET_DISPLAY).c_str());
     XmtSetValuePF("d_ip", 2, 0);
     XmtSetValuePF("d_dt", 2, 0);
+    XmtSetDialogButtons("dsw", "do", "dc");
     GenAbout();
+    XmtSetDialogButtons("aw", "awo", "awo");
     InitPpdData();
     XmtDisable("printer_menu_1,printer_menu_6");
     XmtDisable("printer_menu_3_c_5");

@@ -8,6 +8,7 @@
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtString.h"
+#include "xmt/XmtUtils.h"
 
 #include <cctype>
 #include <cstring>
@@ -185,6 +186,12 @@ Widget XmtNewPromptDialog(Widget parent, intptr_t type) {
     SpecifiedAppCBValue = 0;
     XmtClearInfo(&info);
     return widget;
+}
+
+void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel) {
+    Widget board = XmtGetWidget(dialog);
+    if (!board || !XmIsBulletinBoard(board)) return;
+    XtVaSetValues(board, XmNdefaultButton, XmtGetWidget(ok), XmNcancelButton, XmtGetWidget(cancel), nullptr);
 }
 
 // ---- the body of a menu bar
@@ -416,4 +423,67 @@ Widget XmtNewMenuBarMenu(Widget parent) {
     XmtNewWidget(text.c_str(), AUX_CASCADE, parent, nullptr);
     BarPullDownMenu = saved;
     return menu;
+}
+
+// ---- the keys of menus
+
+// Motif's own, which the entries had before they were taken.
+static constexpr char ItemKeys[] = ":<Key>osfCancel: MenuEscape()\n"
+                                   ":<Key>osfLeft: MenuTraverseLeft()\n"
+                                   ":<Key>osfRight: MenuTraverseRight()\n"
+                                   ":<Key>osfUp: MenuTraverseUp()\n"
+                                   ":<Key>osfDown: MenuTraverseDown()\n"
+                                   ":<Key>osfSelect: ArmAndActivate()\n"
+                                   ":<Key>osfActivate: ArmAndActivate()\n"
+                                   "~s ~m ~a <Key>Return: ArmAndActivate()\n"
+                                   "~s ~m ~a <Key>space: ArmAndActivate()\n";
+static constexpr char CascadeKeys[] = ":<Key>osfCancel: CleanupMenuBar()\n"
+                                      ":<Key>osfLeft: MenuTraverseLeft()\n"
+                                      ":<Key>osfRight: MenuTraverseRight()\n"
+                                      ":<Key>osfUp: MenuTraverseUp()\n"
+                                      ":<Key>osfDown: MenuTraverseDown()\n"
+                                      ":<Key>osfSelect: KeySelect()\n"
+                                      ":<Key>osfActivate: KeySelect()\n"
+                                      "~s<Key>Return: KeySelect()\n"
+                                      "~s<Key>space: KeySelect()\n";
+// Of a menu that the mouse opened: none of its entries has the focus then.
+static constexpr char MenuKeys[] = ":<Key>osfCancel: MenuGadgetEscape()\n"
+                                   ":<Key>osfLeft: MenuGadgetTraverseLeft()\n"
+                                   ":<Key>osfRight: MenuGadgetTraverseRight()\n"
+                                   ":<Key>osfUp: MenuGadgetTraverseUp()\n"
+                                   ":<Key>osfDown: MenuGadgetTraverseDown()\n";
+
+struct MenuTables {
+    XtTranslations menu, cascade, item;
+};
+
+static void AddMenuKeys(Widget menu, const MenuTables *keys);
+
+static void AddEntryKeys(Widget entry, const MenuTables *keys) {
+    if (XmIsPushButton(entry)) XtOverrideTranslations(entry, keys->item);
+    if (!XmIsCascadeButton(entry)) return;
+    XtOverrideTranslations(entry, keys->cascade);
+    Widget menu = nullptr;
+    XtVaGetValues(entry, XmNsubMenuId, &menu, nullptr);
+    if (menu) AddMenuKeys(menu, keys);
+}
+
+static void AddMenuKeys(Widget menu, const MenuTables *keys) {
+    XtOverrideTranslations(menu, keys->menu);
+    // Menus share a shell: without this the focus goes from the one that is shown into the others.
+    XtVaSetValues(menu, XmNnavigationType, XmTAB_GROUP, nullptr);
+    WidgetList entries = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(menu, XmNchildren, &entries, XmNnumChildren, &count, nullptr);
+    for (Cardinal i = 0; i < count; i++) AddEntryKeys(entries[i], keys);
+}
+
+void XmtAddMenuKeys(const char *bar) {
+    static MenuTables keys;
+    Widget widget = XmtGetWidget(bar);
+    if (!widget || !XmIsRowColumn(widget)) return;
+    if (!keys.menu)
+        keys = {XtParseTranslationTable(MenuKeys), XtParseTranslationTable(CascadeKeys),
+                XtParseTranslationTable(ItemKeys)};
+    AddMenuKeys(widget, &keys);
 }

@@ -48,3 +48,8 @@ void BuildMenuBar(Widget parent, XmtInfo *bar, const char *prefix);
 // name_cb, for which the arguments are read a second time.
 Widget XmtNewMenuBarButton(Widget parent);
 Widget XmtNewMenuBarMenu(Widget parent);
+// In a dialog of our own Return presses the button that has the focus, else ok, and Escape presses cancel.
+void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel);
+// Gives the entries of a bar and of its menus the keys back that flNoBarMenuTraversal took: arrows move,
+// Return and space choose, Escape closes.
+void XmtAddMenuKeys(const char *bar);

@@ -93,6 +93,10 @@ class Display:
     def gone(self, title):
         wait_for(lambda: not self.windows(title), "the window %s to go" % title)
 
+    def focused(self, title):
+        """Waits until the window manager has given the keys to the window of this title."""
+        wait_for(lambda: self.read("xdotool", "getwindowfocus", "getwindowname").strip() == title, title + " to have the keys")
+
     def popups(self, window):
         """Menus that the program of this window shows: its windows outside a manager's reach, the newest first."""
         lines = self.read("xwininfo", "-root", "-children").splitlines()

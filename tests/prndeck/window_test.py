@@ -177,6 +177,28 @@ class Window(unittest.TestCase):
 
 
 class OtherDisplays(unittest.TestCase):
+    def test_by_keys_alone(self):
+        with Display(manager=True) as display:
+            deck = Deck(self, display, "-nd")
+            display.do("mousemove", 1270, 1000)
+            display.focused(TITLE)
+            display.key("F10", "Right", "Right", "Right", "Down", "Down", "Return")
+            display.focused("About prndeck")
+            display.key("Escape")
+            display.focused(TITLE)
+            display.alt("s")
+            display.menu(deck.window)
+            display.key("Return")
+            display.menu(deck.window, 2)
+            display.key("Escape", "Escape")
+            wait_for(lambda: not display.menus(deck.window), "the menus to go")
+            display.alt("d")
+            display.focused("Display")
+            display.key("space", "Down", "Return", "Return")  # the other first column, and OK
+            display.focused(TITLE)
+            display.alt("e")
+            deck.ends()
+
     def test_closed_by_the_window_manager(self):
         with Display(manager=True) as display:
             deck = Deck(self, display, "-nd")
