@@ -259,12 +259,17 @@ static bool IsDialog(int type) {
     return type == XmtBBDialog || type == XmtDialogShell || type == XmtFormDialog;
 }
 
+// A label or a button has no room for children; Xt would end the program.
+static bool CanHold(Widget parent, int type) {
+    return parent && (XtIsComposite(parent) || IsDialog(type));
+}
+
 Widget XmtNewSimpleObject(int type, Widget parent, const char *callback) {
     XmtInfo info;
     info.type = static_cast<int8_t>(type & XMT_TYPE_MASK);
     XmtFillInfo(&info, IsDialog(info.type) ? XMT_FILL_NO_TRAVERSAL : 0);
     if (info.parent) parent = info.parent;
-    Widget widget = parent ? MakeWidget(&info, parent) : nullptr;
+    Widget widget = CanHold(parent, info.type) ? MakeWidget(&info, parent) : nullptr;
     if (widget) Finish(&info, type, widget, callback);
     SpecifiedAppCBValue = 0;
     XmtClearInfo(&info);

@@ -15,7 +15,8 @@
 // and all but the overflow menus and the cascades bear the control's id. Nothing is destroyed: objects last as
 // long as the process.
 //
-// Nothing is reported. Without a parent no widget is made, and its arguments are read all the same.
+// Nothing is reported. Without a parent, or under one that holds no children, no widget is made, and its
+// arguments are read all the same.
 #pragma once
 
 #include "xmt/XmtNewArgs.h"

@@ -78,7 +78,10 @@ static const TreeCase Trees[] = {
     {"parents", "B ba; B bc P(ba) { l bd; } t be P(bc) l(x); l bf P(nothing); ",
      "ba 100 ButtonBox{bc 101 ButtonBox{bd 102 Label, be_B1 103 Box, be_L 103 Label, be 103 Text}}, bf 104 "
      "Label"},
-    {"unknown words", "xy zz { l lost; } l bg; B bh { l bi; } nothing { l gone; bl gone2 L(a); } ",
+    {"unknown words, parents of no use",
+     "xy zz { l lost; } l bg { t none l(x); T none2 L(a); Bl none3 l(x); PI none4; M none5 { m(x) { b(y) } } "
+     "} "
+     "B bh { l bi; } nothing { l gone; bl gone2 L(a); } ",
      "bg 100 Label, bh 101 ButtonBox{bi 102 Label}"},
     {"simple ones", "S bj { l bk; } DR bl; s bm; BB bn; P bo { l bp; } F bq; bp br; ",
      "bj 100 ScrolledArea{bk 101 Label}, bl 102 Draw, bm 103 Seperator, bn 104 Board, bo 105 PanedBox{bp 106 "
