@@ -41,6 +41,7 @@ SETS = [
     ("set by a reader", "snmpset -c rdcomm {a} " + NAME + " s x", "noSuchName"),
     ("set of a read-only value", "snmpset -c wrcommx {a} 1.3.6.1.2.1.1.1.0 s x", "noSuchName"),
     ("wrong type", "snmpset -c wrcommx {a} " + NAME + " i 1", "badValue"),
+    ("none of its numbers", "snmpset -c wrcommx {a} " + RESET + " i 7", "badValue"),
     ("too long", "snmpset -c wrcommx {a} " + NAME + " s 12345678901", "badValue"),
     ("one of two refused", "snmpset -c wrcommx {a} " + NAME + " s x 1.3.6.1.2.1.1.1.0 s x", "noSuchName.*: .1.3.6.1.2.1.1.1.0\n"),
     ("nothing was set", "snmpget -c rdcomm {a} " + NAME, '= STRING: "lobby"\n'),
@@ -178,9 +179,17 @@ class Datagrams(unittest.TestCase):
                 self.assertGreaterEqual(taken, wanted - 1, n)
 
     def test_web_and_raw(self):
-        with Simulator(text=HOUSE) as sim:
+        with Simulator("-k", "loss 0", "-k", "reset-time 1500", text=HOUSE) as sim:
             page = urllib.request.urlopen(f"http://{sim.at('10.71.1.11')}:{sim.port}/", timeout=10).read().decode()
             self.assertIn("<td>lobby</td>", page)
+            self.assertEqual(len(sim.ask("10.71.1.255", get_message(NAME), answers=13)), 13)
+            sim.ask("10.71.1.11", get_message(RESET, community=b"wrcommx", kind=0xA3, value=b"\2\1\4"))
+            for gone in ("10.71.1.11", "10.71.1.41"):  # one in its reset, one dead
+                with self.assertRaises(ConnectionRefusedError):
+                    socket.create_connection((sim.at(gone), sim.port), 10)
+            while sim.ask("10.71.1.11", get_message(NAME), timeout=0.1) == []:
+                pass
+            socket.create_connection((sim.at("10.71.1.11"), sim.port), 10).close()
         with tempfile.TemporaryDirectory() as jobs, Simulator("-k", f'raw "{jobs}"', text=HOUSE) as sim:
             for n in (1, 2):
                 with socket.create_connection((sim.at("10.71.1.11"), sim.port + 1), 10) as job:
@@ -220,11 +229,12 @@ class Descriptions(unittest.TestCase):
             demo, copy, recorded = os.path.join(FLEETS, "demo.fleet"), directory + "/copy.fleet", directory + "/walk"
             dump = subprocess.run([SIMULATOR, "-d", "10.71.1.13", demo], capture_output=True, check=True).stdout
             with open(recorded, "wb") as out:
-                out.write(dump + b"1.3.6.1.2.1.99.1|70|18446744073709551615\n")
+                out.write(dump + b"1.3.6.1.2.1.99.1|70|18446744073709551615\n1.3.6.1.2.1.99.2|64x|0A010203\n")
             with open(copy, "w") as out:
                 out.write('printer 10.9.9.9\n recording "walk"\n')
             again = subprocess.run([SIMULATOR, "-d", "10.9.9.9", copy], capture_output=True, check=True).stdout
-            self.assertEqual(again, dump)
+            self.assertEqual(again.replace(b"1.3.6.1.2.1.99.2|64|10.1.2.3\n", b"", 1), dump)
+            self.assertNotEqual(again, dump)
 
 
 if __name__ == "__main__":

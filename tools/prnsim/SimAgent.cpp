@@ -40,10 +40,11 @@ SimAnswer SimAgent::Answer(SimPrinter *printer, std::string_view datagram, bool 
                            SimTime extra) {
     SimAnswer answer = {};
     Settle(printer);
+    bool flGone = printer->IsGone(now);
     printer->requests++;
-    flDecoded = false;
+    flDecoded = SimDecodeRequest(datagram, &request);
     reset = NO_RESET;
-    answer.fate = Judge(printer, datagram, flBroadcast, now, &answer);
+    answer.fate = Judge(*printer, flGone, flBroadcast, &answer);
     if (answer.fate != FATE_SENT) return answer;
     answer.delay = extra + Delay(*printer, &answer);
     Serve(printer, now, &answer);
@@ -56,15 +57,10 @@ SimAnswer SimAgent::Answer(SimPrinter *printer, std::string_view datagram, bool 
 }
 
 // The silence of all kinds, in the order in which a request meets its reasons.
-SimFate SimAgent::Judge(SimPrinter *printer, std::string_view datagram, bool flBroadcast, SimTime now,
-                        SimAnswer *answer) {
-    int64_t dies = printer->Knob(KNOB_DIES).first;
-    flDecoded = SimDecodeRequest(datagram, &request);
-    if (printer->flDead || (dies >= 0 && printer->requests > dies) || now < printer->silentUntil ||
-        (flBroadcast && printer->Knob(KNOB_BROADCAST).first == 0))
-        return FATE_SILENT;
-    if (Draws(*printer, KNOB_LOSS, DRAW_LOSS, answer)) return FATE_LOST;
-    return flDecoded ? Admit(*printer) : FATE_BAD;
+SimFate SimAgent::Judge(const SimPrinter &printer, bool flGone, bool flBroadcast, SimAnswer *answer) {
+    if (flGone || (flBroadcast && printer.Knob(KNOB_BROADCAST).first == 0)) return FATE_SILENT;
+    if (Draws(printer, KNOB_LOSS, DRAW_LOSS, answer)) return FATE_LOST;
+    return flDecoded ? Admit(printer) : FATE_BAD;
 }
 
 static bool Holds(const std::vector<std::string> &words, std::string_view word) {
@@ -130,6 +126,8 @@ bool SimAgent::WriteOne(const SimPrinter &printer, const SimBinding &binding, Si
     bool flText = old->tag == SIM_OCTETS;
     int64_t size = flText ? static_cast<int64_t>(value->bytes.size()) : value->number;
     if (old->max != UINT32_MAX && size > old->max) return Fail(SIM_BAD_VALUE, at), false;
+    if (!old->only.empty() && std::find(old->only.begin(), old->only.end(), size) == old->only.end())
+        return Fail(SIM_BAD_VALUE, at), false;
     if (flText && value->bytes.size() > old->cut) value->bytes.resize(old->cut);
     return true;
 }

@@ -19,6 +19,11 @@ struct SimPrinter {
 
     const SimKnobs &Knobs() const { return place->own->knobs; }
     const SimSetting &Knob(SimKnob knob) const { return Knobs()[knob]; }
+    // Off for ever, or in a reset: nothing of it answers.
+    bool IsGone(SimTime now) const {
+        int64_t dies = Knob(KNOB_DIES).first;
+        return flDead || (dies >= 0 && requests >= dies) || now < silentUntil;
+    }
 };
 
 // ORDER SimFate: the words of the log in SimAgent.cpp
@@ -69,8 +74,7 @@ public:
 private:
     bool Draws(const SimPrinter &printer, SimKnob knob, SimDraw draw, SimAnswer *answer) const;
     uint32_t Number(const SimPrinter &printer, SimDraw draw) const;
-    SimFate Judge(SimPrinter *printer, std::string_view datagram, bool flBroadcast, SimTime now,
-                  SimAnswer *answer);
+    SimFate Judge(const SimPrinter &printer, bool flGone, bool flBroadcast, SimAnswer *answer);
     SimFate Admit(const SimPrinter &printer);
     void Serve(SimPrinter *printer, SimTime now, SimAnswer *answer);
     void Read(const SimPrinter &printer);

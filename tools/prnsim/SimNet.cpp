@@ -20,6 +20,7 @@ static constexpr SimTime Second = 1000000;
 SimNet::SimNet(const SimFleet &of, const SimPorts &at, FILE *to) : fleet(of), ports(at), log(to), agent(of) {
     for (const SimPlaceOfPrinter &place : fleet.printers) printers.push_back({.place = &place});
     prints.resize(printers.size());
+    off.resize(printers.size());
 }
 
 SimNet::~SimNet() {
@@ -69,7 +70,7 @@ int SimNet::Bind(uint32_t address, uint16_t port, int type) const {
     else
         setsockopt(made, SOL_SOCKET, SO_RCVBUF, &size, sizeof size);
     if (made >= 0 && bind(made, reinterpret_cast<sockaddr *>(&at), sizeof at) == 0 &&
-        (type != SOCK_STREAM || listen(made, 64) == 0))
+        (type != SOCK_STREAM || listen(made, LISTEN_BACKLOG) == 0))
         return made;
     fprintf(stderr, "prnsim: bind %s port %u/%s: %s\n", SimAddressText(address).c_str(), port,
             type == SOCK_STREAM ? "tcp" : "udp", strerror(errno));
@@ -104,6 +105,7 @@ bool SimNet::OpenPrinter(size_t number) {
         sockets[row.kind].push_back(made);
         if (row.flWanted && (made < 0 || !Watch(made, row.kind, number))) return false;
     }
+    if (printer.IsGone(0)) SwitchOff(number);
     return true;
 }
 
@@ -143,6 +145,7 @@ SimTime SimNet::Timeout(SimTime end) const {
     SimTime next = INT64_MAX;
     if (!late.empty()) next = late.top().due;
     if (end > 0) next = std::min(next, end);
+    if (!waking.empty()) next = std::min(next, waking.begin()->first);
     SimTime now = Now();
     if (open) next = std::min(next, now + Second);
     return next == INT64_MAX ? -1 : std::max<SimTime>(next - now, 0);
@@ -166,6 +169,7 @@ bool SimNet::Run(double seconds, const sigset_t &waiting, const volatile sig_ato
         }
         SendLate();
         CloseOld();
+        SwitchOn();
     }
     return true;
 }
@@ -213,6 +217,7 @@ bool SimNet::Serve(size_t number, std::string_view datagram, const sockaddr_in &
     SimPrinter &printer = printers[number];
     SimAnswer answer = agent.Answer(&printer, datagram, flBroadcast, Now(), extra);
     if (log) Log(printer, peer, answer, flBroadcast);
+    if (!off[number] && printer.IsGone(Now())) SwitchOff(number);
     if (answer.fate != FATE_SENT) return false;
     int socket = sockets[PRINTER][number];
     if (answer.Hit(DRAW_FOREIGN))

@@ -30,7 +30,7 @@ public:
     bool Run(double seconds, const sigset_t &waiting, const volatile sig_atomic_t *flStop);
 
 private:
-    enum { CONNECTIONS_MAX = 512 };
+    enum { CONNECTIONS_MAX = 512, LISTEN_BACKLOG = 64 };
     enum Kind : uint32_t { PRINTER, SUBNET, WEB, RAW, CONNECTION };
     struct Late {
         SimTime due;
@@ -78,6 +78,8 @@ private:
     int RawFile(size_t number);
     void Close(Connection *connection);
     void CloseOld();
+    void SwitchOff(size_t number);
+    void SwitchOn();
 
     const SimFleet &fleet;
     SimPorts ports;
@@ -92,6 +94,8 @@ private:
     uint64_t order = 0;
     std::vector<uint32_t> prints; // jobs stored, by printer
     std::deque<Connection> connections;
+    std::vector<bool> off;                 // printers whose listeners are closed
+    std::multimap<SimTime, size_t> waking; // those of them that come back
     size_t open = 0;
     uint64_t failed = 0; // sends
     char buffer[65536];

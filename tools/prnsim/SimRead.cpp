@@ -8,7 +8,7 @@
 #include <set>
 #include <utility>
 
-enum { INCLUDES_MAX = 16, PRINTERS_MAX = 65536 };
+enum { INCLUDES_DEEP = 16, INCLUDES_MAX = 1000, PRINTERS_MAX = 65536 };
 
 using Words = std::vector<SimWord>;
 
@@ -104,7 +104,7 @@ private:
     SimFleet *fleet;
     const SimReadOptions &options;
     std::string file;
-    int line = 0, depth = 0;
+    int line = 0, depth = 0, included = 0;
     std::map<std::string, SimOid> names;
     std::map<uint32_t, std::string> addresses;                  // where each printer stands
     std::vector<std::pair<SimBlock *, const SimBlock *>> owned; // printers' blocks and their models
@@ -130,7 +130,8 @@ const FleetReader::Statement FleetReader::Statements[] = {
     {"model", FOR_ANY, 2, 4, &FleetReader::Model, "model WORD [like MODEL]"},
     {"printer", FOR_ANY, 2, 6, &FleetReader::Printer, "printer ADDRESS [to ADDRESS] [like MODEL]"},
     {"remove", FOR_VALUES, 2, 2, &FleetReader::Remove, "remove OID"},
-    {"writable", FOR_VALUES, 2, 7, &FleetReader::Writable, "writable OID [max N] [cut N] [keep]"},
+    {"writable", FOR_VALUES, 2, SIZE_MAX, &FleetReader::Writable,
+     "writable OID [max N] [only N ...] [cut N] [keep]"},
     {"table", FOR_VALUES, 4, SIZE_MAX, &FleetReader::Table, "table OID COLUMN TYPE [rw ...], ..."},
     {"row", FOR_VALUES, 3, SIZE_MAX, &FleetReader::Row, "row INDEX VALUE ..."},
     {"recording", FOR_VALUES, 2, 2, &FleetReader::Recording, "recording \"FILE\""},
@@ -194,7 +195,8 @@ std::string FleetReader::Beside(const std::string &name) const {
 
 void FleetReader::Include(const Words &words) {
     CloseBlock();
-    if (++depth > INCLUDES_MAX) Fail("more than 16 descriptions include each other");
+    if (++depth > INCLUDES_DEEP) Fail("more than 16 descriptions include each other");
+    if (++included > INCLUDES_MAX) Fail("more than 1000 descriptions are included");
     ReadFile(Beside(words[1].text));
     depth--;
 }
@@ -350,7 +352,7 @@ void FleetReader::ValueLine(const Words &words) {
     SimOid name = OidOf(words[0]);
     if (place != IN_MODEL && place != IN_PRINTER)
         Fail("a value belongs into the block of a model or printer");
-    if (words.size() < 2) Fail("this should be: OID TYPE VALUE [rw [max N] [cut N] [keep]]");
+    if (words.size() < 2) Fail("this should be: OID TYPE VALUE [rw [max N] [only N ...] [cut N] [keep]]");
     const TypeRow &type = Type(words[1]);
     bool flNone = type.tag == SIM_NULL || type.word == "uptime";
     size_t at = flNone ? 2 : 3;
@@ -419,7 +421,7 @@ void FleetReader::HexValue(const SimWord &word, SimValue *value) const {
     if (value->bytes.size() > SIM_TEXT_MAX) Fail("a hex value has at most 60000 bytes");
 }
 
-// "rw [max N] [cut N] [keep]" or nothing, from word `at` to ahead of word `end`.
+// "rw [max N] [only N ...] [cut N] [keep]" or nothing, from word `at` to ahead of word `end`.
 void FleetReader::Traits(const Words &words, size_t at, size_t end, SimValue *value) const {
     value->flWritable = at < end;
     for (at++; at < end; at++) {
@@ -427,10 +429,15 @@ void FleetReader::Traits(const Words &words, size_t at, size_t end, SimValue *va
         int64_t number;
         if (word == "keep") {
             value->flKeep = true;
-        } else if (word != "max" && word != "cut") {
-            Fail("max, cut or keep can stand here, not " + word);
-        } else if (++at >= end || !SimParseNumber(words[at].text, 0, INT32_MAX, &number)) {
+        } else if (word != "max" && word != "cut" && word != "only") {
+            Fail("max, only, cut or keep can stand here, not " + word);
+        } else if (int64_t low = word == "only" ? INT32_MIN : 0;
+                   ++at >= end || !SimParseNumber(words[at].text, low, INT32_MAX, &number)) {
             Fail(word + " wants a number");
+        } else if (word == "only") {
+            value->only = {static_cast<int32_t>(number)};
+            while (at + 1 < end && SimParseNumber(words[at + 1].text, INT32_MIN, INT32_MAX, &number))
+                value->only.push_back(static_cast<int32_t>(number)), at++;
         } else {
             (word == "max" ? value->max : value->cut) = static_cast<uint32_t>(number);
         }
@@ -502,6 +509,7 @@ void FleetReader::Row(const Words &words) {
         value.flKeep = columns[i].traits.flKeep;
         value.max = columns[i].traits.max;
         value.cut = columns[i].traits.cut;
+        value.only = columns[i].traits.only;
         SimOid name = entry + columns[i].number + index.substr(2);
         if (name.size() > SIM_ARCS_MAX) Fail("an identifier has at most 128 numbers");
         Put(name, std::move(value));
@@ -524,6 +532,13 @@ void FleetReader::RecordLine(std::string_view text) {
     std::string_view code = text.substr(bar + 1, second - bar - 1);
     if (code == "70") return; // version 1 can't say it
     SimWord word = {std::string(text.substr(second + 1)), {}, true};
+    if (code == "64x") {
+        SimValue ip;
+        ip.tag = SIM_IP;
+        HexValue(word, &ip);
+        if (ip.bytes.size() != 4) Fail("an address has four bytes: " + word.text);
+        return Put(name, std::move(ip), false);
+    }
     for (const TypeRow &type : Types) {
         if (type.code == code) return Put(name, Value(type, word), false);
     }

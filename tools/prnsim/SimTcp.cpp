@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
+#include <sys/epoll.h>
 #include <sys/socket.h>
 #include <unistd.h>
 
@@ -92,14 +93,14 @@ int SimNet::RawFile(size_t number) {
     return file;
 }
 
-// A printer in a reset takes nobody, and a full house neither.
+// A full house takes nobody.
 void SimNet::Accept(int listener, Kind kind, size_t number) {
     int made = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
     if (made < 0) return;
     size_t at = 0;
     while (at < connections.size() && connections[at].socket >= 0) at++;
     if (at == connections.size() && at < CONNECTIONS_MAX) connections.emplace_back();
-    if (at == CONNECTIONS_MAX || Now() < printers[number].silentUntil || !Watch(made, CONNECTION, at)) {
+    if (at == CONNECTIONS_MAX || !Watch(made, CONNECTION, at)) {
         close(made);
         return;
     }
@@ -162,5 +163,34 @@ void SimNet::CloseOld() {
     SimTime now = Now();
     for (Connection &connection : connections) {
         if (connection.socket >= 0 && connection.kind == WEB && now > connection.deadline) Close(&connection);
+    }
+}
+
+// A printer that is gone refuses connections and cuts those it had. The ports stay bound meanwhile.
+void SimNet::SwitchOff(size_t number) {
+    off[number] = true;
+    for (Kind kind : {WEB, RAW}) {
+        int socket = sockets[kind][number];
+        if (socket < 0) continue;
+        epoll_ctl(epoll, EPOLL_CTL_DEL, socket, nullptr);
+        shutdown(socket, SHUT_RDWR);
+    }
+    for (Connection &connection : connections) {
+        if (connection.printer == number) Close(&connection);
+    }
+    if (printers[number].silentUntil > 0) waking.emplace(printers[number].silentUntil, number);
+}
+
+void SimNet::SwitchOn() {
+    for (SimTime now = Now(); !waking.empty() && waking.begin()->first <= now;) {
+        size_t number = waking.begin()->second;
+        waking.erase(waking.begin());
+        if (printers[number].IsGone(now)) continue;
+        off[number] = false;
+        for (Kind kind : {WEB, RAW}) {
+            int socket = sockets[kind][number];
+            if (socket >= 0 && (listen(socket, LISTEN_BACKLOG) != 0 || !Watch(socket, kind, number)))
+                fprintf(stderr, "prnsim: a port could not be opened again: %s\n", strerror(errno));
+        }
     }
 }

@@ -41,6 +41,7 @@ struct SimValue {
     bool flKeep = false;       // what was set survives a reset
     uint32_t max = UINT32_MAX; // longest text, greatest integer that can be set
     uint32_t cut = UINT32_MAX; // a text that is set keeps this many bytes
+    std::vector<int32_t> only; // integers that can be set, all if empty
     int64_t number = 0;        // SIM_INTEGER -2^31 .. 2^31-1, the others 0 .. 2^32-1
     std::string bytes;
     std::vector<SimPlace> places;

@@ -101,7 +101,9 @@ static int Dump(const SimFleet &fleet, const std::string &text) {
             puts(SimRecordLine(entry->name, entry->value, address, printer.number).c_str());
             name = entry->name;
         }
-        return ferror(stdout) ? EXIT_FAILURE : EXIT_SUCCESS;
+        if (fflush(stdout) == 0 && !ferror(stdout)) return EXIT_SUCCESS;
+        perror("prnsim: standard output");
+        return EXIT_FAILURE;
     }
     fprintf(stderr, "prnsim: no printer has the address %s\n", text.c_str());
     return EXIT_BAD_FLEET;
@@ -147,7 +149,11 @@ static int Serve(const SimFleet &fleet, const Options &options) {
             flRan = net->Run(options.seconds, waiting, &flStop);
         }
     }
-    if (log && log != stdout && fclose(log) != 0) flRan = false;
+    if (log && (ferror(log) || fflush(log) != 0)) {
+        fprintf(stderr, "prnsim: the log could not be written whole\n");
+        flRan = false;
+    }
+    if (log && log != stdout) fclose(log);
     return flRan ? EXIT_SUCCESS : EXIT_FAILURE;
 }
 
