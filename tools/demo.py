@@ -1,4 +1,5 @@
-"""A house of simulated printers in a private network, and what a discovery run finds in it.  Started by ./run demo."""
+"""A house of simulated printers in a private network, and what a discovery run finds in it; then, while the printers answer,
+the program that the arguments name.  Started by ./run demo."""
 import socket
 import subprocess
 import sys
@@ -52,12 +53,20 @@ def main():
     reason = netns.enter()
     if reason:
         sys.exit(f"The demo needs a network of its own: {reason}.\nAn administrator can start it, or allow user namespaces.")
-    net = netns.Network()
-    with tempfile.NamedTemporaryFile("w", suffix=".hosts") as hosts, net.simulate(SIM, FLEET):
-        hosts.write(host_names(net.given))
-        hosts.flush()
-        netns.cover("/etc/hosts", hosts.name)
-        show(net)  # the windows will be started here: for them this network is the host's
+    try:
+        net = netns.Network()
+    except OSError as error:
+        sys.exit(f"The demo's network can't be made: {error}.")
+    with net.simulate(SIM, FLEET, "-t", "100000000"):
+        with tempfile.NamedTemporaryFile("w", suffix=".hosts") as hosts:  # the mount keeps it
+            hosts.write(host_names(net.given))
+            hosts.flush()
+            netns.cover("/etc/hosts", hosts.name)
+        show(net)
+        return subprocess.run(sys.argv[1:]).returncode if sys.argv[1:] else 0  # its network is this one
 
 
-main()
+try:
+    sys.exit(main())
+except KeyboardInterrupt:
+    sys.exit(130)
