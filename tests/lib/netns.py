@@ -127,11 +127,11 @@ class Network:
     def simulate(self, program, file, *options):
         """The printers of a description, ready to be asked, until the block ends; their addresses stay."""
         with open(file) as text:
-            runs = re.findall(r"^printer\s+(\S+)(?:\s+to\s+(\S+))?", text.read(), re.M)
+            runs = re.findall(r"^\s*printer\s+(\S+)(?:\s+to\s+(\S+))?", text.read(), re.M)
         spans = [[int(ipaddress.ip_address(end)) for end in (first, last or first)] for first, last in runs]
         wanted = {str(ipaddress.ip_address(n)) for first, last in spans for n in range(first, last + 1)}
         self.give(*sorted(wanted - self.given))
-        with self.start([program, *options, file], stdout=subprocess.PIPE, text=True) as sim:
+        with self.start([program, "-t", "3600", *options, file], stdout=subprocess.PIPE, text=True) as sim:
             try:
                 ready = sim.stdout.readline()
                 if not ready.startswith("ready"):
@@ -139,3 +139,5 @@ class Network:
                 yield sim
             finally:
                 sim.terminate()
+        if sim.returncode != 0:
+            raise OSError(f"{program} {file}: ended with {sim.returncode}")

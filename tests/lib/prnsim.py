@@ -61,9 +61,7 @@ class Simulator:
                 out.write(INCLUDE + text)
         self.port, where = 161, []
         if loopback:
-            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as free:
-                free.bind((self.at("10.71.0.1"), 0))
-                self.port = free.getsockname()[1]
+            self.port = random.randrange(20000, 32000)  # below those that other sockets get from the kernel
             where = ["-m", "10.71=127.%d" % self.octet, "-p", str(self.port), "-w", str(self.port), "-r", str(self.port + 1)]
         self.loopback = loopback
         self.log_path = os.path.join(self.directory, "log")
@@ -73,7 +71,7 @@ class Simulator:
         return address.replace("10.71.", "127.%d." % self.octet, 1)
 
     def __enter__(self):
-        self.process = subprocess.Popen(self.argv, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
+        self.process = subprocess.Popen(["setpriv", "--pdeathsig", "KILL", *self.argv], stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True)
         self.ready = self.process.stdout.readline()
         if not self.ready.startswith("ready "):
             raise RuntimeError("prnsim: " + self.process.communicate()[1])
