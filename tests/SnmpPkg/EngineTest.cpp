@@ -83,27 +83,6 @@ TEST(Engine, WhatAHostDoesNotAnswer) {
     EXPECT_EQ(agent.Count(), 6); // one attempt each
 }
 
-TEST(Engine, LateForeignAndDamagedDatagrams) {
-    // Nothing at first; then the late answer with the one that was due, which the last receive takes.
-    SnmpAgent late([](SnmpAgent &from, const AgentRequest &request) {
-        if (request.id == 2) from.Send(request, BerResponse(1, BerBinding(Name, BerElement(4, "late"))));
-        if (request.id != 1) from.Answer(request, BerElement(4, "due"));
-    });
-    Prepare(late);
-    EXPECT_EQ(Get("127.0.0.2"), SUCCESS);
-    EXPECT_EQ(Called, "127.0.0.2 late due -\n");
-    SnmpAgent junk([](SnmpAgent &from, const AgentRequest &request) {
-        if (request.id == 1) from.Send(request, "junk", "127.0.0.9");
-        if (request.id == 2) from.Send(request, std::string(1401, 'x'));
-        if (request.id == 3) from.Send(request, BerResponse(77, BerBinding(Contact, BerInt(5))), "127.0.0.8");
-    });
-    Prepare(junk);
-    EXPECT_EQ(Get("127.0.0.2"), SUCCESS);
-    EXPECT_EQ(package.Vars[0].Status, SEND_DATA_NOT_FILLED);
-    EXPECT_EQ(package.Vars[1].Status, SEND_ERR_TOO_LARGE);
-    EXPECT_EQ(Called, "127.0.0.8 - - 5\n"); // last sender, any id
-}
-
 // Rows 9 to 11 of two columns, the second with a hole; then an agent without an end.
 TEST(Engine, Tables) {
     int rows = 11;

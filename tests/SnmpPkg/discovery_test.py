@@ -14,7 +14,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import netns
-from prnsim import FLEETS, SIMULATOR, draw
+from prnsim import SIMULATOR, draw
 from snmpask import FILTER, VARIABLES, ask
 
 VALUES = ["oid 1.3.6.1.4.1.9999.1", 'text "p{number}"', 'text "Printer of a test"', 'text "Tarvo C410"',
@@ -63,10 +63,10 @@ AGENT_TREES = ["1.3.6.1.2.1.1.1", "1.3.6.1.2.1.1.2", "1.3.6.1.2.1.1.6", "1.3.6.1
 
 
 class BesideNetSnmp(unittest.TestCase):
-    def agree(self, address, tree, skip=()):
+    def agree(self, address, tree):
         """What a walk gives, our package reads one by one, and on the way through the whole tree."""
         walked = [(name, 0, KINDS_SHOWN[kind] if kind else 8 if value.strip() == "NULL" else 5, shown(kind, value))
-                  for name, kind, value in tool("snmpwalk", address, tree) if name not in skip]
+                  for name, kind, value in tool("snmpwalk", address, tree)]
         for start in range(0, len(walked), 20):
             part = walked[start:start + 20]
             (host, read), = ask("get", address, *[name for name, *_ in part])[0]
@@ -108,11 +108,6 @@ class BesideNetSnmp(unittest.TestCase):
             finally:
                 agent.kill()
                 agent.wait()
-
-    def test_simulated_printer(self):
-        with net.simulate(SIMULATOR, FLEETS + "/demo.fleet", "-k", "delay 0"):
-            self.assertGreater(self.agree("10.71.1.11", "1.3.6.1", skip={"1.3.6.1.2.1.1.3.0", "1.3.6.1.2.1.25.1.1.0"}), 100)
-            self.sets("10.71.1.11", "1.3.6.1.2.1.1.6.0", "s")
 
 
 # ---- Beside a model
