@@ -8,10 +8,13 @@
 #include "xmt/XmtUtils.h"
 
 #include <chrono>
+#include <climits>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <malloc.h>
 #include <sstream>
+#include <utility>
 
 enum { LOOK_MS = 5, LIMIT_MS = 10000 };
 
@@ -35,6 +38,23 @@ bool WindowTest::SetUpWindow(XmtHandler handler, int firstId, const char *descri
 
 void WindowTest::SetUp() {
     if (!AppShell) GTEST_SKIP() << SkipReason;
+}
+
+std::string Events;
+
+void RecordEvent(XmtCallData *data) {
+    std::string value = data->value > INT_MAX ? "text" : std::to_string(data->value);
+    Events += std::string(data->name ? data->name : "") + " " + std::to_string(data->id) + "/" +
+              std::to_string(data->reason) + "=" + value;
+    if (data->text)
+        Events += " " + (data->length > 0 ? std::string(data->text, data->length) : std::string(data->text));
+    for (const char *text = data->selection; text && *text; text += strlen(text) + 1)
+        Events += std::string("+") + text;
+    Events += ";";
+}
+
+std::string TakeEvents() {
+    return std::exchange(Events, "");
 }
 
 static void Xdo(const std::string &words) {
@@ -73,6 +93,18 @@ void PointAt(const char *name) {
 void ClickAt(const char *name) {
     PointAt(name);
     Xdo("click 1");
+}
+
+void PressAt(const char *name, const char *keys) {
+    XmtSetFocus(name);
+    DispatchWaiting();
+    PressKeys(keys);
+    DispatchWaiting();
+}
+
+void ClickAndDispatch(const char *name) {
+    ClickAt(name);
+    DispatchWaiting();
 }
 
 void ClickPoint(int x, int y) {

@@ -20,12 +20,20 @@ protected:
     void SetUp() override;
 };
 
+// Notes an event as "name id/reason=value text+selection+selection;", and what was noted so far.
+void RecordEvent(XmtCallData *data);
+extern std::string Events;
+std::string TakeEvents(); // and begins anew
+
 void PressKeys(const std::string &keys); // names with blanks between them: "Tab ctrl+a Return"
 void PressSlowly(const char *keys);      // the loop runs behind each: menus grab the keyboard when they open
 void TypeText(const char *text);
 void PointAt(const char *name); // the middle of the object
 void ClickAt(const char *name);
 void ClickPoint(int x, int y); // of the screen
+// The focus, or the pointer, goes there, then what came of it is dispatched.
+void PressAt(const char *name, const char *keys);
+void ClickAndDispatch(const char *name);
 // What a window manager sends for the close button of the object's shell.
 void CloseByManager(const char *name);
 // Runs the main loop until the condition holds; false if it did not within ten seconds.

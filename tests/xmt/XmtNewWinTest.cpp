@@ -14,29 +14,18 @@
 #include <X11/IntrinsicP.h>
 #include <X11/CoreP.h>
 #include <gtest/gtest.h>
-#include <vector>
 
-static std::string Events; // "name id reason " of each
-
-static void OnEvent(XmtCallData *data) {
-    Events +=
-        std::string(data->name) + " " + std::to_string(data->id) + " " + std::to_string(data->reason) + " ";
-}
-
-static std::string TakeEvents() {
-    return std::exchange(Events, "");
-}
-
-class Windows : public testing::Test {
+class Windows : public WindowTest {
 protected:
+    static void SetUpTestSuite() {
+        if (!SetUpWindow(RecordEvent, 5,
+                         "WF main id(77) t(A title: 50%) CB(a) f(C[x]) L(a) s(600,300); l inside; "))
+            return;
+        XmtNewObject("main", RecordEvent, 20, "F bars A(tf,lf,rf); B top A(bf,lf); ");
+    }
     void SetUp() override {
-        static std::string reason;
-        static bool flRig = StartWindowRig("1280x1024x24", &reason) && FindWindowUser(&reason);
-        if (!flRig) GTEST_SKIP() << reason;
-        if (AppWin) return;
-        XmtNewObject(nullptr, OnEvent, 5,
-                     "WF main id(77) t(A title: 50%) CB(a) f(C[x]) L(a) s(600,300); l inside; ");
-        XmtNewObject("main", OnEvent, 20, "F bars A(tf,lf,rf); B top A(bf,lf); ");
+        WindowTest::SetUp();
+        Events.clear();
     }
 };
 
@@ -44,7 +33,7 @@ TEST_F(Windows, HaveShellsOfTheirOwn) {
     EXPECT_EQ(DumpObjects("main_shell").substr(0, 30), "main 5 MainWindow{inside 6 Lab");
     EXPECT_STREQ(reinterpret_cast<char *>(XmtGetXmValue("main_shell", XmNtitle)), "A title: 50%");
     EXPECT_EQ(XmtFindObject("main")->format, nullptr);
-    XmtNewObject(nullptr, OnEvent, 30, "WM wm; WP wp; WB wb; WR wr; W ws t(Only) s(90,80) { B wsb; } ");
+    XmtNewObject(nullptr, RecordEvent, 30, "WM wm; WP wp; WB wb; WR wr; W ws t(Only) s(90,80) { B wsb; } ");
     std::string kinds;
     for (const char *name : {"wm", "wp", "wb", "wr", "ws"}) {
         std::string shell = std::string(name) + "_shell";
@@ -57,23 +46,32 @@ TEST_F(Windows, HaveShellsOfTheirOwn) {
     EXPECT_EQ(XmtFindObject("ws")->id, 34);
     EXPECT_EQ(ResourceOf("ws", XmNwidth), 90);
     EXPECT_EQ(XtParent(XmtGetWidget("wsb")), XmtGetWidget("ws"));
-    EXPECT_STREQ(pAppShellName, "main_shell");
-    EXPECT_EQ(AppShell, XmtGetWidget("main_shell"));
-    EXPECT_STREQ(pAppWinName, "main");
-    EXPECT_EQ(AppWin, XmtGetWidget("main"));
+    EXPECT_EQ(std::string(pAppShellName) + " " + pAppWinName, "main_shell main");
+    EXPECT_TRUE(AppShell == XmtGetWidget("main_shell") && AppWin == XmtGetWidget("main"));
 }
 
 // ---- dialogs
 
-static bool IsButtonShown(const char *dialog, unsigned char button) {
+static Widget ButtonOf(const char *dialog, unsigned char button) {
     Widget widget = XmtGetWidget(dialog);
-    return XtIsManaged(XmIsMessageBox(widget) ? XmMessageBoxGetChild(widget, button)
-                                              : XmSelectionBoxGetChild(widget, button));
+    return XmIsMessageBox(widget) ? XmMessageBoxGetChild(widget, button)
+                                  : XmSelectionBoxGetChild(widget, button);
+}
+
+// The buttons that are shown, by the first letters of OK, Cancel, Help and Apply.
+static std::string ButtonsOf(const char *dialog) {
+    static const unsigned char buttons[] = {XmDIALOG_OK_BUTTON, XmDIALOG_CANCEL_BUTTON, XmDIALOG_HELP_BUTTON,
+                                            XmDIALOG_APPLY_BUTTON};
+    int count = XmIsMessageBox(XmtGetWidget(dialog)) ? 3 : 4; // a message box has no apply button
+    std::string shown;
+    for (int i = 0; i < count; i++)
+        if (XtIsManaged(ButtonOf(dialog, buttons[i]))) shown += "OCHA"[i];
+    return shown;
 }
 
 TEST_F(Windows, DialogsHaveTheirTextsAndButtons) {
     XmtNewObject(
-        "main", OnEvent, 40,
+        "main", RecordEvent, 40,
         "DE de L(Yes,,Later\\,) l(Type \\(it\\)) t(preset) T(Title) CB(a) f(C[x]); DE de2 no(help,ok); "
         "DW dw t(careful) no(cancel) Dt(?); DI di t(a\nb) no(help,,cancel) Dt(x); DI di2 Dt(i); Df df "
         "no(ok); "
@@ -86,31 +84,12 @@ TEST_F(Windows, DialogsHaveTheirTextsAndButtons) {
         "Title|careful|OK|a\nb|Filter");
     EXPECT_EQ(StringsOf("dm.messageString db.dialogTitle dfo.dialogTitle"), "plain|Board|");
     EXPECT_STREQ(reinterpret_cast<char *>(XmtGetXmValue("ds", XmNtitle)), "Shell");
-    static const struct {
-        const char *object;
-        unsigned char button;
-        bool want;
-    } Buttons[] = {{"de", XmDIALOG_OK_BUTTON, true},      {"de", XmDIALOG_APPLY_BUTTON, true},
-                   {"de2", XmDIALOG_OK_BUTTON, false},    {"de2", XmDIALOG_HELP_BUTTON, false},
-                   {"de2", XmDIALOG_CANCEL_BUTTON, true}, {"de2", XmDIALOG_APPLY_BUTTON, false},
-                   {"dw", XmDIALOG_CANCEL_BUTTON, false}, {"dw", XmDIALOG_HELP_BUTTON, true},
-                   {"df", XmDIALOG_OK_BUTTON, true}};
-    for (auto &c : Buttons)
-        EXPECT_EQ(IsButtonShown(c.object, c.button), c.want) << c.object << " " << int{c.button};
+    EXPECT_EQ(ButtonsOf("de") + " " + ButtonsOf("de2") + " " + ButtonsOf("dw") + " " + ButtonsOf("df"),
+              "OCHA C OH OCHA");
     EXPECT_EQ(ResourcesOf("dw.dialogType di.dialogType di2.dialogType"), "4 2 2");
-    EXPECT_EQ(XmtFindObject("de")->type, XmtDataEntryDialog);
     EXPECT_EQ(XmtFindObject("de")->format, nullptr);
     for (const char *name : {"de", "dw", "di", "df", "dm", "db", "dfo"})
         EXPECT_FALSE(XtIsManaged(XmtGetWidget(name)));
-}
-
-static void Click(Widget widget) {
-    Dimension width = 0, height = 0;
-    Position x, y;
-    XtVaGetValues(widget, XmNwidth, &width, XmNheight, &height, nullptr);
-    XtTranslateCoords(widget, static_cast<Position>(width / 2), static_cast<Position>(height / 2), &x, &y);
-    ClickPoint(x, y);
-    DispatchWaiting();
 }
 
 TEST_F(Windows, DialogButtonsReport) {
@@ -118,18 +97,23 @@ TEST_F(Windows, DialogButtonsReport) {
         const char *dialog;
         unsigned char button;
         const char *want;
-    } Cases[] = {{"ask", XmDIALOG_OK_BUTTON, "ask 60 4 "},     {"ask", XmDIALOG_APPLY_BUTTON, "ask 60 6 "},
-                 {"ask", XmDIALOG_HELP_BUTTON, "ask 60 7 "},   {"ask", XmDIALOG_CANCEL_BUTTON, "ask 60 5 "},
-                 {"warn", XmDIALOG_OK_BUTTON, "warn 61 4 "},   {"warn", XmDIALOG_CANCEL_BUTTON, "warn 61 5 "},
-                 {"files", XmDIALOG_OK_BUTTON, "files 62 4 "}, {"files", XmDIALOG_APPLY_BUTTON, ""}};
-    XmtNewObject("main", OnEvent, 60, "DE ask L(Yes,No,Apply) t(answer); DW warn; Df files; ");
+    } Cases[] = {{"ask", XmDIALOG_OK_BUTTON, "ask 60/4=0 answer;"},
+                 {"ask", XmDIALOG_APPLY_BUTTON, "ask 60/6=0 answer;"},
+                 {"ask", XmDIALOG_HELP_BUTTON, "ask 60/7=0;"},
+                 {"ask", XmDIALOG_CANCEL_BUTTON, "ask 60/5=0;"},
+                 {"warn", XmDIALOG_OK_BUTTON, "warn 61/4=0;"},
+                 {"warn", XmDIALOG_CANCEL_BUTTON, "warn 61/5=0;"},
+                 {"files", XmDIALOG_APPLY_BUTTON, ""}};
+    XmtNewObject("main", RecordEvent, 60, "DE ask L(Yes,No,Apply) t(answer); DW warn; Df files; ");
     RealizeWindows();
     for (auto &c : Cases) {
         XmtShow(c.dialog);
         DispatchWaiting();
-        Widget widget = XmtGetWidget(c.dialog);
-        Click(XmIsMessageBox(widget) ? XmMessageBoxGetChild(widget, c.button)
-                                     : XmSelectionBoxGetChild(widget, c.button));
+        Widget button = ButtonOf(c.dialog, c.button);
+        Position x, y;
+        XtTranslateCoords(button, 5, 5, &x, &y);
+        ClickPoint(x, y);
+        DispatchWaiting();
         EXPECT_EQ(TakeEvents(), c.want) << c.dialog << " " << int{c.button};
         XmtHide(c.dialog);
     }
@@ -164,7 +148,7 @@ static const BarCase Bars[] = {
 TEST_F(Windows, MenuBarsHoldTheirEntries) {
     for (const BarCase &c : Bars) {
         std::string box = "box" + std::to_string(&c - Bars);
-        XmtNewObject("bars", OnEvent, 99, ("B " + box + " {" + c.text + "} ").c_str());
+        XmtNewObject("bars", RecordEvent, 99, ("B " + box + " {" + c.text + "} ").c_str());
         EXPECT_EQ(DumpObjects(box.c_str()), c.want) << c.what << ": " << c.text;
     }
 }
@@ -174,7 +158,7 @@ TEST_F(Windows, MenuBarsKeepFormatsLabelsAndLooks) {
     tool.Write("menu.txt", "b(Read) b(Again);");
     tool.Write("circle.txt", "b(C) i(circle.txt)");
     flNoBarMenuTraversal = 1;
-    XmtNewObject("bars", OnEvent, 99,
+    XmtNewObject("bars", RecordEvent, 99,
                  "M g bo(3) { b(One) bf(C[x\\,y],Tw~o) m(File) { b(New,Ctrl+N,Ctrl<Key>n) i(menu.txt) a "
                  "b(Data) a b(Last) "
                  "i(missing.txt) } i(circle.txt) } ");
@@ -191,17 +175,7 @@ TEST_F(Windows, MenuBarsKeepFormatsLabelsAndLooks) {
     EXPECT_EQ(XmtGetWidget("g_3_b_6"), nullptr);
     EXPECT_EQ(StringOf("g_4", XmNlabelString), "C");
     EXPECT_EQ(BarItemCnt, 3 + XMT_MENU_FILES);
-    EXPECT_EQ(flNoTraversal, 0);
-    EXPECT_EQ(flUseDefaultColor, 1);
-    EXPECT_EQ(flConvertLabelToAppData, 0);
-    EXPECT_EQ(BarPullDownMenu, nullptr);
-}
-
-static void Click(const std::vector<const char *> &path) {
-    for (const char *name : path) {
-        ClickAt(name);
-        DispatchWaiting();
-    }
+    EXPECT_TRUE(!flNoTraversal && flUseDefaultColor && !flConvertLabelToAppData && !BarPullDownMenu);
 }
 
 static void ShowWindow(const char *shell) {
@@ -211,43 +185,29 @@ static void ShowWindow(const char *shell) {
     DispatchWaiting();
 }
 
-static void Press(const std::vector<const char *> &keys) {
-    for (const char *key : keys) {
-        PressKeys(key);
-        DispatchWaiting();
-    }
-}
-
 TEST_F(Windows, MenusOpenByMouseAndKeys) {
     XmtNewObject(
-        nullptr, OnEvent, 197,
+        nullptr, RecordEvent, 197,
         "WR keys { t some; M h { b(One) m(F~ile) { b(New) m(More) { b(Deep) } } s m(Help) { b(About) } } }");
     ShowWindow("keys_shell");
-    static const struct {
-        std::vector<const char *> path;
-        const char *want;
-    } Cases[] = {{{"h_1"}, "h_1 199 1 "},
-                 {{"h_2_a_1_pd_cb", "h_2_b_1"}, "h_2_b_1 200 1 "},
-                 {{"h_2_a_1_pd_cb", "h_2_b_2_pd_cb", "h_2_bc_1"}, "h_2_bc_1 201 1 "},
-                 {{"h_3_a_2_pd_cb", "h_3_c_1"}, "h_3_c_1 202 1 "}};
     XmtSetFocus("some");
-    Press({"F10", "Right", "Down", "Down", "Right", "Return"});
-    EXPECT_EQ(TakeEvents(), "h_2_bc_1 201 1 ");
-    for (auto &c : Cases) {
-        Click(c.path);
-        EXPECT_EQ(TakeEvents(), c.want) << c.path.back();
-    }
+    PressSlowly("F10 Right Down Down Right Return");
+    EXPECT_EQ(TakeEvents(), "h_2_bc_1 201/1=0;");
+    ClickAndDispatch("h_1");
+    for (const char *name : {"h_2_a_1_pd_cb", "h_2_b_2_pd_cb", "h_2_bc_1"}) ClickAndDispatch(name);
+    for (const char *name : {"h_3_a_2_pd_cb", "h_3_c_1"}) ClickAndDispatch(name);
+    EXPECT_EQ(TakeEvents(), "h_1 199/1=0;h_2_bc_1 201/1=0;h_3_c_1 202/1=0;");
 }
 
 TEST_F(Windows, MenusWithoutTraversalHearNoKeys) {
     flNoBarMenuTraversal = 1;
-    XmtNewObject(nullptr, OnEvent, 220, "WR silent { t quiet; M k { b(One) m(File) { b(New) } } }");
+    XmtNewObject(nullptr, RecordEvent, 220, "WR silent { t quiet; M k { b(One) m(File) { b(New) } } }");
     flNoBarMenuTraversal = 0;
     ShowWindow("silent_shell");
     XmtSetFocus("quiet");
-    Press({"F10", "Right", "Down", "Return"});
+    PressSlowly("F10 Right Down Return");
     EXPECT_EQ(TakeEvents(), "");
-    Click({"k_2_a_1_pd_cb", "k_2_b_1"});
-    EXPECT_EQ(TakeEvents(), "k_2_b_1 223 1 ");
+    for (const char *name : {"k_2_a_1_pd_cb", "k_2_b_1"}) ClickAndDispatch(name);
+    EXPECT_EQ(TakeEvents(), "k_2_b_1 223/1=0;");
     EXPECT_EQ(CheckMem(), nullptr);
 }
