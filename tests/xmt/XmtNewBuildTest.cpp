@@ -2,8 +2,11 @@
 // them.
 #include "common/MemMgr.h"
 #include "prndeck/PrdGuiMacros.h"
+#include "tests/lib/Capture.h"
+#include "tests/lib/DescDump.h"
 #include "tests/lib/ObjectDump.h"
 #include "tests/lib/WindowRig.h"
+#include "tests/lib/WindowUser.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"
@@ -11,12 +14,6 @@
 #include "xmt/XmtUtils.h"
 
 #include <gtest/gtest.h>
-
-static std::string LastEvent;
-
-static void OnEvent(XmtCallData *data) {
-    LastEvent = std::string(data->name) + " " + std::to_string(data->id) + " " + std::to_string(data->reason);
-}
 
 // Each "%s" by the next value of a comma list.
 static std::string Fill(std::string text, const char *values) {
@@ -30,20 +27,15 @@ static std::string Fill(std::string text, const char *values) {
 static std::string Make(const std::string &text) {
     static int count;
     std::string box = "box" + std::to_string(++count);
-    XmtNewObject("top", OnEvent, 99, ("B " + box + " {" + text + " } ").c_str());
+    XmtNewObject("top", RecordEvent, 99, ("B " + box + " {" + text + " } ").c_str());
     return DumpObjects(box.c_str());
 }
 
-class Build : public testing::Test {
+class Build : public WindowTest {
 protected:
-    void SetUp() override {
-        static std::string reason;
-        static bool flRig = StartWindowRig("1280x1024x24", &reason);
-        if (!flRig) GTEST_SKIP() << reason;
-        if (AppWin) return;
-        XmtNewObject(nullptr, OnEvent, 1,
-                     Fill(MainMacroDesc, "6x13,6x13,6x13,6x13,6x13,6x13,a\\,b,c\\,d").c_str());
-        XmtNewObject(nullptr, OnEvent, 1, "WF main { S area A(tf,lf,rf,bf) { B top; } }");
+    static void SetUpTestSuite() {
+        std::string macros = Fill(MainMacroDesc, "6x13,6x13,6x13,6x13,6x13,6x13,a\\,b,c\\,d");
+        SetUpWindow(RecordEvent, 1, (macros + "\nWF main { S area A(tf,lf,rf,bf) { B top; } }").c_str());
     }
 };
 
@@ -86,62 +78,33 @@ static const TreeCase Trees[] = {
     {"simple ones", "S bj { l bk; } DR bl; s bm; BB bn; P bo { l bp; } F bq; bp br; ",
      "bj 100 ScrolledArea{bk 101 Label}, bl 102 Draw, bm 103 Seperator, bn 104 Board, bo 105 PanedBox{bp 106 "
      "Label}, bq 107 Form, br 108 PushBut"},
-    {"*71 *70 *74", "*71(m1,Apply,C[m1]) *70(m2,Help) *74(m3, ,) *85(m4,On)",
-     "m1 100 PushBut, m2 101 PushBut, m3 102 Label, m4 103 ToggleBut"},
-    {"*78", "*78(ip,Addr:,i1,i2,i2,i3,i3,i4,i4) ",
-     "ip_B1 100 Box{ip_L 100 Label, ip 100 ButtonBox{i1 101 Text, (dot), i2 103 Text, (dot), i3 105 Text, "
-     "dot 106 Label, i4 107 Text}}"},
-    {"*52", "*52(r,x,12) ",
-     "r1 100 Text, r2 101 Text, r3 102 Text, r4 103 Text, r5 104 Text, r6 105 Text, r7 106 Text, r8 107 "
-     "Text"},
-    {"*59", "*59(ch,tf,Channel) ",
-     "ch_B1 100 Box{ch_L 100 Label, ch 100 ListBut{ch_pd 100 Menu{ch_1 100 ListBut, ch_2 100 ListBut}}}"},
-    {"*49", "*49(lt,lt,ll,text) *69(ms,mb,text,413,ml,414) l mt; ",
-     "lt 100 ButtonBox{lt_B 101 Draw, ll 102 Label}, ms 103 ButtonBox{mb 413 PushBut, ml 104 Label}, mt 414 "
-     "Label"},
-    {"undefined", "*99(a,b) l mu; ", "mu 100 Label"},
 };
 
 TEST_F(Build, MakesTheTree) {
     for (const TreeCase &c : Trees) EXPECT_EQ(Make(c.text), c.want) << c.what << ": " << c.text;
 }
 
-static Widget WidgetOf(const char *name) {
-    return XmtGetWidget(name);
-}
-
-// All windows are written like this one: frame, work area and buttons from macros, the fields between them.
+// A window of the application is written like this: a frame of macros, and the fields in it.
 static const char AddWindow[] =
-    "*80(400,wqw,main,Add Queue,wqmb,wqwa)\nB wqb0 .0 m(0,0) bo(0) h{\n*88(wqhei,220)\nB wqb1 .0 m(0,0) "
-    "bo(0) v{\n"
-    "id(401)\nt wqn l(Queue name:) s(12,1) h .0 <2 .21> <3 .22 CB(c,a) f(A0,14+-+_)>;\n"
-    "bl wqc l(Connection:) .22 L(TCP/IP,device) .0 <1 h> f(H1[wqhn_B1] C*[wqc]) <2 .21> <3 .22>;\n"
-    "bl wqd H l(Daemon:) .22 L(PrnOutD,lpd) .0  <1 h> <2 .21> <3 .22> H;\n"
-    "*69(wqfsb,wqfs,Features...,413,wqfsl,414)\nB wqb2 .0 m(0,0) bo(0) h "
-    "{\nid(414)\n*71(wqcbp,Banner...,C[wqcbp])\n"
-    "l wqb2 .0 l( );\n}\nl wqwi l( ) bo(0) .0 m(250,0);\n}\n}}}\n}"
-    "*72(aqbp,wqmb,4)\nid(415)\n*71(wqap,Apply,C[wqap])\n*71(wqca,Cancel,H[wqw])\n*71(wqhe,Help,Ca[tb6])\n}";
+    "*80(400,wqw,main,Add Queue,wqmb,wqwa)\nid(401)\nt wqn l(Queue name:) .0 <2 .21> <3 .22 CB(c,a)> "
+    "f(A0,14+-+_);\n"
+    "bl wqc l(Connection:) .22 L(TCP/IP,device) .0 <1 h> f(H1[wqhn_B1]) <2 .21> <3 .22>;\n"
+    "*69(wqfsb,wqfs,Features...,413,wqfsl,414)\nid(414)\n*71(wqcbp,Banner...,C[wqcbp])\n}}\n}"
+    "*72(aqbp,wqmb,4)\nid(415)\n*71(wqap,Apply,C[wqap])\n*71(wqhe,Help,Ca[tb6])\n}";
 
 TEST_F(Build, MakesTheAddWindow) {
-    XmtNewObject("main", OnEvent, 0, AddWindow);
+    XmtNewObject("main", RecordEvent, 0, AddWindow);
     EXPECT_EQ(
         DumpObjects("wqw"),
-        "wqmb 401 ButtonBox{sp1 401 Label,  401 ButtonBox{wqb0 401 ButtonBox{wqhei 402 Label, wqb1 403 "
-        "ButtonBox{"
-        "wqn_B1 401 Box{wqn_L 401 Label, wqn 401 Text}, "
+        "wqmb 401 ButtonBox{sp1 401 Label,  401 ButtonBox{wqn_B1 401 Box{wqn_L 401 Label, wqn 401 Text}, "
         "wqc_B1 402 Box{wqc_L 402 Label, wqc 402 ListBut{wqc_pd 402 Menu{wqc_1 402 ListBut, wqc_2 402 "
-        "ListBut}}}, "
-        "wqd_B1 403 Box!{wqd_L 403 Label, wqd 403 ListBut!{wqd_pd 403 Menu{wqd_1 403 ListBut, wqd_2 403 "
-        "ListBut}}}, "
-        "wqfsb 404 ButtonBox{wqfs 413 PushBut, wqfsl 405 Label}, (wqb2){wqcbp 414 PushBut, wqb2 415 Label}, "
-        "wqwi 416 Label}}}, aqbp 417 ButtonBox{Logo 417 Label, wqap 415 PushBut, wqca 416 PushBut, wqhe 417 "
-        "PushBut}}");
-    EXPECT_EQ(AppCBValue, 418);
+        "ListBut}}}, wqfsb 403 ButtonBox{wqfs 413 PushBut, wqfsl 404 Label}, wqcbp 414 PushBut}, "
+        "aqbp 415 ButtonBox{Logo 415 Label, wqap 415 PushBut, wqhe 416 PushBut}}");
     EXPECT_EQ(StringOf("wqw", XmNdialogTitle), "Add Queue");
     EXPECT_EQ(ResourceOf("wqw", XmNdialogStyle), XmDIALOG_FULL_APPLICATION_MODAL);
     EXPECT_STREQ(XmtFindObject("wqn")->format, "A0,14+-+_");
     EXPECT_EQ(XmtFindObject("wqn_B1")->format, nullptr);
-    EXPECT_STREQ(XmtFindObject("wqc_2")->format, "H1[wqhn_B1] C*[wqc]");
+    EXPECT_STREQ(XmtFindObject("wqc_2")->format, "H1[wqhn_B1]");
 }
 
 // The 21st item of an option list opens a further menu; all of them report as the list.
@@ -149,32 +112,32 @@ TEST_F(Build, PutsItemsBeyondTwentyIntoAFurtherMenu) {
     std::string list;
     for (int i = 1; i <= 41; i++) list += (i > 1 ? "," : "") + std::to_string(i);
     Make("bl many L(" + list + ") .22; ");
-    struct {
-        const char *item, *menu;
-    } cases[] = {{"many_1", "many_pd"},   {"many_20", "many_pd"},  {"many_cb1", "many_pd"},
-                 {"many_21", "many_sm1"}, {"many_40", "many_sm1"}, {"many_cb2", "many_sm1"},
-                 {"many_41", "many_sm2"}};
-    for (auto &c : cases) EXPECT_EQ(XtParent(WidgetOf(c.item)), WidgetOf(c.menu)) << c.item;
-    EXPECT_EQ(ResourceOf("many_cb2", XmNsubMenuId), reinterpret_cast<long>(WidgetOf("many_sm2")));
+    static const char *const cases[][2] = {{"many_20", "many_pd"},   {"many_cb1", "many_pd"},
+                                           {"many_21", "many_sm1"},  {"many_40", "many_sm1"},
+                                           {"many_cb2", "many_sm1"}, {"many_41", "many_sm2"}};
+    for (auto &c : cases) EXPECT_EQ(XtParent(XmtGetWidget(c[0])), XmtGetWidget(c[1])) << c[0];
+    EXPECT_EQ(ResourceOf("many_cb2", XmNsubMenuId), reinterpret_cast<long>(XmtGetWidget("many_sm2")));
     EXPECT_EQ(BarPullDownMenu, nullptr);
 }
 
 TEST_F(Build, GivesEachPartItsArguments) {
     Make("br rb L(x,y); t rt s(20,3); t rn l(x) bo(0) <1 sp(9)> <2 m(8,8)> <3 s(7,1) m(6,6)>; "
-         "bt ri i(@x); t rs m(1,1) <1 m(7,7)>; Bl rl l(x) L(a,b) V(5); bl ro L(A\\,1,B~b\\)); ");
+         "bt ri i(@x); t rs m(1,1) <1 m(7,7)>; Bl rl l(x) L(a,b) V(5) <1 m(2,2)> <2 m(3,3)>; bl ro "
+         "L(A\\,1,B~b\\)); ");
     EXPECT_EQ(
         ResourcesOf("rb_1.set rb_2.set rt.columns rt.rows rt.editMode rl.itemCount rl.visibleItemCount"),
         "1 0 20 3 0 2 5");
     EXPECT_EQ(
-        ResourcesOf("rn_B1.spacing rn_L.marginWidth rn.marginWidth rn.columns rn.borderWidth rs.marginWidth"),
-        "9 8 6 7 0 7");
+        ResourcesOf("rn_B1.spacing rn_L.marginWidth rn.marginWidth rn.columns rn.borderWidth rs.marginWidth "
+                    "rl_B1.marginWidth rl_L.marginWidth"),
+        "9 8 6 7 0 7 2 3");
     EXPECT_EQ(ResourcesOf("rt.navigationType ro_1.navigationType"), "3 0");
-    EXPECT_EQ(ResourceOf("ro", XmNmenuHistory), reinterpret_cast<long>(WidgetOf("ro_1")));
-    EXPECT_EQ(ResourceOf("ro", XmNsubMenuId), reinterpret_cast<long>(WidgetOf("ro_pd")));
+    EXPECT_EQ(ResourceOf("ro", XmNmenuHistory), reinterpret_cast<long>(XmtGetWidget("ro_1")));
+    EXPECT_EQ(ResourceOf("ro", XmNsubMenuId), reinterpret_cast<long>(XmtGetWidget("ro_pd")));
     EXPECT_EQ(StringOf("ro_1", XmNlabelString), "A,1");
     EXPECT_EQ(StringOf("ro_2", XmNlabelString), "Bb)");
-    EXPECT_TRUE(XmIsText(WidgetOf("rt"))) << "text of several lines";
-    EXPECT_TRUE(XmIsTextField(WidgetOf("rn"))) << "text of one line";
+    EXPECT_TRUE(XmIsText(XmtGetWidget("rt"))) << "text of several lines";
+    EXPECT_TRUE(XmIsTextField(XmtGetWidget("rn"))) << "text of one line";
 }
 
 TEST_F(Build, KeepsTheRecordOfANameUsedTwice) {
@@ -184,11 +147,9 @@ TEST_F(Build, KeepsTheRecordOfANameUsedTwice) {
     Widget old = first->widget;
     Make("B twice; ");
     XmtObjectData *second = XmtFindObject("twice");
-    EXPECT_EQ(second, first);
-    EXPECT_NE(second->widget, old);
+    EXPECT_TRUE(second == first && second->widget != old);
+    EXPECT_EQ(std::to_string(second->value) + second->format, "5C[x]");
     EXPECT_EQ(second->type, XmtButtonBox);
-    EXPECT_EQ(second->value, 5);
-    EXPECT_STREQ(second->format, "C[x]");
     EXPECT_EQ(XmtFindWidget(old), first);
     EXPECT_TRUE(XtIsManaged(old));
 }
@@ -196,24 +157,17 @@ TEST_F(Build, KeepsTheRecordOfANameUsedTwice) {
 TEST_F(Build, TellsTheHandlerOfCreationsAndGivesApplicationData) {
     char word[] = "data";
     pAppData = reinterpret_cast<intptr_t>(word);
+    TakeEvents();
     flCreateCallback = 1;
-    Make("l created l(x) f(C[.]); ");
+    XmtNewObject("top", RecordEvent, 100, "l created l(x) f(C[.]); ");
     flCreateCallback = 0;
-    EXPECT_EQ(LastEvent, "created 100 0");
+    EXPECT_EQ(TakeEvents(), "created 100/0=0;");
     EXPECT_EQ(XmtGetAppData("created"), reinterpret_cast<intptr_t>(word));
     pAppData = 0;
     flConvertLabelToAppData = 1;
     Make("l converted l(My label); ");
     flConvertLabelToAppData = 0;
     EXPECT_STREQ(XmtTextOf(XmtGetAppData("converted")), "My label");
-    Make("bl reporting L(a,b) id(44); bp pressed; bt toggled; ");
-    XmPushButtonCallbackStruct press = {XmCR_ACTIVATE, nullptr, 1};
-    XtCallCallbacks(WidgetOf("pressed"), XmNactivateCallback, &press);
-    EXPECT_EQ(LastEvent, "pressed 100 1");
-    XtCallCallbacks(WidgetOf("reporting_2"), XmNactivateCallback, &press);
-    EXPECT_EQ(LastEvent, "reporting 44 1");
-    XmToggleButtonSetState(WidgetOf("toggled"), 1, 1);
-    EXPECT_EQ(LastEvent, "toggled 101 2");
 }
 
 TEST_F(Build, FollowsTheStateWithIcons) {
@@ -232,19 +186,14 @@ TEST_F(Build, FollowsTheStateWithIcons) {
 }
 
 TEST_F(Build, MakesStringTables) {
-    static const struct {
-        const char *list, *want;
-    } Cases[] = {{"", "|"}, {"a", "a|"}, {"a,,b", "a||b|"}, {"a,", "a||"}, {"a\\,b (c),d\\", "a,b (c)|d\\|"}};
-    for (auto &c : Cases) {
-        XmtStringTable *table = XmtGenStringTable(c.list);
+    static const char *const cases[][2] = {
+        {"", "|"}, {"a", "a|"}, {"a,,b", "a||b|"}, {"a,", "a||"}, {"a\\,b (c),d\\", "a,b (c)|d\\|"}};
+    for (auto &c : cases) {
+        XmtStringTable *table = XmtGenStringTable(c[0]);
         std::string got;
-        for (int i = 0; i < table->count; i++) {
-            char *text = XmtDecodeString(table->strings[i]);
-            got += std::string(text) + "|";
-            PutMem(text);
-        }
+        for (int i = 0; i < table->count; i++) got += TakeText(XmtDecodeString(table->strings[i])) + "|";
         XmtFreeStringTable(table);
-        EXPECT_EQ(got, c.want) << c.list;
+        EXPECT_EQ(got, c[1]) << c[0];
     }
     EXPECT_EQ(XmtGenStringTable(nullptr), nullptr);
     XmtFreeStringTable(nullptr);
@@ -254,10 +203,42 @@ TEST_F(Build, BindsKeysToTexts) {
     Make("t keyed t(abc) k(\\<KeyUp\\>F9: end-of-line\\(\\) delete-previous-character\\(\\)\\n"
          "\\<KeyUp\\>F8: beginning-of-line\\(\\) delete-next-character\\(\\)); ");
     RealizeWindows();
-    XmtSetFocus("keyed");
-    DispatchWaiting();
-    ASSERT_EQ(system("xdotool key F9 F8"), 0);
-    DispatchWaiting();
+    PressAt("keyed", "F9 F8");
     EXPECT_EQ(TextOf("keyed"), "b");
     EXPECT_EQ(CheckMem(), nullptr);
+}
+
+// ---- what of the arguments needs widgets
+
+TEST_F(Build, FillsInWhatIsThere) {
+    Make("F ff s(300,200) { l fa l(A); t fc s(12,1) A(tw fa 4); } ");
+    static const char *const cases[][2] = {
+        {"x A(lw fa 7, two fc,rwnosuch 3);",
+         "x leftAttachment=3 leftWidget=set leftOffset=7 topAttachment=4 topWidget=set rightAttachment=3"},
+        {"x F_(7x13);", "x fontList=set"},
+        {"x F_(no-such-font);", "x fontList=set"}, // fixed
+        {"x P(ff);", "x parent"},
+        {"x P(ff) P();", "x"},
+        {"x ts(fc) ts(nosuch);", "x"}};
+    for (const auto &c : cases) EXPECT_EQ(DumpFillInfo(c[0], XmtForm, 0), c[1]) << c[0];
+    XmtNewObject(nullptr, RecordEvent, 0, "OS fa l(C) m(9); OS fc s(20,1); ");
+    EXPECT_EQ(StringOf("fa", XmNlabelString), "C");
+    EXPECT_EQ(ResourcesOf("fa.marginWidth fc.columns"), "9 20");
+    XtArgVal values[8] = {};
+    EXPECT_EQ(XmtGetArgs("fc s t A(t,r)", values), 20u);
+    auto text = reinterpret_cast<char *>(values[2]);
+    EXPECT_STREQ(text, "");
+    XtFree(text);
+    EXPECT_EQ(std::to_string(values[3]) + " " + std::to_string(values[4]), "3 0");
+    EXPECT_EQ(XmtGetArgs("nosuch s", values), 0u);
+}
+
+TEST_F(Build, PutsPixelsIntoTheRecord) {
+    XmtInfo info;
+    XmtCursor cursor("x c(bg #102030,fg white,sa #0000FF);");
+    XmtFillInfo(&info, 0);
+    EXPECT_EQ(info.colours[XMT_BG], 0x102030u);
+    EXPECT_EQ(NewObjectColor[XMT_BOTTOM], 0xFFu);
+    EXPECT_EQ(XmtPixBg, 0x102030);
+    XmtClearInfo(&info);
 }
