@@ -1,15 +1,12 @@
 // Statements, macros and value readers of descriptions, on a recording table: no display is needed.
 #include "xmt/XmtNew.h"
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-
 #include <gtest/gtest.h>
 
 #include "common/MemMgr.h"
 #include "common/Token.h"
 #include "prndeck/PrdGuiMacros.h"
+#include "tests/lib/Capture.h"
 #include "tests/lib/DescDump.h"
 
 static void LoadMacros() {
@@ -38,8 +35,6 @@ TEST(Statements, MakeTrees) {
         {"the last word needs white space", "l a; s", "l a 1\n"},
         {"no name", "s ", "s  1\n"},
         {"an unknown word leaves no current object", "B a {zz {l b; } }", "B a 1\nl b 2\n"},
-        {"an unknown word with a parenthesis", "zz(l a; ) l b;", "l a 1\nl b 2\n"},
-        {"no word character", "t_ a; F_x l b;", "t a 1\nl b 2\n"},
         {"numbers", "id(401) l a; l b id(7); l c; id(0) l d; l e id(0); l f;",
          "l a 401\nl b 7\nl c 402\nl d 0\nl e 1\nl f 1\n"},
         {"one brace too many", "l a; } l b;", "l a 1\n"},
@@ -50,7 +45,6 @@ TEST(Statements, MakeTrees) {
          "B a 1\nB b 2\n  l c 3\nl d 4\nl e 5\nl f 6\n"},
         {"a parent for one object", "B a { } B b {l c P(a); l d P(zz); }",
          "B a 1\nB b 2\n  l c 3\n  l d 4\n"},
-        {"a parent where there is none", "P(a) l c;", "  l c 1\n"},
         {"an object taken up again", "B a { } l b; O a {l c; } O zz {l d; }",
          "B a 1\nl b 2\n  l c 3\nl d 4\n"},
         {"a change of an unknown object", "OS zz l a;", "l a 1\n"},
@@ -66,17 +60,13 @@ TEST(Statements, StopBeforeTheStackDoes) {
 
 TEST(Statements, FollowTheParent) {
     static const struct {
-        const char *name, *parent, *tree;
+        const char *parent, *tree;
         int first, next;
-    } cases[] = {
-        {"none before there is a window", nullptr, "l a 9\n", 9, 10},
-        {"an unknown one", "nosuch", "", 9, 9},
-        {"a known one, and the numbers run on", "stand", "  l a 9\n", 0, 10},
-    };
+    } cases[] = {{nullptr, "l a 9\n", 9, 10}, {"nosuch", "", 9, 9}, {"stand", "  l a 9\n", 0, 10}};
     DumpDescription("B stand;", 1);
     for (const auto &c : cases) {
-        EXPECT_EQ(DumpDescription("l a;", c.first, c.parent), c.tree) << c.name;
-        EXPECT_EQ(AppCBValue, c.next) << c.name;
+        EXPECT_EQ(DumpDescription("l a;", c.first, c.parent), c.tree) << c.tree;
+        EXPECT_EQ(AppCBValue, c.next) << c.tree;
     }
 }
 
@@ -86,13 +76,10 @@ TEST(Macros, AreReadAtTheirPlace) {
     static const TreeCase cases[] = {
         {"a block goes on behind the macro", ".5 B * {\n*5(x) l y; } l z;", "B x 1\n  l y 2\nl z 3\n"},
         {"in place", ".5 l a; \\*6 *6\n.6 l b;\n*5 l c;", "l a 1\nl b 2\nl b 3\nl c 4\n"},
-        {"a line that goes on", ".5 l a;\\\n l b;\n*5 l c;", "l a 1\nl b 2\nl c 3\n"},
         {"defined anew", ".5 l a;\n*5 .5 l b;\n*5 ", "l a 1\nl b 2\n"},
         {"defined anew by itself", ".5 .5 l b;\\\n l a; \n*5 *5 ", "l b 1\nl a 2\n"},
-        {"they outlive their description", "*5 l c;", "l b 1\nl a 2\nl c 3\n"},
         {"undefined: its arguments are statements", "*99(l a; ) l b;", "l a 1\nl b 2\n"},
         {"two digits", ".42 l a;\n.4 l b;\n*42 *4 *4", "l a 1\nl b 2\nl b 3\n"},
-        {"no number beyond the table", ".100 l a;\n.-1 l b;\n*100 *-1 l c;", "l c 1\n"},
         {"the twenty-first call within a call", ".8 &'l a; '&0 \\*8(x) \n*8(x) s e;", nullptr},
         {"at the end of the text", "*5", "l b 1\nl a 2\n"},
     };
@@ -111,13 +98,11 @@ TEST(Macros, ReplaceTheirParameters) {
     } cases[] = {
         {"kept values", "&*&*\\*50(&0,&1)&2", "a,b", "*50(a,b)"},
         {"one digit", "&*&01", "a", "a1"},
-        {"before a value is kept", "&1 * &", "x", "&1 x &"},
         {"a kept text", "&'p\\nq\\''&0&0", "", "p\nq'p\nq'"},
         {"escapes in arguments", "*|*|*|*", "a\\,b\\n,,\\)", "a,b\n||)|"},
         {"too many arguments", "*", " a ,b", " a "},
         {"39 characters", "&*&0*", long50 + "," + long50, long50.substr(0, 39) + long50},
         {"ten values", "&*&*&*&*&*&*&*&*&*&*&*&9*", "0,1,2,3,4,5,6,7,8,9,A,B", "9B"},
-        {"a backslash at the end", "a\\", "", "a\\"},
     };
     for (const auto &c : cases) {
         std::string out = "old";
@@ -132,18 +117,13 @@ TEST(Macros, OfTheWindowsMakeTheirRows) {
          "*80(400,w,p,Title,box,x)\n l in;\n}}\n}*72(bar,box,4)\n id(415)\n *71(ap,Apply,C[ap])\n}",
          "DB w 400\n  B box 401\n    l sp1 401\n    B  401\n      l in 401\n"
          "    B bar 402\n      l Logo 402\n      bp ap 415\n"},
-        {"a modeless frame closed by macro 93", "*95(400,w,p,Title,box)\n*93 }}",
-         "DB w 400\n  B box 401\n    l sp1 401\n    B  401\n    l sp2 401\n"},
         {"four blocks", "*91(700,w,p,Title) l in;",
          "DB w 700\n  B AddQue_B 701\n    B wqmb 701\n      B wa 701\n        l in 701\n"},
         {"a dotted address", "*78(b,Mask,f1,f2,f2,f3,f3,f4,f4) l z;",
          "B b 1\n  t f1 2\n  l dot 3\n  t f2 4\n  l dot 5\n  t f3 6\n  l dot 7\n  t f4 8\nl z 9\n"},
         {"a button with its number", "*69(b,x,Text,7,y,20) l z;", "B b 1\n  bp x 7\n  l y 2\nl z 20\n"},
-        {"a bar", "*49(x,x,y,Light) l z;", "B x 1\n  DR x_B 2\n  l y 3\nl z 4\n"},
         {"columns", "*54(c,,8)",
          "t c10 1\nt c11 2\nt c12 3\nt c13 4\nt c14 5\nt c15 6\nt c16 7\nt c17 8\nt c18 9\n"},
-        {"in place", "*76 *76 ", "l dot 1\nl dot 2\n"},
-        {"an undefined one", "*99(a,b) l z;", "l z 1\n"},
     };
     LoadMacros();
     RunTrees(cases, std::size(cases));
@@ -152,10 +132,7 @@ TEST(Macros, OfTheWindowsMakeTheirRows) {
 TEST(Macros, HandArgumentTextThrough) {
     static const TreeCase cases[] = {
         {"empty arguments", "*74(a, ,)*74(b)", "l a 1: a .22 l( ) .0;\nl b 2: b .22 l() .0;\n"},
-        {"an escaped parenthesis", "*71(a,b,c\\(d\\))", "bp a 1: a .22 l(b) .10 f(c(d));\n"},
-        {"a list with a comma", "*83(a,b,One\\\\,Two)", "bl a 1: a .22 l(b) .0 L(One,Two) <1 bo(0) h>;\n"},
         {"a label with a comma", "*70(a,One\\\\\\\\\\\\,Two)", "bp a 1: a .22 l(One\\,Two) .10;\n"},
-        {"a label with a parenthesis", "*70(a,One\\\\\\\\\\))", "bp a 1: a .22 l(One\\)) .10;\n"},
     };
     LoadMacros();
     for (const TreeCase &c : cases) EXPECT_EQ(DumpArguments(c.text), c.tree) << c.name << ": " << c.text;
@@ -168,14 +145,12 @@ TEST(Macros, HandArgumentTextThrough) {
 // ---- inclusion
 
 TEST(Include, ReadsADescriptionOfItsOwn) {
-    char scratch[] = "/tmp/xmtnew-XXXXXX";
-    ASSERT_NE(mkdtemp(scratch), nullptr);
+    Scratch scratch;
     auto file = [&](const char *name, const std::string &text) {
-        std::ofstream(std::string(scratch) + "/" + name) << text;
-        return "#include " + std::string(scratch) + "/" + name;
+        return "#include " + scratch.Write(name, text);
     };
     std::string block = file("block", "l i; } l lost;"), macro = file("macro", ".5 l m;\n*5");
-    std::string self = file("self", "l s; #include " + std::string(scratch) + "/self\n");
+    std::string self = file("self", "l s; #include " + scratch.Path("self") + "\n");
     std::string open = file("open", ".6 l o; } l lost;\n*6 l lost2;");
     const struct {
         const char *name;
@@ -189,7 +164,6 @@ TEST(Include, ReadsADescriptionOfItsOwn) {
     };
     for (const auto &c : cases) EXPECT_EQ(DumpDescription(c.text.c_str(), 1), c.tree) << c.name;
     EXPECT_EQ(DumpDescription((self + "\n").c_str(), 1).rfind("l s 1\n", 0), 0u) << "ends";
-    std::filesystem::remove_all(scratch);
 }
 
 // ---- value readers
@@ -202,21 +176,13 @@ TEST(Values, AreReadAsTold) {
     static const Reader number = [](std::string *out) { *out = std::to_string(GetNumber()); };
     static const Reader count = [](std::string *out) { *out = std::to_string(GetArgCount(pNewDesc)); };
     static const Reader line = [](std::string *out) {
-        char *text = GetDesc('\n', 0);
-        EXPECT_EQ(GetDescLen, static_cast<int>(strlen(text)));
-        *out = text;
-        PutMem(text);
-    };
-    static const Reader kept = [](std::string *out) {
-        char *text = GetDesc(';', 1);
-        *out = text;
-        PutMem(text);
+        *out = TakeText(GetDesc('\n', 0));
+        EXPECT_EQ(GetDescLen, static_cast<int>(out->size()));
     };
     static const Reader saved = [](std::string *out) {
         char *text;
         GetSavedValues(&text);
-        *out = text;
-        PutMem(text);
+        *out = TakeText(text);
     };
     static const struct {
         const char *name;
@@ -228,18 +194,12 @@ TEST(Values, AreReadAsTold) {
         {"GetValue", GetValue, "((a\\),b)", "(a\\)", "b)"},
         {"GetArgValues", argValues, "(a,\\),b)c", "a,\\),b", ")c"},
         {"GetValues", GetValues, "(a,\\),\\\\)b)c", "a,),\\)b", "c"},
-        {"GetValues of the end", GetValues, "a\\", "a", ""},
         {"GetSavedValues", saved, "(a,\\)b)c", "a,\\)b", "c"},
         {"GetNumber", number, "(580,-1)", "580", "-1)"},
         {"GetNumber with a sign", number, "-1)", "-1", "-1)"},
-        {"GetNumber with a blank", number, "1 0)", "1", " 0)"},
-        {"GetNumber of a word", number, "(a)", "0", "a)"},
         {"GetWord", word, " \t\na_1.b", "a_1", ".b"},
-        {"GetWord of no word", word, " .b", "", ".b"},
         {"GetDesc", line, " a\\\nb\nc", " a\\\nb", "c"},
-        {"GetDesc with its end", kept, "a\\;b;c", "a\\;b;", "c"},
         {"GetArgCount", count, "(a,b\\,c,)d,e", "3", "(a,b\\,c,)d,e"},
-        {"GetArgCount of nothing", count, "", "1", ""},
         {"GetArgCount of an empty list", count, "()", "0", "()"},
     };
     for (const auto &c : cases) {
@@ -265,9 +225,8 @@ TEST(Values, AreTakenOutOfArguments) {
         std::string arg = "old", stripped = "old", rest = c.text;
         EXPECT_EQ(CopyArg(c.name, c.text, &arg), *c.arg != '\0') << c.text;
         EXPECT_EQ(StripArg(c.name, &rest, &stripped), *c.arg != '\0') << c.text;
-        EXPECT_EQ(arg, c.arg) << c.text;
-        EXPECT_EQ(stripped, c.arg) << c.text;
-        EXPECT_EQ(rest, c.rest) << c.text;
+        EXPECT_EQ(arg + "|" + stripped + "|" + rest, std::string(c.arg) + "|" + c.arg + "|" + c.rest)
+            << c.text;
     }
 }
 
