@@ -32,12 +32,21 @@ void (*EventLoopCBF)();
 int XmtOpenSeconds = XMT_OPEN_SECONDS;
 
 static sigjmp_buf XtOpenAlarmEnv;
+static bool flOpening; // XtOpenAlarmEnv can be jumped to
 
 // ---- the display
 
 // The client of the display is not touched again behind the jump, so that what it holds does not matter.
 static void XtOpenCB(int) {
     siglongjmp(XtOpenAlarmEnv, -1);
+}
+
+// Nothing of the windows can go on without the display, and Xlib does not let its caller return. One that
+// goes while it is being opened is no display.
+static int EndOnXIOError(Display *) {
+    if (flOpening) siglongjmp(XtOpenAlarmEnv, -1);
+    ErrorMsg(ERR_FATAL, 1, "lost the connection to the display");
+    return 0;
 }
 
 static void CatchAlarm(struct sigaction *old, sigset_t *oldMask) {
@@ -65,9 +74,11 @@ static Display *OpenDisplay(const char *name, const char *appClass, int *argc, c
     Display *volatile display = nullptr;
     CatchAlarm(&old, &oldMask);
     if (sigsetjmp(XtOpenAlarmEnv, 1) == 0) {
+        flOpening = true;
         alarm(static_cast<unsigned>(XmtOpenSeconds));
         display = XtOpenDisplay(AppContext, nullptr, name, appClass, nullptr, 0, argc, argv);
     }
+    flOpening = false;
     ReleaseAlarm(&old, &oldMask);
     return display;
 }
@@ -77,12 +88,6 @@ static int LogXError(Display *display, XErrorEvent *error) {
     char text[256];
     XGetErrorText(display, error->error_code, text, sizeof(text));
     PutLogMsg("X error: %s, request %d, resource 0x%lx\n", text, error->request_code, error->resourceid);
-    return 0;
-}
-
-// Nothing of the windows can go on without the display, and Xlib does not let its caller return.
-static int EndOnXIOError(Display *) {
-    ErrorMsg(ERR_FATAL, 1, "lost the connection to the display");
     return 0;
 }
 
@@ -108,10 +113,10 @@ bool XmtInitApp(const char *name, const char *appClass, int *argc, char **argv) 
     char *noArgv[] = {nullptr};
     XtToolkitInitialize();
     AppContext = XtCreateApplicationContext();
+    XSetIOErrorHandler(EndOnXIOError);
     AppDisplay = OpenDisplay(name, appClass, argc ? argc : &noArgc, argc ? argv : noArgv);
     if (!AppDisplay) return FailInitApp();
     XSetErrorHandler(LogXError);
-    XSetIOErrorHandler(EndOnXIOError);
     AppScreenNum = GetScreenNum(AppDisplay);
     AppScreen = ScreenOfDisplay(AppDisplay, AppScreenNum);
     AppColormap = DefaultColormapOfScreen(AppScreen);
