@@ -121,10 +121,14 @@ void SetupPrnListDisplay() {
     for (int i = 0; i < DevCount; i++) XmtAddListItem("scrolList", GenListEntry(i).c_str(), i + 1);
 }
 
+// Motif would select every new row that reads like the selected one.
 void UpdatePrListDisplay() {
     if (DisplayStyle == 0) DisplayStyle = DISPLAY_ALL;
     XmtSetLabelRaw("scrolList_L", GenListTitle().c_str());
+    XmtClearAllListItems("scrolList");
     for (int i = 0; i < DevCount; i++) XmtReplaceListItem("scrolList", GenListEntry(i).c_str(), i + 1);
+    if (Widget list = XmtGetWidget("scrolList"); list && GetPrnEntry(Cur_Product_Index))
+        XmListSelectPos(list, Cur_Product_Index + 1, 0);
 }
 
 // ---- What the selection allows

@@ -322,6 +322,15 @@ TEST_F(Gui, DisplayWindow) {
     EXPECT_EQ(XmtGetListCount("scrolList"), 1);
     Event(200, 0);
     EXPECT_EQ(DisplayChoices(), "1 0 1 1");
+
+    AddPrinter("10.0.0.2");
+    SetupPrnListDisplay();
+    XmtSetListItem("scrolList", 1, 0);
+    SetPrinterSelectionData(0);
+    DisplayStyle = DISPLAY_HWADR; // both rows read alike
+    UpdatePrListDisplay();
+    Widget list = XmtGetWidget("scrolList");
+    EXPECT_TRUE(XmListPosSelected(list, 1) && !XmListPosSelected(list, 2)) << "the selection, and it alone";
     DisplayStyle = 0;
     UpdatePrListDisplay();
     EXPECT_EQ(DisplayStyle, DISPLAY_ALL);
