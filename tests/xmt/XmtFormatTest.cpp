@@ -2,6 +2,7 @@
 #include "xmt/XmtFormat.h"
 
 #include "common/MemMgr.h"
+#include "tests/lib/WindowUser.h"
 #include "xmt/XmtUtils.h"
 
 #include <gtest/gtest.h>
@@ -18,13 +19,6 @@ TEST(XmtFormat, StateLists) {
         EXPECT_EQ(XmtTestFormatState(row.list, row.state), row.match) << row.list << " " << row.state;
 }
 
-static std::string Heard; // "name id value reason" of each call
-
-static void Hear(XmtCallData *data) {
-    Heard += std::string(data->name) + " " + std::to_string(data->id) + " " + std::to_string(data->value) +
-             " " + std::to_string(data->reason) + ";";
-}
-
 // A record without a widget.
 static XmtObjectData *MakeRecord(const char *name, int id, XmtType type, const char *format) {
     XmtInitStore();
@@ -36,7 +30,7 @@ static XmtObjectData *MakeRecord(const char *name, int id, XmtType type, const c
     object->name = SaveStr_(name);
     object->id = id;
     object->type = type;
-    object->handler = Hear;
+    object->handler = RecordEvent;
     object->format = format ? SaveStr_(format) : nullptr;
     return object;
 }
@@ -45,9 +39,8 @@ static std::string RunFormat(XmtType type, const char *format, intptr_t value, i
     XmtObjectData *object = MakeRecord("self", 1, type, format);
     XmtCallData data = XmtNewCallData(object, reason);
     data.value = value;
-    Heard.clear();
     XmtProcessFormat(object, &data, 0);
-    return Heard;
+    return TakeEvents();
 }
 
 TEST(XmtFormat, ClausesReachTheirTargets) {
@@ -61,22 +54,18 @@ TEST(XmtFormat, ClausesReachTheirTargets) {
         int reason;
         const char *heard;
     } cases[] = {
-        {"a match calls the target with the event's value", XmtListBut, "C1[other]", 1, 1, "other 7 1 1;"},
-        {"no match calls nobody", XmtListBut, "C1[other]", 0, 1, ""},
-        {"each target of a clause", XmtListBut, "C*[other self]", 3, 1, "other 7 3 1;self 1 3 1;"},
-        {"a dot is the object itself", XmtToggleBut, "C*[.]", 1, 2, "self 1 1 2;"},
+        {"a match calls the target with the event's value", XmtListBut, "C1[other]", 1, 1, "other 7/1=1;"},
+        {"each target of a clause", XmtListBut, "C*[other self]", 3, 1, "other 7/1=3;self 1/1=3;"},
+        {"a dot is the object itself", XmtToggleBut, "C*[.]", 1, 2, "self 1/2=1;"},
         {"a list of names is no name to call", XmtListBox, "C*[other,self]", 1, 1, ""},
-        {"an empty bracket takes the next token", XmtListBox, "C*[] other", 1, 1, "other 7 1 1;"},
-        {"a clause without a bracket", XmtListBox, "C* other", 1, 1, "other 7 1 1;"},
+        {"an empty bracket takes the next token", XmtListBox, "C*[] other", 1, 1, "other 7/1=1;"},
         {"unknown letters, names, a lone head", XmtListBox, "Z*[other] C*[nobody] C*", 1, 1, ""},
-        {"P with a number", XmtListBut, "P0[kept.1]", 0, 1, "kept 8 1 1;"},
-        {"P with the other's own value", XmtListBut, "P0[kept.kept_pd]", 0, 1, "kept 8 1 1;"},
-        {"P with the event's value", XmtListBut, "P*[kept]", 2, 1, ""},
+        {"P with a number", XmtListBut, "P0[kept.1]", 0, 1, "kept 8/1=1;"},
+        {"P with the other's own value", XmtListBut, "P0[kept.kept_pd]", 0, 1, "kept 8/1=1;"},
         {"no dialect for several selections", XmtListBoxMS, "C*[other]", 1, 1, ""},
-        {"no dialect for a form", XmtForm, "C*[other]", 1, 1, ""},
-        {"a button's every event", XmtPushBut, "C[other]", 0, 18, "other 7 0 18;"},
-        {"a button's key", XmtPushBut, "Ca[other] Cme[self]", 0, 18, "self 1 0 18;"},
-        {"a key that is none", XmtCascadeBut, "Cnokey[other]", 0, 1, "other 7 0 1;"}};
+        {"a button's every event", XmtPushBut, "C[other]", 0, 18, "other 7/18=0;"},
+        {"a button's key", XmtPushBut, "Ca[other] Cme[self]", 0, 18, "self 1/18=0;"},
+        {"a key that is none", XmtCascadeBut, "Cnokey[other]", 0, 1, "other 7/1=0;"}};
     for (const auto &row : cases) {
         MakeRecord("self", 1, row.type, nullptr);
         EXPECT_EQ(RunFormat(row.type, row.format, row.value, row.reason), row.heard) << row.name;
@@ -85,7 +74,7 @@ TEST(XmtFormat, ClausesReachTheirTargets) {
 
 TEST(XmtFormat, ValuesAndFormatsOfOthers) {
     XmtObjectData *toggle = MakeRecord("toggle", 5, XmtToggleBut, "C1[toggle]");
-    EXPECT_EQ(RunFormat(XmtListBut, "V0[toggle.2]", 0, 1), "toggle 5 1 1;");
+    EXPECT_EQ(RunFormat(XmtListBut, "V0[toggle.2]", 0, 1), "toggle 5/1=1;");
     EXPECT_EQ(toggle->value, 1);
     EXPECT_EQ(RunFormat(XmtListBut, "V0[toggle.1] V0[toggle] v1[toggle.2]", 0, 1), "");
     EXPECT_EQ(toggle->value, 0);
@@ -94,18 +83,17 @@ TEST(XmtFormat, ValuesAndFormatsOfOthers) {
     RunFormat(XmtListBut, "f*[toggle.C0_toggle]", 0, 1);
     EXPECT_STREQ(toggle->format, "C0 toggle");
     EXPECT_EQ(RunFormat(XmtListBut, "f*[self.C*_toggle] V*[toggle.1] C*[self]", 0, 1),
-              "toggle 5 0 1;self 1 0 1;")
+              "toggle 5/1=0;self 1/1=0;")
         << "a format that replaces itself runs to its end";
-    EXPECT_EQ(RunFormat(XmtListBut, "A*[toggle] V*[toggle.2] R1[toggle]", 0, 1), "toggle 5 0 1;")
+    EXPECT_EQ(RunFormat(XmtListBut, "A*[toggle] V*[toggle.2] R1[toggle]", 0, 1), "toggle 5/1=0;")
         << "A and R run whatever the state";
 }
 
 TEST(XmtFormat, CirclesEnd) {
     MakeRecord("one", 1, XmtToggleBut, "V*[two.2] V*[two.1] C*[one]");
     MakeRecord("two", 2, XmtToggleBut, "V*[one.2] V*[one.1]");
-    Heard.clear();
     XmtSetValuePF("one", static_cast<intptr_t>(2), 1);
-    EXPECT_FALSE(Heard.empty());
+    EXPECT_NE(TakeEvents(), "");
     EXPECT_EQ(XmtFormatState.depth, 0);
 }
 
