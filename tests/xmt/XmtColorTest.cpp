@@ -24,32 +24,17 @@ static std::string GetPixelText(Pixel pixel) {
     return ToText(colour);
 }
 
-// The rows that no server knows, or knows otherwise.
-static const XmtColorRow OwnRows[] = {
-    {"#C0C0C0", "gray"},
-    {"#C0C0C0", "grey"},
-    {"#E3E3E3", "grey"},
-    {"#8B8B00", "darkyellow"},
-    {"#EEDD82", "light  goldenrod"},
-    {"#CD5C5C", "indian  red"},
-    {"#FF4500", "orange,red"},
-};
-
 static void CheckTable() {
-    int own = 0, rows = 0;
+    int rows = 0;
+    std::string own; // rows that no server knows, or knows otherwise
     for (const XmtColorRow *row = pColor; *row->name != '\0'; row++, rows++) {
         XColor exact, screen;
-        std::string wanted =
-            XLookupColor(AppDisplay, AppColormap, row->name, &exact, &screen) ? ToText(exact) : "";
-        if (wanted == row->value) continue;
-        bool known = false;
-        for (const XmtColorRow &one : OwnRows)
-            known |= strcmp(one.name, row->name) == 0 && strcmp(one.value, row->value) == 0;
-        EXPECT_TRUE(known) << row->name << " is " << row->value << ", the server has " << wanted;
-        own++;
+        bool flKnown = XLookupColor(AppDisplay, AppColormap, row->name, &exact, &screen);
+        if (!flKnown || ToText(exact) != row->value) own += std::string(row->name) + row->value + " ";
     }
     EXPECT_EQ(rows, 744);
-    EXPECT_EQ(own, 7);
+    EXPECT_EQ(own, "gray#C0C0C0 grey#C0C0C0 darkyellow#8B8B00 light  goldenrod#EEDD82 "
+                   "indian  red#CD5C5C orange,red#FF4500 grey#E3E3E3 ");
 }
 
 struct ColourCase {

@@ -268,6 +268,7 @@ TEST_F(XmtMsgWindow, AFileIsChosen) {
     press("Return");
     press("Return");
     std::string path = " " + file + ";";
+    EXPECT_FALSE(XtIsManaged(dialog));
     EXPECT_EQ(TakeEvents(), "XmtFS 61/4=0" + path + "XmtFS 62/4=0" + path);
     XmtSelectFile(RecordEvent, 63, nullptr);
     press("Escape");

