@@ -109,10 +109,5 @@ TEST(XmtFormat, FormatsOfObjectsWithItems) {
     XmtReplaceFormat("box", items[0]->format);
     EXPECT_STREQ(owner->format, "E*[z]");
     EXPECT_STREQ(items[1]->format, "E*[z]");
-    XmtObjectData *button = MakeRecord("button", 1, XmtPushBut, nullptr);
-    MakeRecord("button_1", 1, XmtPushBut, nullptr);
-    XmtSetFormat("button", "C[x]");
-    EXPECT_STREQ(button->format, "C[x]");
-    EXPECT_EQ(XmtFindObject("button_1")->format, nullptr);
     EXPECT_EQ(CheckMem(), nullptr);
 }

@@ -143,29 +143,6 @@ TEST(FillInfoDesc, SortsArguments) {
     for (const auto &c : cases) EXPECT_EQ(DumpFillInfoDesc(c.text), c.dump) << c.name << ": " << c.text;
 }
 
-TEST(GenDesc, WritesTheWidgetsOfACompound) {
-    static const struct {
-        int flags;
-        const char *prefix, *text;
-    } cases[] = {
-        {GEN_NAME | 1, "_B1 bo(0)", "q_B1 bo(0) .22 .0 h"},
-        {GEN_NAME | GEN_LABEL | 2, "_L bo(0)", "q_L bo(0) l(Name) .22 .0 .21"},
-        {GEN_NAME | GEN_FORMAT | 3, nullptr, "q .22 .0 f(C[q])"},
-        {GEN_NAME | GEN_LIST, nullptr, "q .22 .0 L(a,b)"},
-        {15, nullptr, " .22 .0"},
-    };
-    XmtInfo info;
-    XmtCursor cursor("q l(Name) L(a,b) f(C[q])<1 h><2 .21>.22 .0;");
-    XmtFillInfoDesc(&info);
-    for (const auto &c : cases) {
-        std::string text = GenDesc(&info, c.flags, c.prefix), squeezed;
-        for (char ch : text)
-            if (ch != ' ' || squeezed.empty() || squeezed.back() != ' ') squeezed += ch;
-        EXPECT_EQ(squeezed, c.text) << c.flags;
-    }
-    XmtClearInfo(&info);
-}
-
 // ---- reading back
 
 TEST(GetInfo, ListsWhatIsAskedFor) {

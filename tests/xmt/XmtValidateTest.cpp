@@ -124,6 +124,7 @@ static const ChangeCase ChangeCases[] = {
     {"places outside the text", "!a", "b", 90, 90, 90, "!ab", "!ab"},
     {"as long as it may get", LONG_OLD.c_str(), LONG_TYPED.substr(1), 401, 401, 401,
      LONG_OLD + LONG_TYPED.substr(1), LONG_OLD + LONG_TYPED.substr(1)},
+    {"replaced in a long one", LONG_OLD.c_str(), LONG_TYPED, 1, 401, 1, "!" + LONG_TYPED, "!" + LONG_TYPED},
     {"too long", LONG_OLD.c_str(), LONG_TYPED, 401, 401, 401, LONG_OLD, LONG_OLD},
 };
 
@@ -256,6 +257,7 @@ static void CheckKeys() {
         ListDelAllItems(pXmtMsgList);
     }
     EXPECT_STREQ(XmtTextOf(XmtFindObject("secret")->stored), "acb");
+    EXPECT_STREQ(XmtTextOf(XmtFindObject("shown")->stored), "abc");
     XmtSetValuePF("secret", "wxyz", 1);
     XmtResetToStoredValue("secret");
     EXPECT_STREQ(XmtTextOf(XmtGetValue("secret")), "wxyz");
