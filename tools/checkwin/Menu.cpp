@@ -31,9 +31,10 @@ static void ReadLevel(MenuBar *bar, const std::string &prefix, const Place &open
 static void CheckLetter(MenuLevel *level, const std::string &label, const Place &place) {
     if (label.find_first_not_of(' ') == std::string::npos) return; // a spacer
     size_t mark = label.find('~');
-    if (mark == std::string::npos || mark == 0)
+    char letter = mark == std::string::npos || mark == 0 ? ' ' : label[mark - 1];
+    if (!isascii(letter) || !isalnum(letter)) // one that not every keyboard has is none
         return Report(place, "no letter in the entry \"%s\"", label.c_str());
-    char letter = static_cast<char>(tolower(static_cast<unsigned char>(label[mark - 1])));
+    letter = static_cast<char>(tolower(letter));
     if (level->letters.find(letter) != std::string::npos)
         Report(place, "the letter of \"%s\" is another entry's as well", label.c_str());
     level->letters += letter;
