@@ -134,8 +134,8 @@ TEST_F(Build, GivesEachPartItsArguments) {
     EXPECT_EQ(ResourcesOf("rt.navigationType ro_1.navigationType"), "3 0");
     EXPECT_EQ(ResourceOf("ro", XmNmenuHistory), reinterpret_cast<long>(XmtGetWidget("ro_1")));
     EXPECT_EQ(ResourceOf("ro", XmNsubMenuId), reinterpret_cast<long>(XmtGetWidget("ro_pd")));
-    EXPECT_EQ(StringOf("ro_1", XmNlabelString), "A,1");
-    EXPECT_EQ(StringOf("ro_2", XmNlabelString), "Bb)");
+    EXPECT_EQ(StringsOf("ro_1.labelString ro_2.labelString rn_L.labelString rl_L.labelString"),
+              "A,1|Bb)|x|x");
     EXPECT_TRUE(XmIsText(XmtGetWidget("rt"))) << "text of several lines";
     EXPECT_TRUE(XmIsTextField(XmtGetWidget("rn"))) << "text of one line";
 }
