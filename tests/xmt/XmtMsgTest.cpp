@@ -213,26 +213,6 @@ TEST_F(XmtMsgWindow, OneAfterAnother) {
     EXPECT_TRUE(flPostMsgIsHidden && pXmtMsgList->count == 0);
 }
 
-static void PostAndAnswer(int count) {
-    for (int i = 0; i < count; i++) XmtPostMsg("title", "message %i", i);
-    while (pXmtMsgList->count > 0) {
-        XmtDisplayMsg();
-        XmtCallData data{};
-        data.reason = XmtCR_OK;
-        XmtMsgEventHandler(&data);
-        DispatchWaiting();
-    }
-    XmtHide("XmtPostMsg");
-    DispatchWaiting();
-}
-
-TEST_F(XmtMsgWindow, AThousandLeaveNothingBehind) {
-    PostAndAnswer(50);
-    size_t before = HeldBytes();
-    PostAndAnswer(1000);
-    EXPECT_LT(HeldBytes(), before + 4000);
-}
-
 // ---- the inactivity timer, the file dialog
 
 TEST_F(XmtMsgWindow, NoEventForSomeTimeEndsTheLoop) {

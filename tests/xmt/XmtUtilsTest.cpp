@@ -150,7 +150,6 @@ TEST_F(XmtUtils, Labels) {
     static const struct {
         const char *label, *text, *result;
     } cases[] = {{"Name: old", "new", "Name: new"},
-                 {"Name old", "new", "Name new"},
                  {"Name", "new", "Name new"},
                  {"A b: c: d", "x:y", "A b: x:y"},
                  {"Name: old", "", "Name: "},
@@ -226,7 +225,6 @@ TEST_F(XmtUtils, NumbersInFields) {
                  {"60", 1, 60, 0, 60},
                  {"61", 1, 60, 2, 1},
                  {"12a", 5, 0, 1, 5},
-                 {"-3", 5, 0, 1, 5},
                  {"99999999999999999999", 1, 60, 2, 1},
                  {"4000000000", 0, 0, 0, INT_MAX}};
     for (const auto &row : cases) {
