@@ -322,6 +322,57 @@ static void GrowthRow(const char *what, double (*growth)(int)) {
     printf("%-44s %9.0f bytes\n", what, Apart(growth, 1));
 }
 
+// ---- from the start of a program to its main window on the screen
+
+enum { START_LIMIT = 20 }; // seconds, after which the alarm ends the bench
+
+static int PassXError(Display *, XErrorEvent *) {
+    return 0; // windows of a program that has just been ended
+}
+
+static Display *WatchRoot() {
+    static Display *display;
+    if (display) return display;
+    XSetErrorHandler(PassXError);
+    display = XOpenDisplay(nullptr);
+    XSelectInput(display, DefaultRootWindow(display), SubstructureNotifyMask);
+    return display;
+}
+
+static void AwaitWindow(Display *display, int type) {
+    XEvent event;
+    do XNextEvent(display, &event);
+    while (event.type != type || (type == MapNotify && event.xmap.override_redirect));
+}
+
+// Nanoseconds; the program runs in the tool directory and ends with the measurement.
+static double TimeStart(const char *program, const char *word) {
+    Display *display = WatchRoot();
+    XSync(display, 1);
+    alarm(START_LIMIT);
+    auto start = std::chrono::steady_clock::now();
+    pid_t child = fork();
+    if (child == 0) {
+        if (chdir(BUILD_DIR "/stage") == 0) execl(program, program, word, nullptr);
+        _exit(1);
+    }
+    AwaitWindow(display, MapNotify);
+    double spent = Since(start, 1);
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    AwaitWindow(display, DestroyNotify);
+    alarm(0);
+    return spent;
+}
+
+static double StartOurs(int) {
+    return TimeStart(BUILD_DIR "/stage/prndeck", "-nd");
+}
+
+static double StartByHand(int) {
+    return TimeStart(BUILD_DIR "/bench/handWindow", nullptr);
+}
+
 int main() {
     if (!StartServer()) {
         printf("windows: skipped, there is no Xvfb here\n");
@@ -331,6 +382,7 @@ int main() {
     BenchMeasuredRow("window: an object of 500, built and shown", Measure(BuildOurs), Measure(BuildByHand));
     BenchMeasuredRow("window: 1000 printers into a list, one each", Measure(AddOurs), Measure(AddEachByHand));
     BenchMeasuredRow("window: 1000 printers into a list at once", Measure(ReplaceOurs), Measure(AddByHand));
+    BenchMeasuredRow("window: start to the main window on screen", StartOurs, StartByHand);
     GrowthRow("window: left by 10000 events", Growth<SendEvents>);
     GrowthRow("window: left by 1000 messages", Growth<PostMessages>);
     GrowthRow("window: left by 1000 refills of a list", Growth<RefillList>);
