@@ -1,16 +1,16 @@
 // Texts of a catalogue: the fetch against the linear walk over the image that it replaces, and the reload of
 // a file.
+#include "bench/Bench.h"
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/utils.h"
+
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <random>
 #include <string>
 #include <vector>
-
-#include "bench/Bench.h"
-#include "common/MemMgr.h"
-#include "common/NlsUtils.h"
-#include "common/utils.h"
 
 enum { TEXTS = 2000, SETS = 20, FETCHES = 2000 };
 

@@ -1,4 +1,5 @@
 // The memory manager against the library's heap, on a made and, where there is one, a recorded trace.
+#include "bench/Bench.h"
 #include "common/MemMgr.h"
 
 #include <cstdlib>
@@ -7,8 +8,6 @@
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "bench/Bench.h"
 
 // One step of a trace, in a file "g ID SIZE", "a ID SIZE" or "p ID".
 struct TraceStep {

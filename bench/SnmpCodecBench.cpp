@@ -4,7 +4,6 @@
 #include "SnmpPkg/Decode.h"
 #include "SnmpPkg/Encode.h"
 #include "SnmpPkg/Pkg.h"
-
 #include "bench/Bench.h"
 
 #include <cstdio>
@@ -12,11 +11,10 @@
 #include <cstring>
 
 #if PRN_NETSNMP
-#include <net-snmp/net-snmp-config.h>
-#include <net-snmp/net-snmp-includes.h>
-
 #include <arpa/inet.h>
 #include <csignal>
+#include <net-snmp/net-snmp-config.h>
+#include <net-snmp/net-snmp-includes.h>
 #include <netinet/in.h>
 #include <sys/socket.h>
 #include <sys/wait.h>

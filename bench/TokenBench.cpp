@@ -1,6 +1,9 @@
 // The token scanner and the sort of queue names.
 #include "common/Token.h"
 
+#include "bench/Bench.h"
+#include "common/MemMgr.h"
+
 #include <algorithm>
 #include <cstring>
 #include <random>
@@ -8,9 +11,6 @@
 #include <string>
 #include <strings.h>
 #include <vector>
-
-#include "bench/Bench.h"
-#include "common/MemMgr.h"
 
 static std::string QueueNames(int count) {
     static const char *const places[] = {"lab", "Office", "print", "tarvo", "Floor", "acct", "HALL"};

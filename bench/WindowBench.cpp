@@ -1,7 +1,6 @@
 // Windows from descriptions beside the same ones written by hand for Motif, printers in a list, and what is
 // left behind by events, messages and refills.
 #include "bench/Bench.h"
-
 #include "common/MemMgr.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtMsg.h"

@@ -2,15 +2,16 @@
 // one.
 #include "common/Dbm.h"
 
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+#include "common/SysFile.h"
+#include "common/utils.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/SysCmd.h"
-#include "common/utils.h"
 
 // ---- Scrambling
 

@@ -1,16 +1,16 @@
 // Image layer of the record database: load and reload, walk and search, change in memory, write back.
 #include "common/DbmT.h"
 
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+#include "common/utils.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstdlib>
 #include <cstring>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/SysCmd.h"
-#include "common/utils.h"
 
 // A file as it was found. Two renames within one second differ in nothing but inode and nanoseconds.
 struct FileIdentity {

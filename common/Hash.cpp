@@ -1,10 +1,10 @@
 // An open-addressing hash table of named or numbered entries.
 #include "common/Hash.h"
 
+#include "common/MemMgr.h"
+
 #include <cstddef>
 #include <cstring>
-
-#include "common/MemMgr.h"
 
 HashTable *NewHashTable(int size, int kind) {
     if (size < 1 || size >= MEM_MAX / static_cast<int>(sizeof(HashNode))) return nullptr;

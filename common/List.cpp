@@ -1,11 +1,11 @@
 // A doubly linked list of copied items.
 #include "common/List.h"
 
+#include "common/MemMgr.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-
-#include "common/MemMgr.h"
 
 ListHead *ListCreate() {
     return static_cast<ListHead *>(GetMem(sizeof(ListHead)));

@@ -1,11 +1,11 @@
 // Duplicators of text into managed memory.
 #include "common/MemMgr.h"
 
+#include "common/Report.h"
+
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
-
-#include "common/utils.h"
 
 // A managed text of the length, not yet filled.
 static char *GetMemStr(size_t length) {

@@ -2,15 +2,14 @@
 // windows.
 #include "common/NlsUtils.h"
 
+#include "common/MemMgr.h"
+#include "common/utils.h"
+
 #include <algorithm>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
-
-#include "common/MemMgr.h"
-#include "common/TextMenu.h"
-#include "common/utils.h"
 
 enum { DIGITS_MAX = 3 }; // of a width or precision in a catalogue text
 
@@ -306,28 +305,7 @@ void NlsCopy(char *buffer, size_t capacity, const std::string &text) {
     if (buffer && capacity > 0) DeliverText(text.c_str(), buffer, capacity);
 }
 
-// ---- Menus and windows
-
-static char *CopyMenuText(int number) {
-    char text[NLS_MENU_TEXT];
-    return SaveStr_(NlsFetchString(pDrvCoreDB, text, sizeof(text), NLS_FETCH_NUMBER, NLS_TTY_SET, number));
-}
-
-void NlsTtyMenuCvt(char **field, int number) {
-    if (field) *field = CopyMenuText(number);
-}
-
-void NlsTtyMenuItemCvt(TextMenuItem *items, int number, int count) {
-    for (int i = 0; items && i < count; i++) items[i].text = CopyMenuText(number + i);
-}
-
-void NlsTtyMenuItemStateCvt(TextMenuItem *items, int number, int count) {
-    for (int i = 0; items && i < count; i++) items[i].choices = CopyMenuText(number + i);
-}
-
-void NlsTtyMenuItemPromptCvt(TextMenuItem *items, int number, int count) {
-    for (int i = 0; items && i < count; i++) items[i].prompt = CopyMenuText(number + i);
-}
+// ---- Windows
 
 char *NlsGuiStrCvt(const char *text, int set, char *out, size_t size) {
     if (!out || size == 0) return out;

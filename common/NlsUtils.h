@@ -13,8 +13,6 @@
 #include <string>
 #include <type_traits>
 
-struct TextMenuItem;
-
 enum { NLS_TTY_SET = 25, NLS_MENU_TEXT = 128, NLS_GUI_TEXT = 1024, NLS_FETCH = 2048, NLS_TOPIC = 64 };
 enum { NLS_FETCH_NUMBER = 0, NLS_FETCH_KEY = 1, NLS_FETCH_LONG = 3 }; // modes of NlsFetchString
 
@@ -44,13 +42,6 @@ char *GetDesiredNLSLang();
 char *NlsFetchString(DbTHandle *handle, char *out, size_t capacity, int mode, int set, int number);
 char *NlsFetchString(DbTHandle *handle, char *out, size_t capacity, int mode, const char *key);
 
-// Owns: a new copy of text 25_number of pDrvCoreDB, at most 127 characters, is stored in the field. What
-// stood there is left alone. The item functions fill the labels, choices or prompts of consecutive items from
-// consecutive numbers.
-void NlsTtyMenuCvt(char **field, int number);
-void NlsTtyMenuItemCvt(TextMenuItem *items, int number, int count);
-void NlsTtyMenuItemStateCvt(TextMenuItem *items, int number, int count);
-void NlsTtyMenuItemPromptCvt(TextMenuItem *items, int number, int count);
 // The template with its first "%s" replaced by text set_1, its second by set_2, and so on; each text is cut
 // at 1023 characters and is not looked at again. The result is out, cut at its size.
 char *NlsGuiStrCvt(const char *text, int set, char *out, size_t size);

@@ -125,3 +125,14 @@ int GetDiskSpace(const char *path, DiskRecord *record);
 // there (may be null) counts as room.
 int AvailSpace(const char *directory, const char *file, double needed);
 double DUPath(const char *path); // in the units of du, 0 if it does not answer
+
+// ---- The process and its host
+
+// By whoami; empty for a user without a name, null if whoami can't be started. Owns: the result.
+[[nodiscard]] char *GetUserName();
+// Runs a line as it stands, then sleeps a second. Modes 1 and 2 print it first and report a failure, but not
+// exit code 2. Ends: in mode 2 after a report, with status 1.
+[[gnu::format(printf, 2, 3)]] void SysCmdP(int mode, const char *format, ...);
+// 1 if the print daemon calls itself LPRng, if a cupsd runs. 0 where lpd or ps is missing.
+int SniffLprng();
+int SniffCUPS();

@@ -1,14 +1,13 @@
-// What the host's ps, pkginfo, df and du tell: processes, packages, room on disk.
+// What the host's ps, pkginfo, df, du, whoami and lpd tell: processes, packages, room on disk, the user.
+#include "common/MemMgr.h"
 #include "common/SysCmd.h"
+#include "common/utils.h"
 
 #include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <strings.h>
-
-#include "common/MemMgr.h"
-#include "common/utils.h"
 
 static const char aBlanks[] = " \t\n";
 
@@ -121,4 +120,59 @@ double DUPath(const char *path) {
     double size = lines ? strtod(lines->text, nullptr) : 0;
     FreeResponseList(lines);
     return size;
+}
+
+// ---- The process and its host
+
+static char *AskWhoami(const char *command) {
+    char buffer[LINEBUF_SIZE];
+    fflush(stdout);
+    FILE *stream = pPopen(command, "re");
+    if (!stream) return nullptr;
+    if (!fgets(buffer, sizeof(buffer), stream)) buffer[0] = '\0';
+    pPclose(stream);
+    buffer[strcspn(buffer, "\r\n")] = '\0';
+    return SaveStr_(buffer);
+}
+
+char *GetUserName() {
+    if (char *command = GetCmd(CMD_WHOAMI)) {
+        char *user = AskWhoami(command);
+        PutMem(command);
+        return user;
+    }
+    uid_t id = getuid();
+    return id == 0 ? SaveStr_("root") : SaveStr("User ID:  %d", static_cast<int>(id));
+}
+
+void SysCmdP(int mode, const char *format, ...) {
+    va_list args;
+    va_start(args, format);
+    std::string line = FormatV(format, args);
+    va_end(args);
+    bool flReport = mode == 1 || mode == 2;
+    if (flReport) printf("%s\n", line.c_str());
+    fflush(stdout);
+    errno = 0;
+    int status = pSystem(line.c_str());
+    if (flReport && status != 0 && status >> 7 != 4) { // 4: the shell's exit code 2
+        if (errno == 0) errno = EIO;
+        perror(my_name);
+        if (mode == 2) exit_app(1);
+    }
+    pSystem("/usr/bin/sleep 1");
+}
+
+int SniffLprng() {
+    if (!TestCmd(CMD_LPD)) return 0;
+    ResponseNode *answer = GetCmdResponse(CMD_LPD, "LPRng", " -V 2>&1");
+    FreeResponseList(answer);
+    return answer != nullptr;
+}
+
+int SniffCUPS() {
+    if (!TestCmd(CMD_PS)) return 0;
+    char *running = CheckProcTableForExecs("cupsd");
+    PutMem(running);
+    return running != nullptr;
 }

@@ -1,14 +1,14 @@
 // String search, the token scanner and lists of words.
 #include "common/Token.h"
 
+#include "common/MemMgr.h"
+#include "common/Report.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cstdint>
 #include <cstring>
 #include <strings.h>
-
-#include "common/MemMgr.h"
-#include "common/utils.h"
 
 char *const pTokenLine = reinterpret_cast<char *>(intptr_t{-1});
 

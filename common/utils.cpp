@@ -1,6 +1,9 @@
 // Paths, files, the one input file, and the ways in which an error is reported.
 #include "common/utils.h"
 
+#include "common/MemMgr.h"
+#include "common/Token.h"
+
 #include <algorithm>
 #include <cctype>
 #include <cerrno>
@@ -14,10 +17,6 @@
 #include <string_view>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/SysCmd.h"
-#include "common/Token.h"
 
 enum {
     PIECE = INPUT_LINE - 1, // fgets capacity of a physical line: 510 bytes and the terminator
@@ -38,34 +37,17 @@ int LineCnt;
 long InPos;
 int flInputFilterState = 1;
 long SavedFileSize;
-const char *my_name = "prndeck";
 int flUseLog;
 FILE *pLog;
 const char *pLogPath;
+void (*pOpenUpLog)(const char *path);
 char *pToolPath;
-
-std::string FormatV(const char *format, va_list args) {
-    va_list again;
-    va_copy(again, args);
-    int length = vsnprintf(nullptr, 0, format, args);
-    std::string text(length > 0 ? static_cast<size_t>(length) : 0, '\0');
-    vsnprintf(text.data(), text.size() + 1, format, again);
-    va_end(again);
-    return text;
-}
-
-int ParseInt(const char *text, const char **end, int base) {
-    char *stop;
-    long number = strtol(text, &stop, base);
-    if (end) *end = stop;
-    return static_cast<int>(std::clamp<long>(number, INT_MIN, INT_MAX));
-}
 
 static bool IsEmpty(const char *text) {
     return !text || !*text;
 }
 
-static std::string JoinPath(const char *directory, const char *name) {
+std::string JoinPath(const char *directory, const char *name) {
     if (IsEmpty(directory)) return name ? name : "";
     if (IsEmpty(name)) return directory;
     return std::string(directory) + "/" + name;
@@ -483,18 +465,7 @@ char *GetSavedFileContent(const char *path, const char *name) {
     return content;
 }
 
-// ---- Creating and removing
-
-void CreateFile(const char *directory, const char *name, const char *mode, const char *owner,
-                const char *group) {
-    if (!IsEmpty(directory) && !FindFile(directory, nullptr))
-        SysCmd(CMD_MKDIR, 2, "%s", ShArg(directory).c_str());
-    std::string path = ShArg(JoinPath(directory, name));
-    if (!IsEmpty(name)) SysCmd(CMD_TOUCH, 2, "%s", path.c_str());
-    if (mode) SysCmd(CMD_CHMOD, 2, "%s %s", ShArg(mode).c_str(), path.c_str());
-    if (owner) SysCmd(CMD_CHOWN, 2, "%s %s", ShArg(owner).c_str(), path.c_str());
-    if (group) SysCmd(CMD_CHGRP, 2, "%s %s", ShArg(group).c_str(), path.c_str());
-}
+// ---- Writing
 
 int CreateTextFile(const char *path, const char *mode, int fileMode, const char *format, ...) {
     bool flWritten = false;
@@ -511,60 +482,6 @@ int CreateTextFile(const char *path, const char *mode, int fileMode, const char 
         fprintf(stderr, "ERROR: couldn't open %s\n", path ? path : "");
     }
     return flWritten;
-}
-
-void DeleteFile(const char *directory, const char *name) {
-    if (!FindFile(directory, name)) return;
-    SysCmd(CMD_RM, 2, "%s", ShArg(JoinPath(directory, name)).c_str());
-}
-
-void DeleteFile_(const char *path, const char *name) {
-    if (!IsEmpty(name)) return DeleteFile(path, name);
-    std::string directory = StripFn(path);
-    std::string file = StripPath(path);
-    DeleteFile(directory.c_str(), file.c_str());
-}
-
-void RenameFile(const char *directory, const char *from, const char *to) {
-    if (!FindFile(directory, from)) return;
-    std::string source = ShArg(JoinPath(directory, from));
-    std::string target = ShArg(JoinPath(directory, to));
-    SysCmd(-CMD_MV, 2, "%s %s", source.c_str(), target.c_str());
-}
-
-// ---- Reporting
-
-void SysError(const char *format, ...) {
-    int error = errno;
-    va_list args;
-    va_start(args, format);
-    std::string text = FormatV(format, args);
-    va_end(args);
-    fflush(stdout);
-    fprintf(stderr, "\n%s: %s : ", my_name, text.c_str());
-    errno = error;
-    perror("");
-    exit(1);
-}
-
-void ErrorMsg(int level, int status, const char *format, ...) {
-    if (level != ERR_WARN && level != ERR_FATAL) return;
-    va_list args;
-    va_start(args, format);
-    std::string text = FormatV(format, args);
-    va_end(args);
-    fflush(stdout);
-    fprintf(stderr, "%s: %s\n", level == ERR_WARN ? "WARNING" : "ERROR", text.c_str());
-    if (level == ERR_FATAL) exit_app(status);
-}
-
-void errormsg(const char *format, ...) {
-    va_list args;
-    va_start(args, format);
-    std::string text = FormatV(format, args);
-    va_end(args);
-    fflush(stdout);
-    fprintf(stderr, "%s: %s\n", my_name, text.c_str());
 }
 
 // Opens the log for appending, never through a link, a pipe or a second name of a foreign file. O_CREAT
@@ -591,9 +508,7 @@ static void CreateLogFile(const char *path) {
     int descriptor = open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, LOG_MODE);
     if (descriptor < 0) return;
     close(descriptor);
-    // Mode 0: the modes that log would come back here.
-    SysCmd(CMD_TOUCH, 0, "%s", ShArg(path).c_str());
-    SysCmd(CMD_CHMOD, 0, "666 %s", ShArg(path).c_str());
+    if (pOpenUpLog) pOpenUpLog(path);
 }
 
 static void WriteLog(const char *path, const std::string &text) {
@@ -628,10 +543,6 @@ void PutLogMsg(const char *format, ...) {
     flInside = false;
 }
 
-void exit_app(int status) {
-    exit(status);
-}
-
 // ---- The process and its host
 
 char *GetEnv(const char *name) {
@@ -639,62 +550,9 @@ char *GetEnv(const char *name) {
     return value ? SaveStr_(value) : nullptr;
 }
 
-static char *AskWhoami(const char *command) {
-    char buffer[LINEBUF_SIZE];
-    fflush(stdout);
-    FILE *stream = pPopen(command, "re");
-    if (!stream) return nullptr;
-    if (!fgets(buffer, sizeof(buffer), stream)) buffer[0] = '\0';
-    pPclose(stream);
-    buffer[strcspn(buffer, "\r\n")] = '\0';
-    return SaveStr_(buffer);
-}
-
-char *GetUserName() {
-    if (char *command = GetCmd(CMD_WHOAMI)) {
-        char *user = AskWhoami(command);
-        PutMem(command);
-        return user;
-    }
-    uid_t id = getuid();
-    return id == 0 ? SaveStr_("root") : SaveStr("User ID:  %d", static_cast<int>(id));
-}
-
 char *GetHostname() {
     char buffer[HOST_NAME_MAX + 1];
     if (gethostname(buffer, sizeof(buffer)) != 0) return nullptr;
     buffer[sizeof(buffer) - 1] = '\0';
     return SaveStr_(buffer);
-}
-
-void SysCmdP(int mode, const char *format, ...) {
-    va_list args;
-    va_start(args, format);
-    std::string line = FormatV(format, args);
-    va_end(args);
-    bool flReport = mode == 1 || mode == 2;
-    if (flReport) printf("%s\n", line.c_str());
-    fflush(stdout);
-    errno = 0;
-    int status = pSystem(line.c_str());
-    if (flReport && status != 0 && status >> 7 != 4) { // 4: the shell's exit code 2
-        if (errno == 0) errno = EIO;
-        perror(my_name);
-        if (mode == 2) exit_app(1);
-    }
-    pSystem("/usr/bin/sleep 1");
-}
-
-int SniffLprng() {
-    if (!TestCmd(CMD_LPD)) return 0;
-    ResponseNode *answer = GetCmdResponse(CMD_LPD, "LPRng", " -V 2>&1");
-    FreeResponseList(answer);
-    return answer != nullptr;
-}
-
-int SniffCUPS() {
-    if (!TestCmd(CMD_PS)) return 0;
-    char *running = CheckProcTableForExecs("cupsd");
-    PutMem(running);
-    return running != nullptr;
 }

@@ -1,9 +1,10 @@
-// Files, paths and error reports: the system's thin layer over the host's file system and process.
+// Files, paths and the log: the system's thin layer over the host's file system.
 //
 // One file is read at a time (pIn), into one line buffer (LineBuf or Line); opening a second one ends the
-// first. Files are created, moved and removed by the host's commands, so that the command log shows it; such
-// a command runs in mode 2 of SysCmd, and its failure ends the program with status 1.
+// first. What runs the host's commands to change a file is in SysFile.h.
 #pragma once
+
+#include "common/Report.h"
 
 #include <climits>
 #include <cstdarg>
@@ -16,26 +17,25 @@
 
 enum { LINEBUF_SIZE = 4096, LINE_SIZE = 262143, INPUT_LINE = 512 };
 enum { FILE_OPEN, FILE_ENDED, FILE_FAILED };                  // FileStatus
-enum { ERR_SILENT, ERR_WARN, ERR_FATAL };                     // error levels of the open functions
 enum { TYPE_MISSING, TYPE_DIRECTORY, TYPE_LINK, TYPE_OTHER }; // GetFileType
 
 extern FILE *pIn;  // current input file; writers: OpenInputFile, CloseInputFile, GetFileLine
 extern FILE *pOut; // current output file; its writers open and close it
 extern char InputFileName[PATH_MAX]; // last name given to OpenInputFile
 extern int FileStatus;
-extern char LineBuf[LINEBUF_SIZE]; // line buffer, shared with the terminal menus
-extern int LineLen;                // bytes in front of the last continuation line in LineBuf
-extern char Line[LINE_SIZE + 1];   // scratch, and the line of GetLine
-extern char *const pLine;          // Line
-extern int LineCnt;                // physical lines that the last GetLine used
-extern long InPos;                 // offset in pIn of the last physical line of GetLine
-extern int flInputFilterState;     // GetLine takes comments out
-extern long SavedFileSize;         // bytes found by the last GetSavedFileContent
-extern const char *my_name;        // the program's name in messages and of its log; writer: main
-extern int flUseLog;               // PutLogMsg writes; writer: main
-extern FILE *pLog;                 // open only while a message is written
-extern const char *pLogPath;       // directory of the log; "/tmp" from the first message on
-extern char *pToolPath;            // absolute tool directory; writer: main
+extern char LineBuf[LINEBUF_SIZE];           // line buffer, shared with the terminal menus
+extern int LineLen;                          // bytes in front of the last continuation line in LineBuf
+extern char Line[LINE_SIZE + 1];             // scratch, and the line of GetLine
+extern char *const pLine;                    // Line
+extern int LineCnt;                          // physical lines that the last GetLine used
+extern long InPos;                           // offset in pIn of the last physical line of GetLine
+extern int flInputFilterState;               // GetLine takes comments out
+extern long SavedFileSize;                   // bytes found by the last GetSavedFileContent
+extern int flUseLog;                         // PutLogMsg writes; writer: main
+extern FILE *pLog;                           // open only while a message is written
+extern const char *pLogPath;                 // directory of the log; "/tmp" from the first message on
+extern void (*pOpenUpLog)(const char *path); // touch and chmod for a log just made; writer: InitSysCmdList
+extern char *pToolPath;                      // absolute tool directory; writer: main
 
 // ---- Paths
 // Buffer: each function has a static one of its own of PATH_MAX bytes, valid until its next call. The
@@ -52,6 +52,9 @@ char *GenName(const char *text); // "big color-4" gives "BigColor4"; what preced
 // The deepest existing directory on the path, links followed; *flWhole (may be null) tells if it is the path
 // itself. Null if not even "/" or "." can be asked. Owns: the result.
 [[nodiscard]] char *FindExistingPath(const char *path, int *flWhole);
+
+// "directory/name"; one alone if the other is null or empty.
+std::string JoinPath(const char *directory, const char *name);
 
 // ---- Finding and listing
 
@@ -119,54 +122,20 @@ int GetFileContentR(const char *path, const char *name, char *buffer, size_t siz
 // empty text. SavedFileSize tells the bytes, which may hold NULs. Owns: the result.
 [[nodiscard]] char *GetSavedFileContent(const char *path, const char *name);
 
-// ---- Creating and removing
-// The paths may hold any character: they are quoted here. Each command is logged and shows as a dot, but mv.
+// ---- Writing
 
-// Makes the directory (mkdir -p) if FindFile does not find it; touches the file, if there is a name; then
-// sets mode, owner and group (each may be null) of the file, or of the directory if there is no name.
-void CreateFile(const char *directory, const char *name, const char *mode, const char *owner,
-                const char *group);
 // 1 if the text was written and, unless 0, the file mode set; else 0 with a message on standard error.
 [[gnu::format(printf, 4, 5)]] int CreateTextFile(const char *path, const char *mode, int fileMode,
                                                  const char *format, ...);
-// Both do nothing if FindFile does not find the file. DeleteFile_ with a null name takes the path apart.
-void DeleteFile(const char *directory, const char *name);
-void DeleteFile_(const char *path, const char *name);
-void RenameFile(const char *directory, const char *from, const char *to); // does nothing if from is missing
-
-// ---- Reporting
-// All flush standard output first, so that the texts stand in their order.
-
-// "\nNAME: MESSAGE : system error" on standard error. Ends: with status 1.
-[[noreturn, gnu::format(printf, 1, 2)]] void SysError(const char *format, ...);
-// ERR_WARN prints "WARNING: ...", ERR_FATAL "ERROR: ..." on standard error; other levels nothing.
-// Ends: at ERR_FATAL, with the status.
-[[gnu::format(printf, 3, 4)]] void ErrorMsg(int level, int status, const char *format, ...);
-[[gnu::format(printf, 1, 2)]] void errormsg(const char *format, ...); // "NAME: ...\n" on standard error
 // Appends to /tmp/NAME.log while flUseLog is set; the first message of the process empties it. A log that is
 // a link, no regular file or not writable is left alone, with a message on standard error.
 [[gnu::format(printf, 1, 2)]] void PutLogMsg(const char *format, ...);
 // True if a log at this path may be appended to; it is made if it is missing. The command road asks this
 // before it names the log in a redirection.
 bool TestLogFile(const char *path);
-[[noreturn]] void exit_app(int status);
 
 // ---- The process and its host
 
-// Owns: the results of these three; null if there is no such variable, whoami can't be started, there is no
-// name.
+// Owns: the result; null if there is no such variable, no name.
 [[nodiscard]] char *GetEnv(const char *name);
-[[nodiscard]] char *GetUserName(); // by whoami; empty for a user without a name
 [[nodiscard]] char *GetHostname();
-// Runs a line as it stands, then sleeps a second. Modes 1 and 2 print it first and report a failure, but not
-// exit code 2. Ends: in mode 2 after a report, with status 1.
-[[gnu::format(printf, 2, 3)]] void SysCmdP(int mode, const char *format, ...);
-// 1 if the print daemon calls itself LPRng, if a cupsd runs. 0 where lpd or ps is missing.
-int SniffLprng();
-int SniffCUPS();
-
-// The formatted text, of any length.
-[[gnu::format(printf, 1, 0)]] std::string FormatV(const char *format, va_list args);
-// The number at the start of the text, 0 without one; beyond an int its limit. *end (may be null) is what
-// follows it.
-int ParseInt(const char *text, const char **end = nullptr, int base = 10);

@@ -4,11 +4,11 @@
 #include "tools/mkcat.cpp"
 #undef main
 
-#include <sys/mman.h>
-#include <unistd.h>
-
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
+
+#include <sys/mman.h>
+#include <unistd.h>
 
 static void Require(bool flHolds) {
     if (!flHolds) abort();

@@ -1,9 +1,9 @@
 // Any text as the control file of a job, its first line as user name, and as the line of ls for some files.
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
-#include "common/prnoutbase.h"
 #include "common/utils.h"
 #include "fuzz/FuzzDir.h"
+#include "print/prnoutbase.h"
 
 #include <algorithm>
 #include <cstdint>

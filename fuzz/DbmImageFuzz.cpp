@@ -1,6 +1,7 @@
 // Any bytes as a database in memory: the index finds what a walk finds, the walk of a headerless file what
 // the stream layer reads, and edits keep the other records.
 #include "common/DbmT.h"
+#include "common/MemMgr.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -9,8 +10,6 @@
 #include <sys/mman.h>
 #include <unistd.h>
 #include <vector>
-
-#include "common/MemMgr.h"
 
 static void Require(bool flHolds) {
     if (!flHolds) abort();

@@ -1,10 +1,9 @@
 // Formats of window objects, run without a display: one line for each of the objects gives its format, each
 // line behind them an event: the object's letter, then a number. Names of objects that are not there do
 // nothing.
+#include "common/MemMgr.h"
 #include "xmt/XmtFormat.h"
 #include "xmt/XmtUtils.h"
-
-#include "common/MemMgr.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 // A page of the manual: read, laid out, and every link of it followed.
+#include "help/html.h"
+
 #include "common/MemMgr.h"
-#include "common/html.h"
 
 #include <cstdio>
 #include <cstdlib>

@@ -1,12 +1,12 @@
 // Any file through the two line readers: they end, stay within their buffers and count what they use.
+#include "common/utils.h"
+
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include "common/utils.h"
 
 static void Require(bool flTrue) {
     if (!flTrue) abort();

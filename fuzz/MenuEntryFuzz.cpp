@@ -1,6 +1,7 @@
 // Entry validation: the first line is the format, the rest the entry. The result is a code, and the same from
 // LineBuf.
-#include "common/MenuEntry.h"
+#include "menu/MenuEntry.h"
+
 #include "common/utils.h"
 #include "fuzz/Quiet.h"
 

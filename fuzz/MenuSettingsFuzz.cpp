@@ -1,7 +1,7 @@
 // Settings files: whatever was loaded, storing it and loading that again gives the same file.
-#include "common/TextMenu.h"
 #include "common/utils.h"
 #include "fuzz/Quiet.h"
+#include "menu/TextMenu.h"
 
 #include <cstdint>
 #include <cstdlib>

@@ -1,6 +1,7 @@
 // State formats, conditions and choices: one text a line, for a menu of four items. Line 1 and 2 are state
 // formats, 3 the conditions of a submenu item, 4 a choices list; the lines behind them select items.
-#include "common/MenuState.h"
+#include "menu/MenuState.h"
+
 #include "fuzz/Quiet.h"
 
 #include <cstdint>

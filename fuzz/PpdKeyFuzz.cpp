@@ -1,7 +1,7 @@
 // The match of a printer's text against a model's key, and the item that the key is: the input is a record of
 // a model and, behind its first zero byte, the text.
 #include "common/MemMgr.h"
-#include "common/PrdCommonUtils.h"
+#include "print/PrdCommonUtils.h"
 
 #include <cstdint>
 #include <cstdlib>

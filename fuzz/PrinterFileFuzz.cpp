@@ -2,9 +2,9 @@
 // ends.
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/prnoutbase.h"
 #include "common/utils.h"
 #include "fuzz/FuzzDir.h"
+#include "print/prnoutbase.h"
 
 #include <cstdint>
 #include <cstring>

@@ -1,8 +1,9 @@
 // Datagrams at a simulated printer, ahead of a reset and behind it: what it sends back is one message, and
 // the manager's decoder takes it.
+#include "tools/prnsim/SimAgent.h"
+
 #include "SnmpPkg/Decode.h"
 #include "fuzz/FuzzDir.h"
-#include "tools/prnsim/SimAgent.h"
 
 #include <cstring>
 

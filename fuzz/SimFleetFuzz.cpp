@@ -1,7 +1,8 @@
 // A description, or a recorded walk behind its first byte: a fault or a fleet; a walk over a printer is
 // ascending and finds what a look-up finds, and its dump, read as a recording, is the same walk.
-#include "fuzz/FuzzDir.h"
 #include "tools/prnsim/SimFleet.h"
+
+#include "fuzz/FuzzDir.h"
 
 static std::unique_ptr<SimFleet> Read(const char *name) {
     try {

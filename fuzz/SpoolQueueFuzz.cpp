@@ -1,8 +1,8 @@
 // Any text as a job list: nothing but junk in front, and the job that is deleted, ever leaves it.
 #include "common/MemMgr.h"
-#include "common/prnoutbase.h"
 #include "common/utils.h"
 #include "fuzz/FuzzDir.h"
+#include "print/prnoutbase.h"
 
 #include <cstdint>
 #include <cstring>

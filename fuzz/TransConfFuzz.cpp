@@ -1,4 +1,8 @@
 // Any text as the language table, and any value of LANG, which stands in its first line.
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/utils.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
@@ -6,10 +10,6 @@
 #include <string>
 #include <sys/mman.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/NlsUtils.h"
-#include "common/utils.h"
 
 static void Require(bool flHolds) {
     if (!flHolds) abort();

@@ -1,9 +1,10 @@
 // Entry validation of text fields: a line of format, a line typed, the rest is the text before; the first
 // three bytes are the places of the change. Checked as what it is and as a change of a plain and of a masked
 // field.
-#include "common/MemMgr.h"
-#include "common/MenuEntry.h"
 #include "xmt/XmtValidate.h"
+
+#include "common/MemMgr.h"
+#include "menu/MenuEntry.h"
 
 #include <cstdint>
 #include <cstdio>

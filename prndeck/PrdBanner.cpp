@@ -1,11 +1,13 @@
 // Banner titles: reader and writer of the text, and the banner menu of the terminal.
 #include "prndeck/PrdBanner.h"
 
-#include "common/MainUtils.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
+#include "common/SysFile.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "menu/MenuText.h"
+#include "print/MainUtils.h"
 #include "prndeck/PrdQueLine.h"
 
 #include <algorithm>

@@ -7,7 +7,7 @@
 //     .h3 12 second floor
 #pragma once
 
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
 #include <string>
 

@@ -1,12 +1,12 @@
 // The table of printers.
 #include "prndeck/PrdDisc.h"
 
-#include <cstdio>
-#include <cstring>
-
 #include "SnmpPkg/Pkg.h"
 #include "common/MemMgr.h"
 #include "common/utils.h"
+
+#include <cstdio>
+#include <cstring>
 
 enum { HW_BYTES = 6 };
 static constexpr char NoHwAddress[] = "00:00:00:00:00:00";

@@ -1,15 +1,11 @@
 // The window face: its start and the handler of its events.
 #include "prndeck/PrdGui.h"
 
-#include <cstdio>
-#include <cstring>
-#include <iterator>
-
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
 #include "common/SysCmd.h"
 #include "common/utils.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/Prd.h"
 #include "prndeck/PrdDisc.h"
 #include "prndeck/PrdGuiDesc.h"
@@ -20,6 +16,10 @@
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
+
+#include <cstdio>
+#include <cstring>
+#include <iterator>
 
 enum { FIRST_DISCOVERY_SECONDS = 2 };
 enum { LIST_INDENT = 3 }; // pixels that a list's frame shifts its rows against the title

@@ -16,8 +16,8 @@ int OpenWindowFace();
 // 0 if the display can't be opened; 1 when the main loop was left. Ends: with 0 by the entry Exit, and when
 // the main window is closed.
 int RunGui();
-// Reads the macros that every window uses, with the fonts and the names of channel states of the catalogues. The
-// display must be open.
+// Reads the macros that every window uses, with the fonts and the names of channel states of the catalogues.
+// The display must be open.
 void GenMacros();
 // Makes all windows, and sets what can be used before a printer is selected. The display must be open.
 void GenGui();

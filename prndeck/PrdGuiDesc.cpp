@@ -1,10 +1,10 @@
 // The windows as texts.
 #include "prndeck/PrdGuiDesc.h"
 
+#include "common/NlsUtils.h"
+
 #include <cstring>
 #include <vector>
-
-#include "common/NlsUtils.h"
 
 // Ids that the program knows: 102 add queue, 103 to 105 the other queue entries, 107 discovery, 108 to 115
 // the printer's entries, 117 help, 120 Exit, 124 web page, 130 the list, 131 refresh. The entries of the menu

@@ -1,18 +1,18 @@
 // The printer list of the main window, and the panel of the selected printer.
 #include "prndeck/PrdGui.h"
 
+#include "SnmpPkg/Pkg.h"
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "print/PrdCommonUtils.h"
+#include "prndeck/PrdDisc.h"
+#include "xmt/XmtMsg.h"
+#include "xmt/XmtUtils.h"
+
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-
-#include "SnmpPkg/Pkg.h"
-#include "common/MemMgr.h"
-#include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
-#include "prndeck/PrdDisc.h"
-#include "xmt/XmtMsg.h"
-#include "xmt/XmtUtils.h"
 
 enum { LIST_SET = 20, LIST_TITLE = 10, LIST_COLUMNS = 5, LIST_READ_FAILED = 88 };
 enum { PANEL_WIDTH = 75 }; // characters of a line in the panel

@@ -1,10 +1,11 @@
 // The command lines for prnqtool and the driver front end.
 #include "prndeck/PrdQueLine.h"
 
-#include "common/MainUtils.h"
-#include "common/PrdCommonUtils.h"
 #include "common/SysCmd.h"
+#include "common/SysFile.h"
 #include "common/utils.h"
+#include "print/MainUtils.h"
+#include "print/PrdCommonUtils.h"
 
 #include <string_view>
 

@@ -4,9 +4,9 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
+#include "print/PrdCommonUtils.h"
 
 #include <cstdio>
 #include <cstring>

@@ -5,8 +5,8 @@
 // menu reads the lists anew.
 #pragma once
 
-#include "common/MainUtils.h"
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
+#include "print/MainUtils.h"
 #include "prndeck/PrdQueLine.h"
 
 #include <string>

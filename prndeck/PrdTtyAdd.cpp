@@ -1,10 +1,10 @@
 // Add a queue at the terminal.
 #include "prndeck/PrdTty.h"
 
-#include "common/MenuState.h"
-#include "common/PrdCommonUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
+#include "menu/MenuState.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/PrdBanner.h"
 
 #include <initializer_list>

@@ -3,8 +3,9 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
 #include "common/Token.h"
+#include "menu/MenuText.h"
+#include "print/PrdCommonUtils.h"
 
 #include <cstdio>
 #include <iterator>

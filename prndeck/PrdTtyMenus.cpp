@@ -3,9 +3,11 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "help/HelpTty.h"
+#include "menu/MenuText.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/Prd.h"
 
 #include <cstdio>
@@ -96,6 +98,7 @@ static void InitTables() {
     static bool done;
     if (done) return;
     done = true;
+    pTtyHelp = TtyHtmlHelp;
     pTtyHtmlName = GetManualName();
     pTtyHtmlTitle = PRD_FAMILY " Administration Help";
     ConvertTables();

@@ -3,10 +3,10 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/PrdGui.h"
 
 #include <algorithm>

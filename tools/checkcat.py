@@ -19,7 +19,7 @@ from pathlib import Path
 REFERENCE = "en_US"
 CORE, HELP, STRINGS = "CoreString", "PrtHelp", "PrtString"
 MENU_TEXT, FETCH, TOPIC, TTY_SET = 127, 2047, 63, 25
-FOLDERS = ("common", "SnmpPkg", "xmt", "prndeck", "siblings")
+FOLDERS = ("common", "menu", "help", "print", "SnmpPkg", "xmt", "prndeck", "siblings")
 WINDOWS = "prndeck/PrdGuiDesc.cpp"
 FETCHERS = "NlsUtils"  # its own sources hand numbers through
 

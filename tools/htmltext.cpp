@@ -6,7 +6,7 @@
 // A page is a line "=== NAME LINES", that many lines of text, then a line for each link that the text shows,
 // "--> TARGET TEXT", and one for each name that a link can lead to, "--# NAME". Status 1 if the file or the
 // page isn't there. The checker of the manual reads this form.
-#include "common/html.h"
+#include "help/html.h"
 
 #include "common/utils.h"
 

@@ -6,6 +6,8 @@
 //
 // Faults in the source are told as FILE:LINE: TEXT, all of them, and end with status 1. doc/xdb.md tells the
 // form.
+#include "common/DbmT.h"
+
 #include <cctype>
 #include <climits>
 #include <cstdio>
@@ -15,8 +17,6 @@
 #include <string>
 #include <string_view>
 #include <vector>
-
-#include "common/DbmT.h"
 
 static const std::string_view EndLine = "$end";
 static FILE *pFaults = stderr; // where faults of sources and databases are told

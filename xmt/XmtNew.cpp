@@ -2,14 +2,6 @@
 // layers.
 #include "xmt/XmtNew.h"
 
-#include <cctype>
-#include <cstdarg>
-#include <cstdio>
-#include <cstdlib>
-#include <cstring>
-#include <iterator>
-#include <utility>
-
 #include "common/MemMgr.h"
 #include "common/Token.h"
 #include "common/utils.h"
@@ -19,6 +11,14 @@
 #include "xmt/XmtNewTab.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
+
+#include <cctype>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
+#include <utility>
 
 const char *pNewDesc = "";
 char *Macro[XMT_MACROS];

@@ -1,17 +1,17 @@
 // Arguments of objects: read into resources, sorted for compounds, read back.
 #include "xmt/XmtNewArgs.h"
 
-#include <cctype>
-#include <cstdlib>
-#include <cstring>
-#include <iterator>
-
 #include "common/MemMgr.h"
 #include "xmt/XmtColor.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewTab.h"
 #include "xmt/XmtUtils.h"
+
+#include <cctype>
+#include <cstdlib>
+#include <cstring>
+#include <iterator>
 
 int flHideObject;
 int flDefaultTabGroup;

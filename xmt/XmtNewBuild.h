@@ -12,8 +12,8 @@
 //   x_1 ...  items
 //   x_cb     cascade of a created option list
 //
-// and all but the overflow menus and the cascades bear the control's id. Nothing is destroyed: objects last as
-// long as the process.
+// and all but the overflow menus and the cascades bear the control's id. Nothing is destroyed: objects last
+// as long as the process.
 //
 // Nothing is reported. Without a parent, or under one that holds no children, no widget is made, and its
 // arguments are read all the same.

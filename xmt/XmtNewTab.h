@@ -90,7 +90,7 @@ void XmtSetPictureValue(XmtPictureEntry *entry, char operation, const char *text
 // Draws the picture into the window; nothing before the main loop.
 void XmtPictureDraw(XmtObjectData *object, Window window);
 void XmtPictureEventHandler(Widget widget, XtPointer object, XtPointer callData);
-extern const char DrawTranslations[]; // of drawing areas, so that keys and buttons reach them
+extern const char DrawTranslations[];     // of drawing areas, so that keys and buttons reach them
 void XmtAddDrawTranslations(Widget area); // with Tab leading on
 
 // A list box, read at the cursor: a scrolled list x in the form x_Form, which is the result, with box and

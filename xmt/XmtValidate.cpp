@@ -2,8 +2,8 @@
 #include "xmt/XmtValidate.h"
 
 #include "common/MemMgr.h"
-#include "common/MenuEntry.h"
 #include "common/NlsUtils.h"
+#include "menu/MenuEntry.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtUtils.h"
 

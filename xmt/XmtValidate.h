@@ -1,6 +1,6 @@
 // Entry validation on every change of a text field; the masked text object is built on it.
 //
-// The format of a text object is one of the entry validation language (common/MenuEntry.h), read for an entry
+// The format of a text object is one of the entry validation language (menu/MenuEntry.h), read for an entry
 // that is still being typed: "A0,14+-+_". What is otherwise here:
 //
 //   bounds     stand without a parenthesis, "d1,60"; those of x are hexadecimal

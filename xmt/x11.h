@@ -2,13 +2,13 @@
 // the test library, are taken back: 0, 1 and XtArgVal stand in their place.
 #pragma once
 
-#include <Xm/XmAll.h>
 #include <X11/Intrinsic.h>
 #include <X11/Shell.h>
 #include <X11/StringDefs.h>
 #include <X11/Xlib.h>
 #include <X11/Xutil.h>
 #include <X11/cursorfont.h>
+#include <Xm/XmAll.h>
 
 #undef Status
 #undef Bool

@@ -1,7 +1,7 @@
 // Which store has a queue, and which one gets a new one.
 #include "siblings/lib/Host.h"
 
-#include "common/MainUtils.h"
+#include "print/MainUtils.h"
 #include "siblings/lib/FileStore.h"
 
 #include <algorithm>

@@ -5,7 +5,7 @@
 // in words for the user.
 #pragma once
 
-#include "common/MainUtils.h"
+#include "print/MainUtils.h"
 
 #include <array>
 #include <string>

@@ -1,8 +1,8 @@
 // Directories, lists, job files and status of the spool.
 #include "siblings/lib/Spool.h"
 
-#include "common/prnoutbase.h"
 #include "common/utils.h"
+#include "print/prnoutbase.h"
 #include "siblings/lib/CupsBanner.h"
 #include "siblings/lib/Files.h"
 

@@ -1,6 +1,6 @@
 // Spool directories: the waiting jobs of one printer, as the whole family of tools reads them.
 //
-// A directory "ROOT/TOOLDIR/PRINTER" holds the list ".q" (common/prnoutbase.h), a line "cNAME dNAME" a job,
+// A directory "ROOT/TOOLDIR/PRINTER" holds the list ".q" (print/prnoutbase.h), a line "cNAME dNAME" a job,
 // oldest first; both files of each job; and ".status", a text for the user. The name tells whose job it is:
 //   c00062   digits: a job of the host's scheduler. The files are stubs that show it: owner, title and size
 //   cA00001  "A" and digits: a job of the tool's own store

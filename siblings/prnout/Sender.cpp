@@ -1,7 +1,7 @@
 // Detached work: delivery with retries, and the watch over the scheduler's jobs.
 #include "siblings/prnout/Sender.h"
 
-#include "common/prnoutbase.h"
+#include "print/prnoutbase.h"
 #include "siblings/lib/BannerPage.h"
 #include "siblings/lib/Child.h"
 #include "siblings/lib/CupsJobs.h"

@@ -2,9 +2,9 @@
 #include "siblings/prnpnxxtty/Dialogue.h"
 
 #include "common/NlsUtils.h"
-#include "common/Screen.h"
-#include "common/TextMenu.h"
 #include "common/utils.h"
+#include "menu/Screen.h"
+#include "menu/TextMenu.h"
 #include "siblings/prnpnxxtty/Settings.h"
 
 #include <algorithm>

@@ -1,12 +1,13 @@
 // Words, the model or queue that they name, and where the settings go.
 #include "siblings/prnpnxxtty/FrontEnd.h"
 
-#include "common/MainUtils.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
-#include "common/TextMenu.h"
 #include "common/utils.h"
+#include "help/HelpTty.h"
+#include "menu/TextMenu.h"
+#include "print/MainUtils.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Ppd.h"
 #include "siblings/lib/Queue.h"
@@ -138,6 +139,7 @@ static int RefuseWords(const std::string &error, int face, bool flTty) {
 static void OpenTerminal() {
     InitSysCmdList();
     pDrvCoreDB = NlsOpenDB("CoreString", DBT_NO_WRITE | DBT_NO_RELOAD);
+    pTtyHelp = TtyHtmlHelp;
     pTtyHtmlName = SaveStr("%s/help/QBguide-%s.html#features", pToolPath, pNLSLang ? pNLSLang : "en_US");
     pTtyHtmlTitle = "Tarvo Administration Help"; // until the page's own stands
 }

@@ -2,14 +2,14 @@
 // damage (of the stream layer too), and what a held back write leaves.
 #include "common/DbmT.h"
 
+#include "common/MemMgr.h"
+#include "tests/lib/Xdb.h"
+
 #include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <random>
 #include <sys/stat.h>
-
-#include "common/MemMgr.h"
-#include "tests/lib/Xdb.h"
 
 namespace fs = std::filesystem;
 

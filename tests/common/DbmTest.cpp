@@ -2,6 +2,10 @@
 // after a failed, refused or killed write. Damaged files are cut together with the image layer's.
 #include "common/Dbm.h"
 
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+#include "tests/lib/Xdb.h"
+
 #include <csignal>
 #include <filesystem>
 #include <gtest/gtest.h>
@@ -10,10 +14,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/SysCmd.h"
-#include "tests/lib/Xdb.h"
 
 namespace fs = std::filesystem;
 

@@ -1,12 +1,12 @@
 // The batch editor: what each change makes of a file, through the real shell.
 #include "common/FileEdit.h"
 
+#include "common/utils.h"
+#include "tests/lib/Capture.h"
+
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "common/utils.h"
-#include "tests/lib/Capture.h"
 
 static const std::string Long(505, 'x');
 static const char E[] = "conf";

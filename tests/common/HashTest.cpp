@@ -1,13 +1,12 @@
 // Hash tables: a random sequence against a model of the nodes, numeric keys and full tables.
 #include "common/Hash.h"
 
+#include "common/MemMgr.h"
+
+#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
-
-#include "common/MemMgr.h"
 
 // The nodes as they must be: hash value and probe written down once more, over plain records.
 struct ModelNode {

@@ -1,14 +1,13 @@
 // Lists: a random sequence against a plain model, and walks under change.
 #include "common/List.h"
 
+#include "common/MemMgr.h"
+
 #include <algorithm>
+#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <vector>
-
-#include <gtest/gtest.h>
-
-#include "common/MemMgr.h"
 
 // The items as one text; the two ways of walking must agree.
 static std::string Shown(ListHead *list) {

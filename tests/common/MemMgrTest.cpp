@@ -1,18 +1,17 @@
 // The manager against a plain first fit model, its failures, and the duplicators of texts.
 #include "common/MemMgr.h"
 
+#include "common/utils.h"
+
 #include <cerrno>
 #include <cstring>
 #include <fstream>
+#include <gtest/gtest.h>
 #include <map>
 #include <random>
 #include <string>
-#include <utility>
-
-#include <gtest/gtest.h>
 #include <sys/mman.h>
-
-#include "common/utils.h"
+#include <utility>
 
 static char *Get(size_t size) {
     return static_cast<char *>(GetMem(size));

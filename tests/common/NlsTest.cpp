@@ -1,12 +1,11 @@
 // Catalogues: the choice of the language, opening, every form of fetch, and guarded formats.
+#include "common/MemMgr.h"
 #include "common/NlsUtils.h"
+#include "tests/lib/Xdb.h"
 
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
-
-#include "common/MemMgr.h"
-#include "tests/lib/Xdb.h"
 
 static std::string Text(const std::string &text) {
     return text + '\0';

@@ -2,6 +2,10 @@
 // name.
 #include "common/SysCmd.h"
 
+#include "common/MemMgr.h"
+#include "common/utils.h"
+#include "tests/lib/Capture.h"
+
 #include <cerrno>
 #include <climits>
 #include <csignal>
@@ -11,10 +15,6 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/utils.h"
-#include "tests/lib/Capture.h"
 
 // Paths as on a plain host, logging by the table set up, and a log of this test's own.
 class Commands : public testing::Test {

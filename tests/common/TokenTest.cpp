@@ -1,16 +1,15 @@
 // The token scanner in its forms, lists of words with their sort, and the searches in texts.
 #include "common/Token.h"
 
+#include "common/MemMgr.h"
+
 #include <algorithm>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <random>
 #include <string>
 #include <strings.h>
 #include <vector>
-
-#include <gtest/gtest.h>
-
-#include "common/MemMgr.h"
 
 using Words = std::vector<std::string>;
 

@@ -1,16 +1,17 @@
 // Paths taken apart, files found and read line by line, files made by commands, reports, and the log.
 #include "common/utils.h"
 
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+#include "common/SysFile.h"
+#include "tests/lib/Capture.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/SysCmd.h"
-#include "tests/lib/Capture.h"
 
 TEST(Paths, TakenApart) {
     const std::string deep = "/" + std::string(300, 'd');

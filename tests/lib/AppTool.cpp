@@ -1,12 +1,12 @@
 // A tool directory with what the application reads.
 #include "tests/lib/AppTool.h"
 
-#include <cstdint>
-
 #include "common/MemMgr.h"
-#include "common/PrdCommonUtils.h"
 #include "common/utils.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/Prd.h"
+
+#include <cstdint>
 
 AppTool::AppTool() : savedUseLog(flUseLog) {
     flUseLog = 0;

@@ -1,10 +1,10 @@
 // A tool directory with what the application reads: databases, PPD files, records of queues.
 #pragma once
 
+#include "tests/lib/Xdb.h"
+
 #include <string>
 #include <vector>
-
-#include "tests/lib/Xdb.h"
 
 // The log is off while it lives.
 class AppTool : public ToolDir {

@@ -1,6 +1,9 @@
 // Scratch directories, captured output, forked runs and the stand-ins for starting processes.
 #include "tests/lib/Capture.h"
 
+#include "common/MemMgr.h"
+#include "common/SysCmd.h"
+
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
@@ -10,9 +13,6 @@
 #include <sys/mman.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "common/MemMgr.h"
-#include "common/SysCmd.h"
 
 enum { CHILD_SECONDS = 60 };
 

@@ -1,9 +1,9 @@
 #include "tests/lib/MenuDump.h"
 
-#include "common/MenuState.h"
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
+#include "menu/MenuState.h"
 
 #include <cstdio>
 #include <cstring>

@@ -2,7 +2,7 @@
 // transcript.
 #pragma once
 
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
 #include <string>
 

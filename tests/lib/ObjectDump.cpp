@@ -5,8 +5,10 @@
 #include "xmt/XmtString.h"
 #include "xmt/XmtUtils.h"
 
-#include <X11/IntrinsicP.h>
+// clang-format off
+#include <X11/IntrinsicP.h> // the next one needs it
 #include <X11/CoreP.h>
+// clang-format on
 #include <cstring>
 #include <sstream>
 

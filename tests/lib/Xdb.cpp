@@ -1,14 +1,14 @@
 // Runs xdb.py for the unit tests, and gives them a tool directory.
 #include "tests/lib/Xdb.h"
 
+#include "common/utils.h"
+
 #include <cctype>
 #include <cstdio>
 #include <filesystem>
 #include <sstream>
 #include <stdexcept>
 #include <sys/wait.h>
-
-#include "common/utils.h"
 
 namespace fs = std::filesystem;
 

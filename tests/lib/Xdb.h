@@ -1,11 +1,11 @@
 // Databases for tests: a tool directory of their own, and the independent reader and writer xdb.py.
 #pragma once
 
+#include "tests/lib/Capture.h"
+
 #include <string>
 #include <utility>
 #include <vector>
-
-#include "tests/lib/Capture.h"
 
 typedef std::vector<std::pair<std::string, std::string>> Records; // key, data
 

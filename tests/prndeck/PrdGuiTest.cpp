@@ -2,21 +2,21 @@
 // printers.
 #include "prndeck/PrdGui.h"
 
+#include "SnmpPkg/Pkg.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/PrdCommonUtils.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/Prd.h"
 #include "prndeck/PrdDisc.h"
 #include "tests/lib/AppTool.h"
 #include "tests/lib/SnmpAgent.h"
 #include "tests/lib/WindowRig.h"
 #include "tests/lib/WindowUser.h"
-#include "SnmpPkg/Pkg.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtUtils.h"
 
-#include <gtest/gtest.h>
 #include <cstring>
+#include <gtest/gtest.h>
 #include <map>
 #include <memory>
 

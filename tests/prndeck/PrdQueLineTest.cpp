@@ -1,9 +1,10 @@
 // The lines that add and modify a queue, byte for byte.
 #include "prndeck/PrdQueLine.h"
 
-#include "common/MainUtils.h"
-#include "common/PrdCommonUtils.h"
+#include "common/SysFile.h"
 #include "common/utils.h"
+#include "print/MainUtils.h"
+#include "print/PrdCommonUtils.h"
 #include "tests/lib/AppTool.h"
 
 #include <cstring>

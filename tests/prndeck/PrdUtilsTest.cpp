@@ -2,8 +2,8 @@
 #include "prndeck/Prd.h"
 
 #include "common/MemMgr.h"
-#include "common/PrdCommonUtils.h"
 #include "common/utils.h"
+#include "print/PrdCommonUtils.h"
 #include "tests/lib/AppTool.h"
 
 #include <gtest/gtest.h>

@@ -1,7 +1,8 @@
 // Colours: the table against the server's own names, texts to pixels while the colormap has room, when it is
 // full, and where it can't run out; fonts.
-#include "tests/lib/WindowRig.h"
 #include "xmt/XmtColor.h"
+
+#include "tests/lib/WindowRig.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNewArgs.h"
 #include "xmt/XmtUtils.h"

@@ -10,7 +10,6 @@
 #include "xmt/XmtUtils.h"
 
 #include <X11/IntrinsicP.h>
-
 #include <chrono>
 #include <csignal>
 #include <cstring>

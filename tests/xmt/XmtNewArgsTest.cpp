@@ -2,11 +2,11 @@
 // display.
 #include "xmt/XmtNewArgs.h"
 
-#include <gtest/gtest.h>
-
 #include "common/MemMgr.h"
 #include "tests/lib/DescDump.h"
 #include "xmt/XmtNew.h"
+
+#include <gtest/gtest.h>
 
 TEST(FillInfo, TurnsArgumentsIntoResources) {
     static const struct {

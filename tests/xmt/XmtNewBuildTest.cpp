@@ -1,5 +1,7 @@
 // Objects made from descriptions: names, numbers, types and places of all parts, and what Motif holds of
 // them.
+#include "xmt/XmtNew.h"
+
 #include "common/MemMgr.h"
 #include "prndeck/PrdGuiMacros.h"
 #include "tests/lib/Capture.h"
@@ -7,7 +9,6 @@
 #include "tests/lib/ObjectDump.h"
 #include "tests/lib/WindowRig.h"
 #include "tests/lib/WindowUser.h"
-#include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtString.h"

@@ -1,11 +1,12 @@
 // Tab forms by the order of their windows, pictures by their pixels, list boxes, images.
+#include "xmt/XmtNew.h"
+
 #include "common/MemMgr.h"
 #include "tests/lib/AppTool.h"
 #include "tests/lib/ObjectDump.h"
 #include "tests/lib/WindowRig.h"
 #include "tests/lib/WindowUser.h"
 #include "xmt/XmtEvent.h"
-#include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewTab.h"
 #include "xmt/XmtNewWin.h"

@@ -1,13 +1,13 @@
 // Statements, macros and value readers of descriptions, on a recording table: no display is needed.
 #include "xmt/XmtNew.h"
 
-#include <gtest/gtest.h>
-
 #include "common/MemMgr.h"
 #include "common/Token.h"
 #include "prndeck/PrdGuiMacros.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/DescDump.h"
+
+#include <gtest/gtest.h>
 
 static void LoadMacros() {
     std::string text = MainMacroDesc;

@@ -1,4 +1,6 @@
 // Main windows, dialogs and menu bars: what their texts make, and what a user's mouse and keys do to them.
+#include "xmt/XmtNew.h"
+
 #include "common/MemMgr.h"
 #include "tests/lib/AppTool.h"
 #include "tests/lib/ObjectDump.h"
@@ -6,13 +8,14 @@
 #include "tests/lib/WindowUser.h"
 #include "xmt/XmtColor.h"
 #include "xmt/XmtEvent.h"
-#include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
-#include <X11/IntrinsicP.h>
+// clang-format off
+#include <X11/IntrinsicP.h> // the next one needs it
 #include <X11/CoreP.h>
+// clang-format on
 #include <gtest/gtest.h>
 
 class Windows : public WindowTest {

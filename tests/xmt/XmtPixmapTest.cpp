@@ -1,10 +1,11 @@
 // Images: the three formats, for labels and for pictures, whole and damaged; merging; the copy on the server.
 // An image is compared as text: one letter a pixel, '-' transparent, '+' the picture's background, '.' 0.
+#include "xmt/XmtPixmap.h"
+
 #include "tests/lib/WindowRig.h"
 #include "xmt/XmtColor.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNewArgs.h"
-#include "xmt/XmtPixmap.h"
 #include "xmt/gif.h"
 
 #include <climits>

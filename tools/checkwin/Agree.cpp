@@ -1,6 +1,5 @@
 // Asks the running reader what it would make, so that the checker's own reading can be held against it.
 #include "tools/checkwin/Reader.h"
-
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewArgs.h"
 #include "xmt/XmtNewTab.h"

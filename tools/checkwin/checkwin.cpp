@@ -6,14 +6,13 @@
 // STAGE is a tool directory, for texts and pictures. Each fault is a line "description:line:column: what";
 // the line and column are those of the description's text, of a macro call for what comes out of the macro.
 // Status 0 if there is none, 1 if there is, 2 if it could not be looked for.
+#include "common/DbmT.h"
+#include "prndeck/PrdGuiDesc.h"
+#include "prndeck/PrdGuiMacros.h"
 #include "tools/checkwin/Args.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Reader.h"
 #include "tools/checkwin/Report.h"
-
-#include "common/DbmT.h"
-#include "prndeck/PrdGuiDesc.h"
-#include "prndeck/PrdGuiMacros.h"
 
 #include <cstdio>
 #include <cstring>

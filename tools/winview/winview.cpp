@@ -13,13 +13,12 @@
 // STAGE is a tool directory, for texts and pictures. Each event that would reach the program is a line "name
 // id reason value text". It ends when the window is closed. Status 0; 1 if there is nothing to show or it
 // can't be saved, 2 for wrong words.
-#include "tools/winview/Picture.h"
-
 #include "common/NlsUtils.h"
 #include "common/utils.h"
 #include "prndeck/Prd.h"
 #include "prndeck/PrdGui.h"
 #include "prndeck/PrdGuiDesc.h"
+#include "tools/winview/Picture.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewWin.h"

@@ -1,11 +1,11 @@
 // The terminal menus: a screen byte for byte, selections and entries, leaving and settings files.
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
 #include "common/MemMgr.h"
-#include "common/MenuState.h"
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
 #include "common/utils.h"
+#include "menu/MenuState.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/MenuDump.h"
 

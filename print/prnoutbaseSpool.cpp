@@ -1,8 +1,9 @@
 // The spool store: job list, lock and mailbox.
-#include "common/prnoutbase.h"
+#include "print/prnoutbase.h"
 
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
+#include "common/SysFile.h"
 #include "common/utils.h"
 
 #include <algorithm>

@@ -1,5 +1,10 @@
 // Printer configuration, job files, and the spool store under several processes at once.
-#include "common/prnoutbase.h"
+#include "print/prnoutbase.h"
+
+#include "common/SysCmd.h"
+#include "common/utils.h"
+#include "print/MainUtils.h"
+#include "tests/lib/Xdb.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -10,11 +15,6 @@
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
-
-#include "common/MainUtils.h"
-#include "common/SysCmd.h"
-#include "common/utils.h"
-#include "tests/lib/Xdb.h"
 
 namespace fs = std::filesystem;
 

@@ -1,5 +1,5 @@
 // Reads the manual's HTML subset into pages of tokens, follows links and keeps the history.
-#include "common/html.h"
+#include "help/html.h"
 
 #include "common/MemMgr.h"
 #include "common/Token.h"

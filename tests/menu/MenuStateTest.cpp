@@ -1,5 +1,5 @@
 // State formats, conditions and choices: what they do to the items of a menu.
-#include "common/MenuState.h"
+#include "menu/MenuState.h"
 
 #include "tests/lib/MenuDump.h"
 

@@ -1,5 +1,10 @@
 // What is drawn stays in the buffer; the choices of a pick list; the passphrase on a terminal.
-#include "common/Screen.h"
+#include "menu/Screen.h"
+
+#include "common/MemMgr.h"
+#include "menu/TextMenu.h"
+#include "tests/lib/Capture.h"
+#include "tests/lib/MenuDump.h"
 
 #include <cerrno>
 #include <csignal>
@@ -15,11 +20,6 @@
 #include <termios.h>
 #include <unistd.h>
 #include <vector>
-
-#include "common/MemMgr.h"
-#include "common/TextMenu.h"
-#include "tests/lib/Capture.h"
-#include "tests/lib/MenuDump.h"
 
 // ---- A child on a terminal
 

@@ -1,8 +1,8 @@
 // The entry validation language: code, message and lines read for each element and the ways through a format.
-#include "common/MenuEntry.h"
+#include "menu/MenuEntry.h"
 
-#include "common/TextMenu.h"
 #include "common/utils.h"
+#include "menu/TextMenu.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/MenuDump.h"
 

@@ -101,7 +101,8 @@ extern char
 extern const char *pTtyHtmlName;
 extern const char *pTtyHtmlData;
 extern const char *pTtyHtmlTitle;
-// Shows the help page of the three values: TtyHtmlHelp, unless a test puts its own here.
+// Shows the help page of the three values; null: there is no help. Writers: the program's start
+// (TtyHtmlHelp), tests.
 extern void (*pTtyHelp)(const char *name, const char *data, const char *title);
 
 // Runs the menu to its end; always 0. A settings file is loaded over the defaults before the first screen;

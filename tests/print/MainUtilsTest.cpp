@@ -1,5 +1,5 @@
 // Queue records, short, long and damaged; the marker file; the lists of queues.
-#include "common/MainUtils.h"
+#include "print/MainUtils.h"
 
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"

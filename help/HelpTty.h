@@ -1,7 +1,7 @@
 // The manual at the terminal: the page is the text of a menu, its links are the numbered items.
 #pragma once
 
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
 extern TextMenu HelpMenu;
 extern TextMenuItem *HelpMenuItems;

@@ -3,7 +3,7 @@
 // The grid is 132 cells wide; a longer text runs over into the lines below, as in one long row of cells.
 // Outside a table the layout never goes back up, so the lines above the current one are packed away as it
 // goes: the grid holds a screenful, or the table that is being drawn.
-#include "common/html.h"
+#include "help/html.h"
 
 #include "common/MemMgr.h"
 #include "common/Token.h"

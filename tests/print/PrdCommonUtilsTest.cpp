@@ -1,5 +1,5 @@
 // Items of model records, values and options of PPD files, and the match of models by description.
-#include "common/PrdCommonUtils.h"
+#include "print/PrdCommonUtils.h"
 
 #include "common/MemMgr.h"
 #include "tests/lib/AppTool.h"

@@ -7,7 +7,7 @@
 // effect for the rest of its text, an index outside the table none at all.
 #pragma once
 
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
 // Applies the state format of an item of type 9 or 10 for its present value; does nothing for an item that is
 // hidden or disabled. An item that a P group leads back to while its own format is being worked on is passed

@@ -1,12 +1,13 @@
 // Passphrase, screen buffer and pick list.
-#include "common/Screen.h"
+#include "menu/Screen.h"
 
 #include "common/MemMgr.h"
-#include "common/MenuState.h"
 #include "common/NlsUtils.h"
-#include "common/TextMenu.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "menu/MenuState.h"
+#include "menu/MenuText.h"
+#include "menu/TextMenu.h"
 
 #include <algorithm>
 #include <cctype>

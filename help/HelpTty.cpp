@@ -1,10 +1,10 @@
 // Shows the pages of the manual as menus: the links are numbered items, three common items end every page.
-#include "common/HelpTty.h"
+#include "help/HelpTty.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/html.h"
 #include "common/utils.h"
+#include "help/html.h"
 
 #include <algorithm>
 #include <cstring>

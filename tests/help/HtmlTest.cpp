@@ -1,10 +1,9 @@
 // The manual's pages: tokens, tables, links and history, held against whole pages of expected text.
-#include "common/html.h"
+#include "help/html.h"
 
 #include "common/MemMgr.h"
 
 #include <gtest/gtest.h>
-
 #include <string>
 
 // Each buffer gets a file name of its own: a loaded name is not read again.

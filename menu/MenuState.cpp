@@ -1,6 +1,6 @@
 // The two languages by which the items of a terminal menu depend on each other, and the choices of its pick
 // items.
-#include "common/MenuState.h"
+#include "menu/MenuState.h"
 
 #include "common/MemMgr.h"
 #include "common/Token.h"

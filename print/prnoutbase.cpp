@@ -1,12 +1,12 @@
 // The printer of a queue, and the job that the host's print system hands to a print tool.
-#include "common/prnoutbase.h"
+#include "print/prnoutbase.h"
 
-#include "common/MainUtils.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "print/MainUtils.h"
 
 #include <climits>
 #include <cstdarg>

@@ -1,11 +1,11 @@
 // The entry validation language of the terminal menus.
-#include "common/MenuEntry.h"
+#include "menu/MenuEntry.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/TextMenu.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "menu/TextMenu.h"
 
 #include <cctype>
 #include <cstdlib>

@@ -1,9 +1,8 @@
 // The terminal's prompts: a line of input, a question, a message.
-#include "common/TextMenu.h"
-
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/utils.h"
+#include "menu/TextMenu.h"
 
 #include <cerrno>
 #include <cstdarg>

@@ -1,5 +1,5 @@
 // Queue records, queue lists and the marker file.
-#include "common/MainUtils.h"
+#include "print/MainUtils.h"
 
 #include "common/Dbm.h"
 #include "common/MemMgr.h"

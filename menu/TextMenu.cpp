@@ -1,14 +1,13 @@
 // The run loop of the terminal menus: values, screens, selections.
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
-#include "common/HelpTty.h"
 #include "common/MemMgr.h"
-#include "common/MenuEntry.h"
-#include "common/MenuState.h"
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "menu/MenuEntry.h"
+#include "menu/MenuState.h"
 
 #include <algorithm>
 #include <cctype>
@@ -39,7 +38,7 @@ char *pOption;
 const char *pTtyHtmlName;
 const char *pTtyHtmlData;
 const char *pTtyHtmlTitle;
-void (*pTtyHelp)(const char *name, const char *data, const char *title) = TtyHtmlHelp;
+void (*pTtyHelp)(const char *name, const char *data, const char *title);
 
 static std::string MenuText(int number) {
     return NlsText(pDrvCoreDB, NLS_TTY_SET, number);
@@ -312,7 +311,7 @@ int PrintMenu(TextMenu *menu, int longest, int titleLength) {
 // ---- selections
 
 static void ShowHelp() {
-    pTtyHelp(pTtyHtmlName, pTtyHtmlData, pTtyHtmlTitle);
+    if (pTtyHelp) pTtyHelp(pTtyHtmlName, pTtyHtmlData, pTtyHtmlTitle);
 }
 
 // 1 if the menu is written and the file closed without an error; the user has been told otherwise.

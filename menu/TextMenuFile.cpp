@@ -1,9 +1,9 @@
 // Settings files of the terminal menus: the values of a menu and its submenus, one line each.
-#include "common/TextMenu.h"
+#include "menu/TextMenu.h"
 
-#include "common/MenuState.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "menu/MenuState.h"
 
 #include <cctype>
 #include <cstdio>

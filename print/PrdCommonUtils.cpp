@@ -1,6 +1,6 @@
 // Models: items of their records, values of their PPD files, the table of the window face and the match by
 // text.
-#include "common/PrdCommonUtils.h"
+#include "print/PrdCommonUtils.h"
 
 #include "common/MemMgr.h"
 #include "common/Token.h"
