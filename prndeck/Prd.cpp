@@ -1,12 +1,12 @@
 // prndeck: administers the print queues of a family of network printers, in windows or in menus on a
 // terminal.
-#include "prndeck/Prd.h"
+#include "prndeck/core/Prd.h"
 
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
 #include "common/utils.h"
-#include "prndeck/PrdGui.h"
-#include "prndeck/PrdTty.h"
+#include "prndeck/gui/PrdGui.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +24,7 @@ int main(int argc, char **argv) {
     setenv("PrnOutFileSourceDir", ".", 1);
     InitUser();
     int face = ScanWords(argc - 1, argv + 1);
+    if (face == FACE_HELP) RunHelpOnly();
     LoadModels();
     if (face != FACE_TTY) RunGui();
     RunTty();

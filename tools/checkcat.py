@@ -20,7 +20,7 @@ REFERENCE = "en_US"
 CORE, HELP, STRINGS = "CoreString", "PrtHelp", "PrtString"
 MENU_TEXT, FETCH, TOPIC, TTY_SET = 127, 2047, 63, 25
 FOLDERS = ("common", "menu", "help", "print", "SnmpPkg", "xmt", "prndeck", "siblings")
-WINDOWS = "prndeck/PrdGuiDesc.cpp"
+WINDOWS = "prndeck/gui/PrdGuiDesc.cpp"
 FETCHERS = "NlsUtils"  # its own sources hand numbers through
 
 Fault = namedtuple("Fault", "file line key what")

@@ -4,7 +4,7 @@
 #include "common/MemMgr.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/Prd.h"
+#include "prndeck/core/Prd.h"
 
 #include <cstdint>
 

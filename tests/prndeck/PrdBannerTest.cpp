@@ -1,9 +1,9 @@
 // Banner texts, read and written; where a queue's text comes from, and a ".bsettings" that can't be written.
-#include "prndeck/PrdBanner.h"
+#include "prndeck/tty/PrdTtyBanner.h"
 
 #include "common/MemMgr.h"
 #include "common/utils.h"
-#include "prndeck/PrdQueLine.h"
+#include "prndeck/core/PrdQueLine.h"
 #include "tests/lib/AppTool.h"
 
 #include <cstring>

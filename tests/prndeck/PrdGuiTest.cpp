@@ -1,13 +1,13 @@
 // The main window: the printer list, what a selection allows and shows, the display window, the table of
 // printers.
-#include "prndeck/PrdGui.h"
+#include "prndeck/gui/PrdGui.h"
 
 #include "SnmpPkg/Pkg.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/Prd.h"
-#include "prndeck/PrdDisc.h"
+#include "prndeck/core/Prd.h"
+#include "prndeck/core/PrdDisc.h"
 #include "tests/lib/AppTool.h"
 #include "tests/lib/SnmpAgent.h"
 #include "tests/lib/WindowRig.h"

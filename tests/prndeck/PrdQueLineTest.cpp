@@ -1,5 +1,5 @@
 // The lines that add and modify a queue, byte for byte.
-#include "prndeck/PrdQueLine.h"
+#include "prndeck/core/PrdQueLine.h"
 
 #include "common/SysFile.h"
 #include "common/utils.h"

@@ -1,5 +1,5 @@
 // The list of queues in its width; menus_test.py plays the flows.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "tests/lib/AppTool.h"
 

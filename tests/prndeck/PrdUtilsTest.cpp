@@ -1,5 +1,5 @@
 // The two lists of models.
-#include "prndeck/Prd.h"
+#include "prndeck/core/Prd.h"
 
 #include "common/MemMgr.h"
 #include "common/utils.h"

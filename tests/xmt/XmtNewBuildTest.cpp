@@ -3,7 +3,7 @@
 #include "xmt/XmtNew.h"
 
 #include "common/MemMgr.h"
-#include "prndeck/PrdGuiMacros.h"
+#include "prndeck/gui/PrdGuiMacros.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/DescDump.h"
 #include "tests/lib/ObjectDump.h"

@@ -3,7 +3,7 @@
 
 #include "common/MemMgr.h"
 #include "common/Token.h"
-#include "prndeck/PrdGuiMacros.h"
+#include "prndeck/gui/PrdGuiMacros.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/DescDump.h"
 

@@ -7,8 +7,8 @@
 // the line and column are those of the description's text, of a macro call for what comes out of the macro.
 // Status 0 if there is none, 1 if there is, 2 if it could not be looked for.
 #include "common/DbmT.h"
-#include "prndeck/PrdGuiDesc.h"
-#include "prndeck/PrdGuiMacros.h"
+#include "prndeck/gui/PrdGuiDesc.h"
+#include "prndeck/gui/PrdGuiMacros.h"
 #include "tools/checkwin/Args.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Reader.h"

@@ -15,9 +15,9 @@
 // can't be saved, 2 for wrong words.
 #include "common/NlsUtils.h"
 #include "common/utils.h"
-#include "prndeck/Prd.h"
-#include "prndeck/PrdGui.h"
-#include "prndeck/PrdGuiDesc.h"
+#include "prndeck/core/Prd.h"
+#include "prndeck/gui/PrdGui.h"
+#include "prndeck/gui/PrdGuiDesc.h"
 #include "tools/winview/Picture.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNew.h"

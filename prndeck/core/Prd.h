@@ -15,7 +15,7 @@ extern int flWiz;      // the word -wiz; nothing depends on it
 extern int flDiscOff;  // no discovery of its own accord
 extern int flHelpOnly; // the help window is the whole application
 
-enum { FACE_ANY, FACE_TTY }; // what the words ask for
+enum { FACE_ANY, FACE_TTY, FACE_HELP }; // what the words ask for
 
 // Makes good what the parent left: closed standard streams, ignored signals.
 void InitProcess();
@@ -25,8 +25,8 @@ void InitToolPath(const char *argv0);
 void OpenCatalogues();
 // Sets pUser and flUserIsRoot.
 void InitUser();
-// Acts on the words of the command line, from left to right; a word that isn't known is passed over.
-// Ends: with -v and -help.
+// Acts on the words of the command line, from left to right, up to -help; a word that isn't known is passed
+// over. Ends: with -v.
 int ScanWords(int count, char **words);
 // Lists the models of the directory "ppd" in PpdList and PpdModelList. Uses: Line, which keeps the list of
 // models. Ends: without a PPD file, with status 0.

@@ -1,5 +1,5 @@
 // The command lines for prnqtool and the driver front end.
-#include "prndeck/PrdQueLine.h"
+#include "prndeck/core/PrdQueLine.h"
 
 #include "common/SysCmd.h"
 #include "common/SysFile.h"

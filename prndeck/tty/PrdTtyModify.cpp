@@ -1,5 +1,5 @@
 // Modify a queue at the terminal.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
@@ -7,7 +7,7 @@
 #include "common/Token.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/PrdBanner.h"
+#include "prndeck/tty/PrdTtyBanner.h"
 
 #include <cstdio>
 #include <iterator>

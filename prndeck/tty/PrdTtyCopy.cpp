@@ -1,5 +1,5 @@
 // Copy a queue at the terminal.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"

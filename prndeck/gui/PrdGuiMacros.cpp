@@ -1,5 +1,5 @@
 // The macros of all windows.
-#include "prndeck/PrdGuiMacros.h"
+#include "prndeck/gui/PrdGuiMacros.h"
 
 // clang-format off
 const char MainMacroDesc[] =

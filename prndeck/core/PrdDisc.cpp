@@ -1,5 +1,5 @@
 // The table of printers.
-#include "prndeck/PrdDisc.h"
+#include "prndeck/core/PrdDisc.h"
 
 #include "SnmpPkg/Pkg.h"
 #include "common/MemMgr.h"

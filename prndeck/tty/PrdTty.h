@@ -7,7 +7,7 @@
 
 #include "menu/TextMenu.h"
 #include "print/MainUtils.h"
-#include "prndeck/PrdQueLine.h"
+#include "prndeck/core/PrdQueLine.h"
 
 #include <string>
 

@@ -1,5 +1,5 @@
 // The windows as texts.
-#include "prndeck/PrdGuiDesc.h"
+#include "prndeck/gui/PrdGuiDesc.h"
 
 #include "common/NlsUtils.h"
 

@@ -1,11 +1,11 @@
 // Add a queue at the terminal.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "menu/MenuState.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/PrdBanner.h"
+#include "prndeck/tty/PrdTtyBanner.h"
 
 #include <initializer_list>
 #include <iterator>

@@ -1,5 +1,5 @@
 // The main menu: its table, the texts of all menus, and the queue lists that it shows.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
@@ -8,7 +8,7 @@
 #include "help/HelpTty.h"
 #include "menu/MenuText.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/Prd.h"
+#include "prndeck/core/Prd.h"
 
 #include <cstdio>
 #include <cstring>

@@ -1,5 +1,4 @@
-// Banner titles: the text that goes to prnqtool and stands in its database, and the banner menu of the
-// terminal.
+// Banner titles: the text that goes to prnqtool and stands in its database.
 //
 // A banner text has up to three lines, one for each title that isn't empty, with the font size in points:
 //
@@ -7,9 +6,8 @@
 //     .h3 12 second floor
 #pragma once
 
-#include "menu/TextMenu.h"
-
 #include <string>
+#include <string_view>
 
 enum {
     BANNER_ROWS = 3,
@@ -27,6 +25,8 @@ struct BannerRow {
     int size; // index into aBannerFontSize
 };
 
+// A title that doesn't fit is cut.
+void SetBannerRow(BannerRow *row, std::string_view title, int size);
 // The rows of a text, null for none. A title without a line is empty, with the default size; a size that
 // isn't in the list reads as the first; a line without two blanks or with another key is skipped.
 void ReadBannerText(const char *text, BannerRow rows[BANNER_ROWS]);
@@ -38,14 +38,3 @@ void PutBannerFile(const char *text);
 // With a text: the line that makes ".bsettings" the system's default; without: the line that clears the
 // default. Runs it and removes the file, since a default is no queue's own banner.
 void PutDefaultBanner(const char *text);
-
-extern char BannerLine[BANNER_TEXT]; // the terminal's banner text; writers: the functions below
-extern TextMenuItem ConfigureBannerPageMenuItems[];
-
-int BannerInfoSetupTty(TextMenu *menu, TextMenuItem *item);
-int InitBannerInfoMenu(TextMenu *menu);
-int SaveBannerInfoTty(TextMenu *menu, TextMenuItem *item);
-int RestoreBannerInfoTty(TextMenu *menu, TextMenuItem *item);
-// Loads BannerLine: the queue's own text, which also goes to ".bsettings", else the system's default, else
-// none.
-void GetBannerInfoTty(const char *queue);

@@ -1,6 +1,6 @@
 // What the terminal's flows share: the questions for a queue, the run of a line, the state of the queue at
 // hand.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"

@@ -1,5 +1,5 @@
 // The state of the whole process and the steps of its start.
-#include "prndeck/Prd.h"
+#include "prndeck/core/Prd.h"
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
@@ -7,7 +7,6 @@
 #include "common/Token.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/PrdGui.h"
 
 #include <algorithm>
 #include <csignal>
@@ -79,7 +78,7 @@ int ScanWords(int count, char **words) {
         case WORD_TTY: face = FACE_TTY; break;
         case WORD_WIZ: flWiz = 1; break;
         case WORD_ND: flDiscOff = 1; break;
-        case WORD_HELP: RunHelpOnly();
+        case WORD_HELP: return FACE_HELP;
         case WORD_V: PrintVersion();
         default: break; // -d, and any word that isn't in the list
         }

@@ -1,11 +1,11 @@
 // The printer list of the main window, and the panel of the selected printer.
-#include "prndeck/PrdGui.h"
+#include "prndeck/gui/PrdGui.h"
 
 #include "SnmpPkg/Pkg.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "print/PrdCommonUtils.h"
-#include "prndeck/PrdDisc.h"
+#include "prndeck/core/PrdDisc.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtUtils.h"
 

@@ -1,5 +1,5 @@
 // Delete queues at the terminal.
-#include "prndeck/PrdTty.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"

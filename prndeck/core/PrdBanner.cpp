@@ -1,0 +1,77 @@
+// Banner titles: reader and writer of the text.
+#include "prndeck/core/PrdBanner.h"
+
+#include "common/SysFile.h"
+#include "common/Token.h"
+#include "common/utils.h"
+#include "prndeck/core/PrdQueLine.h"
+
+#include <algorithm>
+#include <cstring>
+#include <string_view>
+
+static constexpr char LineKeys[] = ",.h1,.h2,.h3,";
+static constexpr char UnseenChars[] = " \t\r\n";
+
+const int aBannerFontSize[BANNER_SIZES] = {8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40};
+const char pBannerFontSizes[] = ",8,10,12,14,16,18,20,22,24,26,28,30,32,34,36,38,40";
+static_assert(BANNER_DEFAULT_SIZE < BANNER_SIZES);
+
+// ---- The text
+
+void SetBannerRow(BannerRow *row, std::string_view title, int size) {
+    size_t count = std::min<size_t>(title.size(), BANNER_TITLE - 1);
+    memcpy(row->title, title.data(), count);
+    row->title[count] = '\0';
+    row->size = size;
+}
+
+static void ReadBannerLine(std::string_view line, BannerRow rows[BANNER_ROWS]) {
+    size_t first = line.find(' ');
+    size_t second = first == line.npos ? first : line.find(' ', first + 1);
+    if (second == line.npos) return;
+    int row = FindToken(std::string(line.substr(0, first)).c_str(), LineKeys);
+    if (row < 1 || row > BANNER_ROWS) return;
+    int size = FindToken(std::string(line.substr(first + 1, second - first - 1)).c_str(), pBannerFontSizes);
+    SetBannerRow(&rows[row - 1], line.substr(second + 1), std::clamp(size - 1, 0, BANNER_SIZES - 1));
+}
+
+void ReadBannerText(const char *text, BannerRow rows[BANNER_ROWS]) {
+    for (int i = 0; i < BANNER_ROWS; i++) SetBannerRow(&rows[i], "", BANNER_DEFAULT_SIZE);
+    std::string_view rest(text ? text : "");
+    while (!rest.empty()) {
+        std::string_view line = rest.substr(0, rest.find('\n'));
+        ReadBannerLine(line, rows);
+        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    }
+}
+
+std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]) {
+    std::string text;
+    for (int i = 0; i < BANNER_ROWS; i++) {
+        const char *title = rows[i].title;
+        if (!title[strspn(title, UnseenChars)]) continue;
+        int size = aBannerFontSize[std::clamp(rows[i].size, 0, BANNER_SIZES - 1)];
+        text += ".h" + std::to_string(i + 1) + " " + std::to_string(size) + " " + title + "\n";
+    }
+    return text;
+}
+
+static bool WriteBannerFile(const char *text) {
+    FILE *out = OpenFileF(nullptr, "wt", ERR_WARN, "%s/%s", pToolPath, BannerFile);
+    if (!out) return false;
+    bool written = fputs(text, out) >= 0;
+    if (fclose(out) == 0 && written) return true;
+    errormsg("can't write to %s/%s", pToolPath, BannerFile);
+    return false;
+}
+
+void PutBannerFile(const char *text) {
+    if (*text && WriteBannerFile(text)) return;
+    DeleteFile(pToolPath, BannerFile);
+}
+
+void PutDefaultBanner(const char *text) {
+    RunQueLine(MakeDefaultBannerLine(*text));
+    DeleteFile(pToolPath, BannerFile);
+}
