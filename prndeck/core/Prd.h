@@ -3,9 +3,6 @@
 
 #include <climits>
 
-#define PRD_FAMILY  "Tarvo"
-#define PRD_VERSION "4.50.29"
-
 // Writer of all of them: the start-up. They hold for the whole run.
 extern char AppDir[PATH_MAX];  // a copy of pToolPath
 extern const char PrnOutCFG[]; // value of the environment variable of that name, for the siblings

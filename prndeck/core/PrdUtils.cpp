@@ -5,6 +5,7 @@
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
+#include "common/Version.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
 
@@ -66,7 +67,7 @@ enum { WORD_UPDATE = 1, WORD_TTY, WORD_WIZ, WORD_ND, WORD_HELP, WORD_D, WORD_V }
 void UpdatePrinters() {}
 
 [[noreturn]] static void PrintVersion() {
-    fprintf(stderr, "%s %s\n", my_name, PRD_VERSION);
+    fprintf(stderr, "%s %s\n", my_name, PRN_VERSION);
     exit_app(0);
 }
 

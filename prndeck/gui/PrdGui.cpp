@@ -4,6 +4,7 @@
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
+#include "common/Version.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/Prd.h"
@@ -57,7 +58,7 @@ void GenMacros() {
 }
 
 static void GenAbout() {
-    const char *version = PRD_VERSION;
+    const char *version = PRN_VERSION;
     std::string text = FillGuiDesc(GenGuiDesc(AboutDesc, GUI_SET_ABOUT), &version, 1);
     XmtNewObject(nullptr, WizEventHandler, 0, text.c_str());
 }

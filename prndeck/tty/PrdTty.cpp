@@ -19,7 +19,7 @@ char *pSettingsTty;
 
 std::string AskTty(int prompt) {
     char answer[TTY_ANSWER] = "";
-    PromptUser(NlsText(pDrvCoreDB, NLS_TTY_SET, prompt).c_str(), answer, sizeof answer);
+    PromptUser(NlsText(pDrvCoreDB, SET_TTY, prompt).c_str(), answer, sizeof answer);
     return answer;
 }
 

@@ -8,12 +8,13 @@
 #include "menu/TextMenu.h"
 #include "print/MainUtils.h"
 #include "prndeck/core/PrdQueLine.h"
+#include "prndeck/core/PrdSets.h"
 
 #include <string>
 
 enum { QUE_NAME = 32, QUE_LIST_WIDTH = 80, TTY_ANSWER = 4096 };
 
-// Texts of the catalogue's set 25 that the flows fetch themselves, and of set 20, shared with the windows.
+// Texts that the flows fetch themselves: of the set of the menus, and messages shared with the windows.
 enum {
     TTY_TITLE = 1,
     TTY_ALL_QUEUES = 33,
@@ -32,7 +33,7 @@ enum {
     TTY_MODIFY_PROMPT = 1107,
     TTY_COPY_PROMPT = 1108,
 };
-enum { MSG_SET = 20, MSG_NO_ADDRESS = 126, MSG_NO_REMOTE = 129 };
+enum { MSG_NO_ADDRESS = 126, MSG_NO_REMOTE = 129 };
 
 // The host check of entries: not the reserved address, else an address or any text.
 #define TTY_HOST_FORMAT "!(0.0.0.0)|!(255.255.255.255)|d(0,255).d(0,255).d(0,255).d(0,255)|t(1,255)"

@@ -90,7 +90,7 @@ static void SetCopyTitle() {
 int InitCloneQueMenu(TextMenu *menu) {
     SetCopyTitle();
     PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
-    snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, NLS_TTY_SET, TTY_COPY_MODEL).c_str(),
+    snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, SET_TTY, TTY_COPY_MODEL).c_str(),
              GetModelName(PrinterModelTty).c_str());
     bool known = MPS_tty.type >= 0 && MPS_tty.type <= QUEUE_SERVER_DEVICE;
     const TypeChoice *choice = &TypeChoices[known ? MPS_tty.type : QUEUE_PRINTER_HOST];
@@ -115,7 +115,7 @@ static int ConfirmCopyName(const char *name) {
 }
 
 static int PostText(int number) {
-    PostMsg("%s", NlsText(pDrvCoreDB, MSG_SET, number).c_str());
+    PostMsg("%s", NlsText(pDrvCoreDB, SET_MESSAGES, number).c_str());
     return 0;
 }
 

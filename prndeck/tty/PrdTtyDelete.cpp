@@ -30,7 +30,7 @@ static std::string GetAllQueues() {
 }
 
 static int ConfirmDelete(const std::string &names) {
-    std::string question = NlsText(pDrvCoreDB, NLS_TTY_SET, TTY_DELETE_QUESTION);
+    std::string question = NlsText(pDrvCoreDB, SET_TTY, TTY_DELETE_QUESTION);
     return PromptYN("%s", NlsFmt(question.c_str(), "s", names.c_str()).c_str());
 }
 

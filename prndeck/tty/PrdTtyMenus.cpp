@@ -4,11 +4,13 @@
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/Token.h"
+#include "common/Version.h"
 #include "common/utils.h"
 #include "help/HelpTty.h"
 #include "menu/MenuText.h"
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/Prd.h"
+#include "prndeck/core/PrdSets.h"
 
 #include <cstdio>
 #include <cstring>
@@ -91,7 +93,7 @@ static void ConvertTables() {
 }
 
 static std::string FamilyText(int number) {
-    return NlsFmt(NlsText(pDrvCoreDB, NLS_TTY_SET, number).c_str(), "s", PRD_FAMILY);
+    return NlsFmt(NlsText(pDrvCoreDB, SET_TTY, number).c_str(), "s", PRN_FAMILY);
 }
 
 static void InitTables() {
@@ -100,10 +102,10 @@ static void InitTables() {
     done = true;
     pTtyHelp = TtyHtmlHelp;
     pTtyHtmlName = GetManualName();
-    pTtyHtmlTitle = PRD_FAMILY " Administration Help";
+    pTtyHtmlTitle = PRN_FAMILY " Administration Help";
     ConvertTables();
     MainMenuItems[MAIN_DUMP].state = STATE_HIDDEN;
-    MainMenu.title = SaveStr("%s %s", FamilyText(TTY_TITLE).c_str(), PRD_VERSION);
+    MainMenu.title = SaveStr("%s %s", FamilyText(TTY_TITLE).c_str(), PRN_VERSION);
 }
 
 // ---- Queue lists
@@ -144,7 +146,7 @@ static void FreeQueLists() {
 
 static void ReadQueLists() {
     FreeQueLists();
-    std::string heading = NlsText(pDrvCoreDB, NLS_TTY_SET, TTY_ALL_QUEUES);
+    std::string heading = NlsText(pDrvCoreDB, SET_TTY, TTY_ALL_QUEUES);
     pQueList = GetQueList();
     pExistingPrinterList = FormatQueList(pQueList, heading.c_str(), QUE_LIST_WIDTH, &ExistingPrinterCnt);
     if (!pQueList) return;

@@ -83,8 +83,7 @@ static void PutSettingsFile() {
 }
 
 static void SetQueLabel(int item, int leadIn, const char *value) {
-    snprintf(QueLabels[item], MENU_TEXT_SIZE, "%s%s", NlsText(pDrvCoreDB, NLS_TTY_SET, leadIn).c_str(),
-             value);
+    snprintf(QueLabels[item], MENU_TEXT_SIZE, "%s%s", NlsText(pDrvCoreDB, SET_TTY, leadIn).c_str(), value);
     ModifyQueMenuItems[item].state = STATE_NORMAL;
 }
 

@@ -2,6 +2,7 @@
 #include "siblings/lib/Frame.h"
 
 #include "common/MemMgr.h"
+#include "common/Version.h"
 #include "common/utils.h"
 #include "siblings/lib/Child.h"
 
@@ -14,7 +15,7 @@
 
 enum { BACKSTOP = 30 }; // seconds that a run may last beyond the limit for its commands
 
-const char ToolVersion[] = "4.50.29";
+const char ToolVersion[] = PRN_VERSION;
 
 static void OpenStandardStreams() {
     int file;
