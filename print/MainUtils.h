@@ -11,17 +11,12 @@
 // A key with a blank is no queue.
 #pragma once
 
+#include "print/QueType.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <type_traits>
 
-enum {                    // QueueType
-    QUEUE_PRINTER_HOST,   // workstation to printer over TCP/IP
-    QUEUE_SERVER,         // workstation to print server
-    QUEUE_PRINTER_DEVICE, // workstation to printer on a local device
-    QUEUE_SERVER_HOST,    // print server to printer over TCP/IP
-    QUEUE_SERVER_DEVICE,  // print server to printer on a local device
-};
 enum { CFG_DIRECT = 1, CFG_NO_DB = 2, CFG_LPRNG = 4, CFG_AIX = 8, CFG_BSD = 16, CFG_V5 = 32, CFG_CUPS = 64 };
 
 // A queue's record in memory. A static one starts all zero; GetQueDbEntry releases the settings it finds in

@@ -4,7 +4,6 @@
 #include "common/SysCmd.h"
 #include "common/SysFile.h"
 #include "common/utils.h"
-#include "print/MainUtils.h"
 #include "print/PrdCommonUtils.h"
 
 #include <string_view>
@@ -12,17 +11,8 @@
 static constexpr char Prefix[] = "prn"; // of the family's programs
 static constexpr char Interface[] = "pnxx";
 
-const char *const PMs[PM_COUNT] = {"wp", "wps", "psp"};
 const char SettingsFile[] = ".settings";
 const char BannerFile[] = ".bsettings";
-
-int GetQueueType(int printingModel, int connection) {
-    switch (printingModel) {
-    case PM_SERVER: return QUEUE_SERVER;
-    case PM_SERVER_PRINTER: return connection == CONNECTION_DEVICE ? QUEUE_SERVER_DEVICE : QUEUE_SERVER_HOST;
-    default: return connection == CONNECTION_DEVICE ? QUEUE_PRINTER_DEVICE : QUEUE_PRINTER_HOST;
-    }
-}
 
 std::string GetLprQueue(const char *ppdFile) {
     char value[PPD_VALUE];
@@ -41,12 +31,8 @@ static const char *ModelWord(int printingModel) {
     return PMs[printingModel >= 0 && printingModel < PM_COUNT ? printingModel : 0];
 }
 
-static bool IsDevice(int type) {
-    return type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE;
-}
-
 static std::string AddressOption(const QueTarget &target) {
-    return (IsDevice(target.type) ? " -dn " : " -hn ") + ShArg(target.address);
+    return (IsDeviceType(target.type) ? " -dn " : " -hn ") + ShArg(target.address);
 }
 
 static std::string RemoteOption(const QueTarget &target) {
@@ -121,6 +107,17 @@ std::string MakeFeatureLine(const char *ppdFile, int flBanner) {
 
 int RunQueLine(const std::string &line) {
     return SysCmd(CMD_LINE, 0, "%s", line.c_str());
+}
+
+static int GetPlaceKind(const QueRecord *record) {
+    if (record->lpd || record->type == QUEUE_SERVER) return PLACE_REMOTE;
+    return IsDeviceType(record->type) ? PLACE_DEVICE : PLACE_HOST;
+}
+
+QuePlace GetQuePlace(const QueRecord *record) {
+    QuePlace place = {.kind = GetPlaceKind(record), .counted = 0, .address = "", .remote = ""};
+    place.counted = GetQueCountWords(record->printer, place.address, place.remote, PLACE_WORD);
+    return place;
 }
 
 int TestToolFile(const char *name) {

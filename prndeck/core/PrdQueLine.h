@@ -2,13 +2,11 @@
 // line. Every value is quoted here, once; callers pass plain values.
 #pragma once
 
+#include "print/MainUtils.h"
+
 #include <string>
 
-enum { PM_HOST, PM_SERVER, PM_SERVER_PRINTER, PM_COUNT }; // printing models, index into PMs
-enum { CONNECTION_TCP, CONNECTION_DEVICE };               // connections
-enum { STATUS_LPSCHED = 16 };                             // of RunQueLine: lpsched failed to stop
-
-extern const char *const PMs[PM_COUNT]; // word of the option -pm
+enum { STATUS_LPSCHED = 16 }; // of RunQueLine: lpsched failed to stop
 
 // Where a queue prints. No text may be null.
 struct QueTarget {
@@ -25,9 +23,6 @@ struct QueOptions {
     int userInterface;
     int isDefault;
 };
-
-// QueueType of a printing model and a connection; an unknown model counts as the first.
-int GetQueueType(int printingModel, int connection);
 
 // Remote queue name of a model, "lp" if its record has none.
 std::string GetLprQueue(const char *ppdFile);
@@ -48,6 +43,18 @@ std::string MakeFeatureLine(const char *ppdFile, int flBanner);
 
 // Runs a line with its output thrown away: 0, or a number of errno.
 int RunQueLine(const std::string &line);
+
+// Where a stored queue prints, as it is shown. A queue is of one kind: with a remote queue (a print server's,
+// or through LPD), else on a local device or at a host.
+enum { PLACE_REMOTE, PLACE_HOST, PLACE_DEVICE };
+enum { PLACE_WORD = 256 };
+struct QuePlace {
+    int kind;                 // PLACE_
+    int counted;              // the printer has a count record, whose words follow
+    char address[PLACE_WORD]; // host name or device path, empty without the record
+    char remote[PLACE_WORD];  // remote queue, or the printer's name on the print server; empty without it
+};
+QuePlace GetQuePlace(const QueRecord *record);
 
 // The working files of the flows, in the tool directory.
 extern const char SettingsFile[]; // the feature settings of the queue at hand

@@ -57,11 +57,6 @@ void RunQueLineTty(const std::string &line) {
     SysCmd(CMD_LPSCHED, 1, "%s", "");
 }
 
-void DropQueList() {
-    PutMem(pQueList);
-    pQueList = nullptr;
-}
-
 const char *GetItemText(const TextMenuItem *items, int index) {
     return items[index].value.s ? items[index].value.s : "";
 }

@@ -8,6 +8,7 @@
 #include "menu/TextMenu.h"
 #include "print/MainUtils.h"
 #include "prndeck/core/PrdQueLine.h"
+#include "prndeck/core/PrdQueList.h"
 #include "prndeck/core/PrdSets.h"
 
 #include <string>
@@ -104,11 +105,9 @@ extern TextMenu MainMenu, AddPrinterMenu, ModifyQueMenu, CloneQueMenu;
 extern TextMenuItem MainMenuItems[MAIN_END + 1], AddPrinterMenuItems[ADD_END + 1],
     ModifyQueMenuItems[MOD_END + 1], CloneQueMenuItems[COPY_END + 1];
 
-// Queue lists; all managed. Writer: InitMainMenu; a flow releases pQueList to have them read anew.
-extern char *pQueList;                  // ",q1,q2": all queues of the host, or null
-extern char *pTarvoQueList;             // the family's queues among them, or null
-extern char *pExistingPrinterList;      // the first list as it is shown, behind its heading
-extern char *pExistingTarvoPrinterList; // the second, or null
+// The queue lists as they are shown; managed. Writer: InitMainMenu.
+extern char *pExistingPrinterList;      // all queues behind their heading
+extern char *pExistingTarvoPrinterList; // the family's behind theirs, or null
 extern int ExistingPrinterCnt;
 extern int ExistingTarvoPrinterCnt;
 
@@ -124,8 +123,6 @@ extern char *pSettingsTty;  // its feature settings while they are written out
 void RunTty();
 // Init callback of MainMenu. Ends: with status 1 if the user isn't root.
 int InitMainMenu(TextMenu *menu);
-// The family's queues as ",q1,q2", sorted; null if there is none. Owns: the result.
-[[nodiscard]] char *GetTarvoQueList();
 // The heading, then the names of a comma list, each behind a blank, in lines of less than width. *count: the
 // names. Owns: the result.
 [[nodiscard]] char *FormatQueList(const char *list, const char *heading, int width, int *count);
@@ -162,7 +159,6 @@ int AskQueueTty(int prompt, const char *what, char *name);
 int TestHostTty(const char *host);
 // Runs a line; if lpsched failed to stop, tells the user and starts it again.
 void RunQueLineTty(const std::string &line);
-void DropQueList();
 // The text of an item, empty if it has none.
 const char *GetItemText(const TextMenuItem *items, int index);
 int GetItemChoice(const TextMenuItem *items, int index);

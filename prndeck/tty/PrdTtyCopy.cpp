@@ -65,20 +65,6 @@ int CloneQueTty(TextMenu *, TextMenuItem *) {
     return 0;
 }
 
-// Printing model and connection of a queue, by its type. ORDER QueueType
-struct TypeChoice {
-    int printingModel;
-    int connection;
-};
-static constexpr TypeChoice TypeChoices[] = {
-    {PM_HOST, CONNECTION_TCP},
-    {PM_SERVER, CONNECTION_TCP},
-    {PM_HOST, CONNECTION_DEVICE},
-    {PM_SERVER_PRINTER, CONNECTION_TCP},
-    {PM_SERVER_PRINTER, CONNECTION_DEVICE},
-};
-static_assert(std::size(TypeChoices) == QUEUE_SERVER_DEVICE + 1);
-
 static void SetCopyTitle() {
     static char *title;
     PutMem(title);
@@ -92,15 +78,14 @@ int InitCloneQueMenu(TextMenu *menu) {
     PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
     snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, SET_TTY, TTY_COPY_MODEL).c_str(),
              GetModelName(PrinterModelTty).c_str());
-    bool known = MPS_tty.type >= 0 && MPS_tty.type <= QUEUE_SERVER_DEVICE;
-    const TypeChoice *choice = &TypeChoices[known ? MPS_tty.type : QUEUE_PRINTER_HOST];
-    menu->items[COPY_PRINTING_MODEL].initial.i = choice->printingModel;
-    menu->items[COPY_CONNECTION].initial.i = choice->connection;
-    char address[MENU_TEXT_SIZE];
-    GetQueCountWords(MPS_tty.printer, address, ServerPrinterDefault, MENU_TEXT_SIZE);
-    bool device = choice->connection == CONNECTION_DEVICE;
-    snprintf(HostDefault, MENU_TEXT_SIZE, "%s", device ? "" : address);
-    snprintf(DeviceDefault, MENU_TEXT_SIZE, "%s", device ? address : "");
+    QueChoice choice = GetQueChoice(MPS_tty.type);
+    menu->items[COPY_PRINTING_MODEL].initial.i = choice.printingModel;
+    menu->items[COPY_CONNECTION].initial.i = choice.connection;
+    QuePlace place = GetQuePlace(&MPS_tty);
+    bool device = IsDeviceType(MPS_tty.type);
+    snprintf(HostDefault, MENU_TEXT_SIZE, "%s", device ? "" : place.address);
+    snprintf(DeviceDefault, MENU_TEXT_SIZE, "%s", device ? place.address : "");
+    snprintf(ServerPrinterDefault, MENU_TEXT_SIZE, "%s", place.remote);
     return 0;
 }
 
@@ -121,8 +106,7 @@ static int PostText(int number) {
 
 static int TestCopyAddress(const QueTarget &target) {
     if (!*target.address) return PostText(MSG_NO_ADDRESS);
-    bool device = target.type == QUEUE_PRINTER_DEVICE || target.type == QUEUE_SERVER_DEVICE;
-    return device || TestHostTty(target.address);
+    return IsDeviceType(target.type) || TestHostTty(target.address);
 }
 
 static int TestCopyTarget(const QueTarget &target) {
@@ -137,9 +121,8 @@ int ApplyCQSettingsTty(TextMenu *menu, TextMenuItem *) {
     int type = GetQueueType(printingModel, GetItemChoice(items, COPY_CONNECTION));
     const char *name = GetItemText(items, COPY_NAME);
     if (!ConfirmCopyName(name)) return 1;
-    bool device = type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE;
     std::string lprQueue = GetLprQueue(MPS_tty.ppdFile);
-    QueTarget target = {type, name, GetItemText(items, device ? COPY_DEVICE : COPY_HOST),
+    QueTarget target = {type, name, GetItemText(items, IsDeviceType(type) ? COPY_DEVICE : COPY_HOST),
                         type == QUEUE_SERVER ? GetItemText(items, COPY_SERVER_PRINTER) : lprQueue.c_str()};
     if (!TestCopyTarget(target)) return 1;
     RunQueLineTty(MakeCopyLine(target, pCloneQueName, printingModel));

@@ -3,7 +3,6 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/Token.h"
 #include "common/Version.h"
 #include "common/utils.h"
 #include "help/HelpTty.h"
@@ -42,8 +41,6 @@ TextMenu MainMenu = {.title = "",
                      .items = MainMenuItems,
                      .flags = MENU_NO_LEAVE | MENU_HELP};
 
-char *pQueList;
-char *pTarvoQueList;
 char *pExistingPrinterList;
 char *pExistingTarvoPrinterList;
 int ExistingPrinterCnt;
@@ -110,14 +107,6 @@ static void InitTables() {
 
 // ---- Queue lists
 
-char *GetTarvoQueList() {
-    char *list = GetQueueList();
-    if (!list) return nullptr;
-    for (char *blank = list; (blank = strchr(blank, ' '));) *blank = ',';
-    SortTokens(list, ',', 1);
-    return list;
-}
-
 char *FormatQueList(const char *list, const char *heading, int width, int *count) {
     std::string text = heading;
     std::string_view rest(list ? list : "");
@@ -135,22 +124,20 @@ char *FormatQueList(const char *list, const char *heading, int width, int *count
     return SaveStr_(text.c_str());
 }
 
-static void FreeQueLists() {
+static void FreeShownLists() {
     MainMenuItems[MAIN_QUEUES].text = "";
     PutMem(pExistingPrinterList);
     PutMem(pExistingTarvoPrinterList);
-    PutMem(pTarvoQueList);
-    pExistingPrinterList = pExistingTarvoPrinterList = pTarvoQueList = nullptr;
+    pExistingPrinterList = pExistingTarvoPrinterList = nullptr;
     ExistingPrinterCnt = ExistingTarvoPrinterCnt = 0;
 }
 
-static void ReadQueLists() {
-    FreeQueLists();
+static void RefreshLists() {
+    FreeShownLists();
     std::string heading = NlsText(pDrvCoreDB, SET_TTY, TTY_ALL_QUEUES);
-    pQueList = GetQueList();
+    ReadQueLists();
     pExistingPrinterList = FormatQueList(pQueList, heading.c_str(), QUE_LIST_WIDTH, &ExistingPrinterCnt);
     if (!pQueList) return;
-    pTarvoQueList = GetTarvoQueList();
     pExistingTarvoPrinterList = FormatQueList(pTarvoQueList, FamilyText(TTY_FAMILY_QUEUES).c_str(),
                                               QUE_LIST_WIDTH, &ExistingTarvoPrinterCnt);
 }
@@ -163,7 +150,7 @@ static void TestRoot() {
 
 int InitMainMenu(TextMenu *) {
     TestRoot();
-    if (!pQueList) ReadQueLists();
+    if (!pQueList) RefreshLists();
     MainMenuItems[MAIN_QUEUES].text = pExistingPrinterList ? pExistingPrinterList : "";
     InitTables();
     return 0;

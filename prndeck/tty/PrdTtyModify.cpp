@@ -87,33 +87,25 @@ static void SetQueLabel(int item, int leadIn, const char *value) {
     ModifyQueMenuItems[item].state = STATE_NORMAL;
 }
 
-// Host and printer of a queue whose printer is counted in the database.
-static void SetCountedLabels(const char *host, const char *remote) {
-    bool both = MPS_tty.lpd || MPS_tty.type == QUEUE_SERVER;
-    std::string where = std::string(host) + " using " + remote;
-    SetQueLabel(MOD_HOST, both ? TTY_HOST_AND_QUEUE : TTY_HOST, both ? where.c_str() : host);
-    SetQueLabel(MOD_PRINTER, TTY_PRINTER, MPS_tty.printer);
-}
-
-static void SetUncountedLabels() {
-    bool device = MPS_tty.type == QUEUE_PRINTER_DEVICE || MPS_tty.type == QUEUE_SERVER_DEVICE;
+// Without a count record the printer stands alone, behind the words for a host if it is a device.
+static void SetPlaceLabels(const QuePlace &place) {
+    std::string where = place.address;
+    if (place.kind == PLACE_REMOTE) where += std::string(" using ") + place.remote;
     ModifyQueMenuItems[MOD_HOST].state = STATE_HIDDEN;
-    SetQueLabel(MOD_PRINTER, device && !MPS_tty.lpd ? TTY_HOST : TTY_PRINTER, MPS_tty.printer);
+    if (place.counted)
+        SetQueLabel(MOD_HOST, place.kind == PLACE_REMOTE ? TTY_HOST_AND_QUEUE : TTY_HOST, where.c_str());
+    bool alone = !place.counted && place.kind == PLACE_DEVICE;
+    SetQueLabel(MOD_PRINTER, alone ? TTY_HOST : TTY_PRINTER, MPS_tty.printer);
 }
 
 static void SetQueLabels(const char *name) {
     bool server = MPS_tty.type == QUEUE_SERVER;
-    bool device = MPS_tty.type == QUEUE_PRINTER_DEVICE || MPS_tty.type == QUEUE_SERVER_DEVICE;
     SetQueLabel(MOD_NAME, TTY_QUEUE, name);
     SetQueLabel(MOD_MODEL, TTY_MODEL, GetModelName(PrinterModelTty).c_str());
     SetQueLabel(MOD_PRINTING_MODEL, TTY_PRINTING_MODEL,
                 server ? "workstation to print server" : "workstation to printer");
-    SetQueLabel(MOD_CONNECTION, TTY_CONNECTION, device ? "local device" : "TCP/IP");
-    char host[MENU_TEXT_SIZE], remote[MENU_TEXT_SIZE];
-    if (GetQueCountWords(MPS_tty.printer, host, remote, MENU_TEXT_SIZE))
-        SetCountedLabels(host, remote);
-    else
-        SetUncountedLabels();
+    SetQueLabel(MOD_CONNECTION, TTY_CONNECTION, IsDeviceType(MPS_tty.type) ? "local device" : "TCP/IP");
+    SetPlaceLabels(GetQuePlace(&MPS_tty));
 }
 
 void SetQueSettingsTty(const char *name) {

@@ -50,10 +50,6 @@ bool DiffersByCase(std::string_view left, std::string_view right) {
                       [](char l, char r) { return tolower((unsigned char)l) == tolower((unsigned char)r); });
 }
 
-bool IsDeviceType(int type) {
-    return type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE;
-}
-
 // HOST, HOST:PORT, an IPv6 address, or [ADDRESS]:PORT; port stays empty where none is told.
 static bool SplitHost(std::string_view host, std::string &name, std::string &port) {
     size_t colons = (size_t)std::count(host.begin(), host.end(), ':');

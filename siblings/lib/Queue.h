@@ -53,8 +53,6 @@ std::string CheckQueueTarget(const Queue &queue);
 // True if the two names are one and the same to a print system that ignores case, but not byte for byte.
 bool DiffersByCase(std::string_view left, std::string_view right);
 
-bool IsDeviceType(int type);
-
 enum TargetKind { TARGET_SOCKET, TARGET_LPD, TARGET_DEVICE };
 struct Target {
     TargetKind kind = TARGET_SOCKET;

@@ -103,21 +103,13 @@ static std::string ReadBanner(const Options &options, std::string &banner) {
 }
 
 static std::string ReadTarget(const Options &options, Queue &queue) {
-    static constexpr struct {
-        const char *word;
-        int hostType, deviceType;
-    } Models[] = {
-        {"wp", QUEUE_PRINTER_HOST, QUEUE_PRINTER_DEVICE},
-        {"wps", QUEUE_SERVER, QUEUE_SERVER},
-        {"psp", QUEUE_SERVER_HOST, QUEUE_SERVER_DEVICE},
-    };
-    std::string model = options.model.empty() ? "wp" : options.model;
-    auto row =
-        std::find_if(std::begin(Models), std::end(Models), [&](auto &each) { return model == each.word; });
-    if (row == std::end(Models))
+    std::string model = options.model.empty() ? PMs[PM_HOST] : options.model;
+    auto word = std::find(std::begin(PMs), std::end(PMs), model);
+    if (word == std::end(PMs))
         return "printing model \"" + model.substr(0, 80) + "\" is none of wp, wps, psp";
     queue.name = options.queues.front();
-    queue.type = options.flDevice ? row->deviceType : row->hostType;
+    queue.type = GetQueueType(static_cast<int>(word - std::begin(PMs)),
+                              options.flDevice ? CONNECTION_DEVICE : CONNECTION_TCP);
     queue.printer = options.flDevice ? options.device : options.host;
     queue.remote = options.flRemote ? options.remote : "lp";
     queue.flDefault = options.flDefault;

@@ -114,3 +114,14 @@ TEST(GetQueueList, QueuesThatBothSidesKnow) {
     PutMem(pToolPath);
     pToolPath = saved;
 }
+
+TEST(QueueType, BothDirections) {
+    for (int type = QUEUE_PRINTER_HOST; type <= QUEUE_SERVER_DEVICE; type++) {
+        QueChoice choice = GetQueChoice(type);
+        EXPECT_EQ(GetQueueType(choice.printingModel, choice.connection), type);
+    }
+    EXPECT_EQ(GetQueueType(PM_SERVER, CONNECTION_DEVICE), QUEUE_SERVER) << "either connection";
+    EXPECT_EQ(GetQueueType(PM_COUNT, CONNECTION_DEVICE), QUEUE_PRINTER_DEVICE) << "an unknown model";
+    EXPECT_EQ(GetQueChoice(-1).printingModel, PM_HOST);
+    EXPECT_EQ(GetQueChoice(99).connection, CONNECTION_TCP);
+}

@@ -1,4 +1,4 @@
-// The lines that add and modify a queue, byte for byte.
+// The lines that add and modify a queue, byte for byte; what a queue shows of where it prints.
 #include "prndeck/core/PrdQueLine.h"
 
 #include "common/SysFile.h"
@@ -49,4 +49,31 @@ TEST(MakeModifyLine, OptionsInTheirOrder) {
     tool.Write(SettingsFile, "x");
     EXPECT_EQ(Plain(MakeModifyLine("q1", {}, 1)),
               "T/prnqtool q1 -mq -log prndeck -fs .settings -bps .bsettings");
+}
+
+TEST(GetQuePlace, KindAndWordsOfTheCountRecord) {
+    struct Case {
+        const char *printer;
+        int type;
+        unsigned char lpd;
+        const char *want;
+    };
+    static const Case Cases[] = {{"h", QUEUE_PRINTER_HOST, 0, "host h lp"},
+                                 {"h", QUEUE_PRINTER_HOST, 1, "remote h lp"},
+                                 {"h", QUEUE_SERVER, 0, "remote h lp"},
+                                 {"/dev/l", QUEUE_SERVER_DEVICE, 0, "device /dev/l "},
+                                 {"/dev/l", QUEUE_PRINTER_DEVICE, 1, "remote /dev/l "},
+                                 {"none", QUEUE_SERVER_HOST, 0, "host - -"}};
+    static const char *const Kinds[] = {"remote", "host", "device"};
+    AppTool tool;
+    tool.WriteDb("que", {{"h count", CountData("h lp")}, {"/dev/l count", CountData("/dev/l")}});
+    for (const Case &c : Cases) {
+        QueRecord record = {};
+        strcpy(record.printer, c.printer);
+        record.type = c.type;
+        record.lpd = c.lpd;
+        QuePlace place = GetQuePlace(&record);
+        std::string words = place.counted ? std::string(place.address) + " " + place.remote : "- -";
+        EXPECT_EQ(std::string(Kinds[place.kind]) + " " + words, c.want);
+    }
 }
