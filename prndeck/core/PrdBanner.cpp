@@ -4,6 +4,8 @@
 #include "common/SysFile.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "print/PrdCommonUtils.h"
+#include "print/QueType.h"
 #include "prndeck/core/PrdQueLine.h"
 
 #include <algorithm>
@@ -74,4 +76,39 @@ void PutBannerFile(const char *text) {
 void PutDefaultBanner(const char *text) {
     RunQueLine(MakeDefaultBannerLine(*text));
     DeleteFile(pToolPath, BannerFile);
+}
+
+// ---- What a model allows
+
+static constexpr BannerRule Unsaid = {BANNER_UNSAID, BANNER_UNSAID, BANNER_UNSAID};
+static constexpr BannerRule Barred = {.allowed = 0, .value = 0, .setup = 0};
+static constexpr BannerRule Free = {.allowed = 1, .value = 1, .setup = 1};
+
+static constexpr char AllList[] = "DisableCustomBanner";
+static constexpr char ServerList[] = "W2PSDisableCustomBanner";
+
+// True if the list bars the model; one that is there and doesn't name it frees it.
+static bool TestBarred(BannerRule *rule, const char *key, const char *base) {
+    int listed = TestModelList(key, base);
+    if (listed >= 0) *rule = listed ? Barred : Free;
+    return listed > 0;
+}
+
+BannerRule GetBannerRule(const char *base, int printingModel) {
+    BannerRule rule = Unsaid;
+    if (TestBarred(&rule, AllList, base)) return rule;
+    if (printingModel == PM_SERVER && TestBarred(&rule, ServerList, base)) return rule;
+    int off = TestModelList("DefaultCustomBannerOff", base);
+    if (off >= 0) rule.value = !off;
+    if (off > 0) return rule;
+    int noSetup = TestModelList("DisableCustomBannerSetup", base);
+    if (noSetup >= 0) rule.setup = !noSetup;
+    return rule;
+}
+
+BannerRule GetTypeBannerRule(const char *base, int type) {
+    int server = TestModelList(ServerList, base), all = TestModelList(AllList, base);
+    if (server < 0 || all < 0) return Unsaid;
+    int listed = type == QUEUE_PRINTER_HOST || type == QUEUE_SERVER ? server : all;
+    return listed ? Barred : Free;
 }

@@ -38,3 +38,15 @@ void PutBannerFile(const char *text);
 // With a text: the line that makes ".bsettings" the system's default; without: the line that clears the
 // default. Runs it and removes the file, since a default is no queue's own banner.
 void PutDefaultBanner(const char *text);
+
+// What a model allows, as the lists of models say.
+enum { BANNER_UNSAID = -1 }; // no list says anything: it stays as it is
+struct BannerRule {
+    int allowed; // banner pages can be chosen
+    int value;   // the choice that a new queue starts with; without allowed it is 0 for every queue
+    int setup;   // the titles can be set up
+};
+// Of the model with that base name for a printing model.
+BannerRule GetBannerRule(const char *base, int printingModel);
+// For a queue of the type: one list alone decides, and nothing is said while one of the two lists is missing.
+BannerRule GetTypeBannerRule(const char *base, int type);

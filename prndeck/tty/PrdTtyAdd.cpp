@@ -100,9 +100,10 @@ static int GetAddModel(TextMenu *menu) {
 }
 
 // The banner item alone: its own state format does not run, so the setup item keeps its state.
-static void SetBannerItem(TextMenu *menu, int value, int state) {
-    menu->items[ADD_BANNER].value.i = value;
-    menu->items[ADD_BANNER].state = state;
+static void SetBannerItem(TextMenu *menu, const BannerRule &rule) {
+    if (rule.allowed == BANNER_UNSAID) return;
+    menu->items[ADD_BANNER].value.i = rule.value;
+    menu->items[ADD_BANNER].state = rule.allowed ? STATE_NORMAL : STATE_HIDDEN;
 }
 
 int PrinterModelChangeCB(TextMenu *menu, TextMenuItem *) {
@@ -111,11 +112,7 @@ int PrinterModelChangeCB(TextMenu *menu, TextMenuItem *) {
     char value[PPD_VALUE];
     bool plugin = GetPpdKeyValue(base.c_str(), "v4DriverPluginFilename", value, sizeof value);
     SetStates(menu, plugin ? STATE_HIDDEN : STATE_NORMAL, {ADD_BANNER, ADD_SETUP, ADD_BANNER_SETUP});
-    int listed = TestModelList("DisableCustomBanner", base.c_str());
-    if (listed > 0)
-        SetBannerItem(menu, 0, STATE_HIDDEN);
-    else if (listed == 0)
-        SetBannerItem(menu, TestModelList("DefaultCustomBannerOff", base.c_str()) > 0 ? 0 : 1, STATE_NORMAL);
+    SetBannerItem(menu, GetBannerRule(base.c_str(), PM_HOST)); // whatever printing model is chosen
     return 0;
 }
 
@@ -134,13 +131,8 @@ static void ShowAddressItems(TextMenu *menu) {
 
 int PrintingModelChangeCB(TextMenu *menu, TextMenuItem *) {
     ShowAddressItems(menu);
-    std::string base = GetModelBase(GetAddModel(menu));
-    int server = TestModelList("W2PSDisableCustomBanner", base.c_str());
-    int all = TestModelList("DisableCustomBanner", base.c_str());
-    if (server < 0 || all < 0) return 0;
     // The type is that of the queue last modified or copied.
-    int listed = MPS_tty.type == QUEUE_PRINTER_HOST || MPS_tty.type == QUEUE_SERVER ? server : all;
-    SetBannerItem(menu, listed ? 0 : 1, listed ? STATE_HIDDEN : STATE_NORMAL);
+    SetBannerItem(menu, GetTypeBannerRule(GetModelBase(GetAddModel(menu)), MPS_tty.type));
     return 0;
 }
 
@@ -165,8 +157,7 @@ static int ConfirmName(const char *name) {
 static QueTarget GetAddTarget(const TextMenuItem *items, const char *lprQueue) {
     int type = GetQueueType(GetItemChoice(items, ADD_PRINTING_MODEL), GetItemChoice(items, ADD_CONNECTION));
     QueTarget target = {type, GetItemText(items, ADD_NAME), GetItemText(items, ADD_HOST), lprQueue};
-    if (type == QUEUE_PRINTER_DEVICE || type == QUEUE_SERVER_DEVICE)
-        target.address = GetItemText(items, ADD_DEVICE);
+    if (IsDeviceType(type)) target.address = GetItemText(items, ADD_DEVICE);
     if (type == QUEUE_SERVER) {
         target.address = GetItemText(items, ADD_SERVER);
         target.remote = GetItemText(items, ADD_SERVER_PRINTER);

@@ -1,9 +1,10 @@
-// Banner texts, read and written; where a queue's text comes from, and a ".bsettings" that can't be written.
-#include "prndeck/tty/PrdTtyBanner.h"
-
+// Banner texts, read and written; what the lists of models say;
+// where a queue's text comes from, and a ".bsettings" that can't be written.
 #include "common/MemMgr.h"
 #include "common/utils.h"
+#include "print/PrdCommonUtils.h"
 #include "prndeck/core/PrdQueLine.h"
+#include "prndeck/tty/PrdTtyBanner.h"
 #include "tests/lib/AppTool.h"
 
 #include <cstring>
@@ -37,6 +38,38 @@ TEST(BannerText, Write) {
     rows[0] = {"a b", -1}; // positions beyond the list
     rows[2] = {"c", 99};
     EXPECT_EQ(MakeBannerText(rows), ".h1 8 a b\n.h3 40 c\n");
+}
+
+static std::string Show(const BannerRule &rule) {
+    std::string text;
+    for (int said : {rule.allowed, rule.value, rule.setup})
+        text += said < 0 ? '-' : static_cast<char>('0' + said);
+    return text;
+}
+
+TEST(BannerRule, ListsInTheirOrder) {
+    struct Case {
+        Records lists; // by key: their models
+        const char *direct, *server;
+    };
+    const std::string all = "DisableCustomBanner", ps = "W2PS" + all, off = "DefaultCustomBannerOff",
+                      noSetup = "DisableCustomBannerSetup";
+    const Case cases[] = {{{{"x", "x"}}, "---", "---"},
+                          {{{all, ",b,"}}, "111", "111"},
+                          {{{all, ",a,"}, {off, ",b,"}}, "000", "000"},
+                          {{{ps, ",a,"}}, "---", "000"},
+                          {{{all, ",b,"}, {ps, ",a,"}, {noSetup, ",a,"}}, "110", "000"},
+                          {{{off, ",a,"}, {noSetup, ",a,"}}, "-0-", "-0-"},
+                          {{{off, ",b,"}, {noSetup, ",b,"}}, "-11", "-11"},
+                          {{{all, ",b,"}, {off, ",a,"}}, "101", "101"}};
+    for (const Case &c : cases) {
+        AppTool tool;
+        DbTClose(pEngPrtStrDB); // opened once in a process
+        pEngPrtStrDB = nullptr;
+        tool.WriteDb("en_US/PrtString", c.lists);
+        EXPECT_EQ(Show(GetBannerRule("a", PM_HOST)), c.direct);
+        EXPECT_EQ(Show(GetBannerRule("a", PM_SERVER)), c.server);
+    }
 }
 
 TEST(BannerMenu, StartsWithTheQueuesTextOrThatOfTheSystem) {
