@@ -20,7 +20,8 @@ REFERENCE = "en_US"
 CORE, HELP, STRINGS = "CoreString", "PrtHelp", "PrtString"
 MENU_TEXT, FETCH, TOPIC, TTY_SET = 127, 2047, 63, 25
 FOLDERS = ("common", "menu", "help", "print", "SnmpPkg", "xmt", "prndeck", "siblings")
-WINDOWS = "prndeck/gui/PrdGuiDesc.cpp"
+WINDOWS = "prndeck/gui/PrdGuiWindows.cpp"  # the table of windows; their texts stand in *Desc.cpp beside it
+SETS = "prndeck/core/PrdSets.h"
 FETCHERS = "NlsUtils"  # its own sources hand numbers through
 
 Fault = namedtuple("Fault", "file line key what")
@@ -328,10 +329,20 @@ class Checker:
     def check_windows(self, english):
         """A window's text asks for the texts 1, 2 ... of its set, one a hole; what stands there beyond is not used."""
         path, asked = self.root / WINDOWS, set()
-        source = path.read_text("utf-8") if path.exists() else ""
-        texts = {name: body.count("%s") for name, body in re.findall(r"const char (\w+)\[\] =(.*?);\n\n", source, re.S)}
-        sets = dict(re.findall(r"(GUI_SET_\w+) = (\d+)", path.with_suffix(".h").read_text("utf-8") if source else ""))
-        for name, number in re.findall(r'\{"\w+", (\w+), (GUI_SET_\w+)\}', source):
+        if not path.exists():
+            return asked
+        texts = {}
+        for source in sorted(path.parent.glob("*Desc.cpp")):
+            found = re.findall(r"const char (\w+)\[\] =(.*?);\n(?:\n|\Z)", source.read_text("utf-8"), re.S)
+            texts.update((name, body.count("%s")) for name, body in found)
+        sets = dict(re.findall(r"(SET_\w+) = (\d+)", (self.root / SETS).read_text("utf-8")))
+        rows = re.findall(r'\{"\w+",\s*(\w+),\s*(\w+)', path.read_text("utf-8"))
+        for name in sorted(texts.keys() ^ {name for name, _ in rows}):
+            self.fault(path, 0, name, "has no row in the table of windows" if name in texts else "is no text of a file *Desc.cpp")
+        for name, number in rows:
+            if name not in texts or number not in sets:
+                self.fault(path, 0, name, "its set %s is not in %s" % (number, SETS)) if number not in sets else None
+                continue
             keys = {"%s_%d" % (sets[number], i + 1) for i in range(texts[name])}
             there = {key for key in english.texts if key.startswith(sets[number] + "_")}
             for key in sorted(keys ^ there):

@@ -80,13 +80,6 @@ const char DisplaySetupDesc[] = R"(
 }
 )";
 
-const GuiDesc GuiDescs[] = {
-    {"MainWinDesc", MainWinDesc, GUI_SET_MAIN},
-    {"AboutDesc", AboutDesc, GUI_SET_ABOUT},
-    {"DisplaySetupDesc", DisplaySetupDesc, GUI_SET_DISPLAY},
-    {nullptr, nullptr, 0},
-};
-
 std::string GenGuiDesc(const char *text, int set) {
     size_t holes = 0;
     for (const char *hole = text; (hole = strstr(hole, "%s")); hole += 2) holes++;

@@ -1,23 +1,12 @@
-// The windows as texts, in the language of xmt/XmtNew.h, and the table of all of them.
+// The windows as texts, in the language of xmt/XmtNew.h.
 #pragma once
 
 #include <string>
 
-// A window's text. Each "%s" in it stands for a text of the catalogue, from number 1 on in its set.
-struct GuiDesc {
-    const char *name;
-    const char *text;
-    int set;
-};
-
+// Each "%s" stands for a text of the catalogue, from number 1 on in the window's set.
 extern const char MainWinDesc[];      // prndeck: menu, printer list, panel, tool buttons
 extern const char AboutDesc[];        // aw; the catalogue leaves one hole for the version
 extern const char DisplaySetupDesc[]; // dsw: columns of the printer list
-
-// Sets of the catalogue.
-enum { GUI_SET_MAIN = 1, GUI_SET_ABOUT = 2, GUI_SET_DISPLAY = 3 };
-
-extern const GuiDesc GuiDescs[]; // ends with a null name; read by the run and by the checker of windows
 
 // The text with the catalogue's texts in its holes; a missing one shows its key.
 std::string GenGuiDesc(const char *text, int set);

@@ -1,12 +1,12 @@
-// The printer list of the main window, and the panel of the selected printer.
-#include "prndeck/gui/PrdGui.h"
+// The list of printers.
+#include "prndeck/gui/PrdGuiList.h"
 
-#include "SnmpPkg/Pkg.h"
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "print/PrdCommonUtils.h"
 #include "prndeck/core/PrdDisc.h"
-#include "xmt/XmtMsg.h"
+#include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdGuiIds.h"
+#include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
 #include <algorithm>
@@ -14,14 +14,13 @@
 #include <cstring>
 #include <iterator>
 
-enum { LIST_SET = 20, LIST_TITLE = 10, LIST_COLUMNS = 5, LIST_READ_FAILED = 88 };
-enum { PANEL_WIDTH = 75 }; // characters of a line in the panel
+enum { LIST_TITLE = 10, LIST_COLUMNS = 5 };
+enum { LIST_INDENT = 3 }; // pixels that a list's frame shifts its rows against the title
 
 // ORDER FIELD_
 constexpr int aFieldSize[FIELD_COUNT] = {24, 24, 15, 17, 50};
 
 int DisplayStyle = DISPLAY_DEFAULT;
-int DisStyle;
 
 // ---- Columns
 
@@ -59,7 +58,7 @@ static const char *GetListTitle(size_t column) {
     static char *apTitle[LIST_COLUMNS];
     if (apTitle[column]) return apTitle[column];
     for (int i = 0; i < LIST_COLUMNS; i++)
-        apTitle[i] = SaveStr_(NlsText(pDrvCoreDB, LIST_SET, LIST_TITLE + i).c_str());
+        apTitle[i] = SaveStr_(NlsText(pDrvCoreDB, SET_MESSAGES, LIST_TITLE + i).c_str());
     return apTitle[column];
 }
 
@@ -114,6 +113,12 @@ std::string GenListEntry(int index) {
     return out;
 }
 
+void PrepareMainWindow() {
+    XmtAddMenuKeys(MENU_BAR);
+    XmtSetXmValue("scrolList_L", XmNmarginLeft, LIST_INDENT);
+    SetupPrnListDisplay();
+}
+
 void SetupPrnListDisplay() {
     if (DisplayStyle == 0) DisplayStyle = DISPLAY_DEFAULT;
     XmtSetLabelRaw("scrolList_L", GenListTitle().c_str());
@@ -129,97 +134,4 @@ void UpdatePrListDisplay() {
     for (int i = 0; i < DevCount; i++) XmtReplaceListItem("scrolList", GenListEntry(i).c_str(), i + 1);
     if (Widget list = XmtGetWidget("scrolList"); list && GetPrnEntry(Cur_Product_Index))
         XmListSelectPos(list, Cur_Product_Index + 1, 0);
-}
-
-// ---- What the selection allows
-
-void SetPrinterSelectionData(int index) {
-    static PrnEntry Last; // what pCurPrnData means while no printer is selected
-    PrnEntry *entry = GetPrnEntry(index);
-    Cur_Product_Index = entry ? index : -1;
-    if (!entry) {
-        if (pCurPrnData && pCurPrnData != &Last) CopyPrnEntry(&Last, pCurPrnData);
-        if (pCurPrnData) pCurPrnData = &Last;
-        XmtDisable("printer_menu_3_c_5, printer_menu_3_c_6");
-        return;
-    }
-    pCurPrnData = entry;
-    XmtEnable("printer_menu_3_c_5, printer_menu_3_c_6");
-}
-
-// The item of the record of the selected printer's model, or null.
-static const char *GetCurModelItem(const char *item, char *value, size_t capacity) {
-    const PrnEntry *entry = GetPrnEntry(Cur_Product_Index);
-    if (!entry || !pPPDData || entry->PpdIndex > PpdCnt) return nullptr;
-    return GetPpdKeyValue(pPPDData[entry->PpdIndex].base, item, value, capacity);
-}
-
-// ORDER SNMP_
-static constexpr const char *SnmpEntries[] = {
-    nullptr,
-    "printer_menu_3_c_6,tb3",
-    "printer_menu_3_c_3,printer_menu_3_c_5,printer_menu_3_c_6,printer_menu_3_c_7,tb3i,tb3",
-    "printer_menu_3_c_3,printer_menu_3_c_4,printer_menu_3_c_7,tb3i",
-};
-
-void GreyoutSNMP(int state) {
-    char value[PPD_VALUE];
-    const char *enabled = GetCurModelItem("SNMPServicesEnable", value, sizeof value);
-    if (enabled && strcmp(enabled, "FALSE") == 0) state = SNMP_OFF;
-    XmtDisable("printer_menu_3_c_6,printer_menu_3_c_7,tb3i,tb3");
-    if (state > SNMP_NO_PRINTER && state <= SNMP_OFF) XmtEnable(SnmpEntries[state]);
-}
-
-void GreyoutReset() {
-    char value[PPD_VALUE];
-    if (GetCurModelItem("NoPrinterReset", value, sizeof value)) XmtDisable("printer_menu_3_c_5");
-}
-
-// ---- The panel
-
-static constexpr char IconColours[] = ",fg black, bg white";
-static constexpr char FamilyIcon[] = "@icon/prfamily.xbm";
-static constexpr char NoAnswer[] = "\n\n\n";
-
-static void SetPrinterPicture(const char *icon) {
-    XmtSetLabel("PrinterPicture", (std::string(icon ? icon : FamilyIcon) + IconColours).c_str());
-}
-
-void ClearPrinterPanel() {
-    SetPrinterPicture(nullptr);
-    for (const char *label : {"mname", "msta", "mloc"}) XmtSetLabelText(label, "");
-}
-
-static const char *GetPanelText(PkgVar *var) {
-    if (var->Status != SUCCESS) return NoAnswer;
-    ConvertSNMPCharacters(var->RecText);
-    return var->RecText;
-}
-
-static bool ReadPanel(SnmpPackage *package, const char *address) {
-    static constexpr char OidConsole[] = "1.3.6.1.2.1.43.16.5.1.2.1.1";
-    static constexpr char OidLocation[] = "1.3.6.1.2.1.1.6.0";
-    static constexpr char OidStatus[] = "1.3.6.1.2.1.25.3.5.1.1.1";
-    int code =
-        SnmpSetup(package, PKG_INIT, PKG_EMPTY, OidConsole, PKG_EMPTY, OidLocation, PKG_EMPTY, OidStatus);
-    if (code == SUCCESS)
-        code = SnmpSend(package, PKG_SENDMODE, PKG_MODE_GET, PKG_PDU, PDU_GET, PKG_ADDRESSES, address);
-    return code == SUCCESS;
-}
-
-void DiscProcessPrinterSelection(int index) {
-    const PrnEntry *entry = GetPrnEntry(index);
-    if (!entry) return;
-    SnmpPackage package;
-    const char *status = "", *location = "";
-    if (ReadPanel(&package, entry->Address)) {
-        status = GetPanelText(&package.Vars[0]);
-        location = GetPanelText(&package.Vars[1]);
-    } else {
-        XmtPostMsg_(nullptr, NlsText(pDrvCoreDB, LIST_SET, LIST_READ_FAILED).c_str());
-    }
-    SetPrinterPicture(pPPDData && entry->PpdIndex <= PpdCnt ? pPPDData[entry->PpdIndex].icon : nullptr);
-    XmtSetLabelTextSize("mname", entry->Description, PANEL_WIDTH, 0);
-    XmtSetLabelTextSize("msta", status, PANEL_WIDTH, 0);
-    XmtSetLabelTextSize("mloc", location, PANEL_WIDTH, 0);
 }

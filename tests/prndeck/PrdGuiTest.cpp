@@ -8,6 +8,11 @@
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/Prd.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/gui/PrdGuiDisplay.h"
+#include "prndeck/gui/PrdGuiEvent.h"
+#include "prndeck/gui/PrdGuiIds.h"
+#include "prndeck/gui/PrdGuiList.h"
+#include "prndeck/gui/PrdGuiPanel.h"
 #include "tests/lib/AppTool.h"
 #include "tests/lib/SnmpAgent.h"
 #include "tests/lib/WindowRig.h"
@@ -369,6 +374,14 @@ TEST_F(Gui, RowsAreSelectedByTheMouse) {
     ClickAt("RefreshButton");
     EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == -1; }));
     EXPECT_EQ(XmtGetListCount("scrolList"), 3);
+}
+
+TEST_F(Gui, ObjectsBearTheNumbersThatAreHeard) {
+    for (const GuiId &id : GuiIds) {
+        const XmtObjectData *object = XmtFindObject(id.object);
+        ASSERT_TRUE(object) << id.object;
+        EXPECT_TRUE(!id.id || object->id == id.id) << id.object << " " << object->id;
+    }
 }
 
 TEST_F(Gui, DriverFrontEnd) {

@@ -7,8 +7,9 @@
 // the line and column are those of the description's text, of a macro call for what comes out of the macro.
 // Status 0 if there is none, 1 if there is, 2 if it could not be looked for.
 #include "common/DbmT.h"
-#include "prndeck/gui/PrdGuiDesc.h"
+#include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdGuiMacros.h"
+#include "prndeck/gui/PrdGuiWindows.h"
 #include "tools/checkwin/Args.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Reader.h"
@@ -20,7 +21,7 @@
 #include <fstream>
 #include <iterator>
 
-enum { SET_MACROS = 22, TEXT_SIZE = 2048 };
+enum { TEXT_SIZE = 2048 };
 
 // ---- holes
 

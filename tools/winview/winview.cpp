@@ -18,6 +18,7 @@
 #include "prndeck/core/Prd.h"
 #include "prndeck/gui/PrdGui.h"
 #include "prndeck/gui/PrdGuiDesc.h"
+#include "prndeck/gui/PrdGuiWindows.h"
 #include "tools/winview/Picture.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNew.h"
@@ -96,11 +97,10 @@ static bool ReadDescription(const View &view, std::string *text) {
     return true;
 }
 
-// Holes beyond the catalogue's texts, such as a version, get a word.
+// Holes beyond the catalogue's texts get a word.
 static std::string FillHoles(const View &view, std::string text) {
-    const GuiDesc *desc = FindShipped(view.source);
-    int set = desc ? desc->set : view.set;
-    if (set) text = GenGuiDesc(text.c_str(), set);
+    if (const GuiDesc *desc = FindShipped(view.source)) return GenGuiText(desc);
+    if (view.set) text = GenGuiDesc(text.c_str(), view.set);
     for (size_t hole; (hole = text.find("%s")) != text.npos;) text.replace(hole, 2, "text");
     return text;
 }
@@ -148,8 +148,8 @@ static std::vector<const XmtObjectData *> ListWindows() {
 // Dialogs belong to the main window, which is made first.
 static std::vector<const XmtObjectData *> MakeWindows(const View &view, const std::string &text) {
     const GuiDesc *desc = FindShipped(view.source);
-    bool flMain = desc && desc->text == MainWinDesc;
-    if (!flMain) XmtNewObject(nullptr, PrintEvent, 0, GenGuiDesc(MainWinDesc, GUI_SET_MAIN).c_str());
+    const GuiDesc *first = &GuiDescs[0]; // the main window
+    if (desc != first) XmtNewObject(nullptr, PrintEvent, 0, GenGuiText(first).c_str());
     std::vector<const XmtObjectData *> before = ListWindows(), made;
     XmtNewObject(nullptr, PrintEvent, 0, text.c_str());
     for (const XmtObjectData *object : ListWindows())

@@ -1,0 +1,55 @@
+// The handler of the main window's events.
+#include "prndeck/gui/PrdGuiEvent.h"
+
+#include "common/SysCmd.h"
+#include "common/utils.h"
+#include "prndeck/core/PrdDisc.h"
+#include "prndeck/gui/PrdGuiBusy.h"
+#include "prndeck/gui/PrdGuiDisplay.h"
+#include "prndeck/gui/PrdGuiIds.h"
+#include "prndeck/gui/PrdGuiList.h"
+#include "prndeck/gui/PrdGuiPanel.h"
+
+// The selection goes first: the model of a printer that is still selected would decide what is enabled.
+static void DeselectPrinter() {
+    SetPrinterSelectionData(-1);
+    GreyoutSNMP(SNMP_NO_PRINTER);
+    ClearPrinterPanel();
+}
+
+void DoRefresh() {
+    BusyCursor busy("prndeck");
+    DeselectPrinter();
+    SetupPrnListDisplay();
+}
+
+// n: position in the list, from 1; 0 for no printer.
+static void SelectPrinter(int n) {
+    const PrnEntry *entry = GetPrnEntry(n - 1);
+    if (!entry) return DeselectPrinter();
+    BusyCursor busy("prndeck");
+    SetPrinterSelectionData(n - 1);
+    GreyoutSNMP(entry->Flags & PRN_WEB ? SNMP_WEB : SNMP_NO_WEB);
+    DiscProcessPrinterSelection(n - 1);
+    GreyoutReset();
+}
+
+// Numbers without a reaction, and what opens windows that are not there yet, pass by.
+void WizEventHandler(XmtCallData *data) {
+    if (data->reason == XmtCR_CREATE) return;
+    int value = static_cast<int>(data->value);
+    switch (data->id) {
+    case WIZ_DRIVER: pSystem("./prnpnxxtty -FP &\n"); break;
+    case WIZ_EXIT: exit_app(0);
+    case WIZ_LIST: SelectPrinter(value); break;
+    case WIZ_REFRESH: DoRefresh(); break;
+    case WIZ_DISPLAY: OpenDisplaySetup(); break;
+    case WIZ_DISPLAY_NAME: SetDisName(value); break;
+    case WIZ_DISPLAY_ADDRESS: SetDisStyle(DISPLAY_ADDRESS, value); break;
+    case WIZ_DISPLAY_HWADR: SetDisStyle(DISPLAY_HWADR, value); break;
+    case WIZ_DISPLAY_DESCRIPTION: SetDisStyle(DISPLAY_DESCRIPTION, value); break;
+    case WIZ_DISPLAY_OK: CloseDisplaySetup(); break;
+    case WIZ_DISPLAY_APPLY: ApplyDisplaySetup(); break;
+    default: break;
+    }
+}

@@ -1,0 +1,66 @@
+// What the texts of the windows and the program agree on: the numbers under which objects are heard, and the
+// names of the entries of the menu.
+//
+// Each handler has an enum. Numbers come from the texts: an object takes the next one, so that an object put
+// in between moves all behind it. Each number has a row in GuiIds for each object that bears it, and each
+// name a row with its number, or 0 if nothing is heard of it: checkwin holds the rows against the texts.
+#pragma once
+
+// The entries of the menu, which the reader names by their place.
+#define MENU_BAR          "printer_menu"
+#define MENU_SPACER_LEFT  MENU_BAR "_1"
+#define MENU_SPACER_RIGHT MENU_BAR "_6"
+#define MENU_QUEUES       MENU_BAR "_2_b_1_pd"
+#define MENU_JOBS         MENU_BAR "_2_b_2"
+#define MENU_DISCOVERY    MENU_BAR "_2_b_3"
+#define MENU_UPGRADE      MENU_BAR "_3_c_3"
+#define MENU_BROWSER      MENU_BAR "_3_c_4"
+#define MENU_RESET        MENU_BAR "_3_c_5"
+#define MENU_PROPERTIES   MENU_BAR "_3_c_6"
+#define MENU_WEB          MENU_BAR "_3_c_7"
+#define MENU_DRIVER       MENU_BAR "_3_c_8"
+#define MENU_EXIT         MENU_BAR "_7"
+
+// WizEventHandler: 100 to 149 the main window, 150 About, 200 to 207 the display window
+enum {
+    WIZ_DRIVER = 115,
+    WIZ_EXIT = 120,
+    WIZ_LIST = 130,
+    WIZ_REFRESH = 131,
+    WIZ_DISPLAY = 200,
+    WIZ_DISPLAY_NAME = 201,
+    WIZ_DISPLAY_ADDRESS = 202,
+    WIZ_DISPLAY_HWADR = 203,
+    WIZ_DISPLAY_DESCRIPTION = 204,
+    WIZ_DISPLAY_OK = 205,
+    WIZ_DISPLAY_APPLY = 207,
+};
+
+struct GuiId {
+    int id; // 0: whatever number it has
+    const char *object;
+};
+inline constexpr GuiId GuiIds[] = {
+    {0, MENU_BAR},
+    {0, MENU_SPACER_LEFT},
+    {0, MENU_SPACER_RIGHT},
+    {0, MENU_QUEUES},
+    {0, MENU_JOBS},
+    {0, MENU_DISCOVERY},
+    {0, MENU_UPGRADE},
+    {0, MENU_BROWSER},
+    {0, MENU_RESET},
+    {0, MENU_PROPERTIES},
+    {0, MENU_WEB},
+    {WIZ_DRIVER, MENU_DRIVER},
+    {WIZ_EXIT, MENU_EXIT},
+    {WIZ_LIST, "scrolList"},
+    {WIZ_REFRESH, "RefreshButton"},
+    {WIZ_DISPLAY, "dsw"},
+    {WIZ_DISPLAY_NAME, "d_dn"},
+    {WIZ_DISPLAY_ADDRESS, "d_ip"},
+    {WIZ_DISPLAY_HWADR, "d_ea"},
+    {WIZ_DISPLAY_DESCRIPTION, "d_dt"},
+    {WIZ_DISPLAY_OK, "do"},
+    {WIZ_DISPLAY_APPLY, "da"},
+};

@@ -1,0 +1,34 @@
+// The table of all windows.
+#include "prndeck/gui/PrdGuiWindows.h"
+
+#include "common/Version.h"
+#include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdGuiDesc.h"
+#include "prndeck/gui/PrdGuiDisplay.h"
+#include "prndeck/gui/PrdGuiEvent.h"
+#include "prndeck/gui/PrdGuiList.h"
+#include "xmt/XmtNewWin.h"
+
+static std::string FillVersion() {
+    return PRN_VERSION;
+}
+
+static void PrepareAbout() {
+    XmtSetDialogButtons("aw", "awo", "awo");
+}
+
+// Dialogs belong to the main window, which is the first. A step speaks of windows up to its own.
+const GuiDesc GuiDescs[] = {
+    {"MainWinDesc", MainWinDesc, SET_MAIN, WizEventHandler, nullptr, PrepareMainWindow},
+    {"DisplaySetupDesc", DisplaySetupDesc, SET_DISPLAY, WizEventHandler, nullptr, PrepareDisplaySetup},
+    {"AboutDesc", AboutDesc, SET_ABOUT, WizEventHandler, FillVersion, PrepareAbout},
+    {},
+};
+
+std::string GenGuiText(const GuiDesc *desc) {
+    std::string text = GenGuiDesc(desc->text, desc->set);
+    if (!desc->fill) return text;
+    std::string value = desc->fill();
+    const char *values[] = {value.c_str()};
+    return FillGuiDesc(text, values, 1);
+}
