@@ -1,5 +1,6 @@
 """checkwin: the program's own windows hold no fault, and each kind of fault in a description is found at its place."""
 import os
+import re
 import subprocess
 import tempfile
 import unittest
@@ -99,6 +100,33 @@ class CheckWin(unittest.TestCase):
         with open(os.path.join(os.path.dirname(__file__), "../../doc/windows.md"), encoding="utf-8") as file:
             text = file.read().split("## A window from nothing\n\n```\n")[1].split("```")[0]
         self.assertEqual(self.check_text(text), (0, []))
+
+    def test_numbers_that_the_program_hears(self):
+        """Objects take the next number, one of their own, or their control's; each name leads to the object made last."""
+        cases = (
+            ("l RefreshButton id(131);", ()),
+            ("id(130) l scrolList ; l RefreshButton ;", ()),
+            ("id(131) bl RefreshButton l(x) L(a,b);", ()),
+            ("id(120) M printer_menu .0 { b() b() id(115) b(A~) b() b() b() id(120) b(B~) } ;", ()),
+            ("id(1) B do { l dsw id(200); l d_dn ; }", (
+                '1:9: "do" has the number 1, in PrdGuiIds it has 205', '1:31: "d_dn" has the number 2, in PrdGuiIds it has 201')),
+            ("id(205) l do l(x); bl d_ip id(9) l(x) <3 id(202)>;\nid(6) T d_ea L(x,y) id(204); l da ;", (
+                '2:32: "da" has the number 6, in PrdGuiIds it has 207',)),
+        )
+        for text, faults in cases:
+            with self.subTest(text):
+                lines = [line for line in self.check_text(text)[1] if "number" in line]
+                self.assertEqual(lines, ["FILE:" + fault for fault in faults])
+
+    def test_each_number_and_name_has_a_row(self):
+        path = os.path.join(os.path.dirname(__file__), "../../prndeck/gui/PrdGuiIds.h")
+        with open(path, encoding="utf-8") as file:
+            head, rows = file.read().split("GuiIds[] = {")
+        numbers = re.findall(r"^    ([A-Z]\w+)(?: = \d+)?,$", head, re.M)
+        names = re.findall(r"^#define (\w+)", head, re.M)
+        self.assertGreater(min(len(numbers), len(names)), 5)
+        self.assertEqual([word for word in numbers if "{%s," % word not in rows], [], "without a row in GuiIds")
+        self.assertEqual([word for word in names if "%s}" % word not in rows], [], "without a row in GuiIds")
 
     def test_holes_against_the_catalogue(self):
         """Set 3 has nine texts."""

@@ -52,6 +52,14 @@ static void WantNumbers(const Reading *r, bool flTwo) {
     if (close == ',') Report(r->place, "%s(...): too many values", r->token.c_str());
 }
 
+// For the next object; 0 means the number that the counter has.
+static void ReadId(const Reading *r) {
+    Scan number = *r->cursor;
+    GivenId = TakeNumber(&number);
+    if (GivenId == 0) GivenId = NextId;
+    WantNumbers(r, false);
+}
+
 static void WantFlags(const Reading *r, bool flTwo) {
     char close;
     for (int left = flTwo ? 2 : 1; left > 0; left--) {
@@ -179,7 +187,7 @@ static void ReadOne(const Reading *r, const XmtArgRow *row) {
     case XMT_ARG_LETTER: WantLetter(r, row->second); break;
     case XMT_ARG_ALIGNMENT: WantLetter(r, "l0c1r2"); break;
     case XMT_ARG_SIZE: WantNumbers(r, true); break;
-    case XMT_ARG_ID: WantNumbers(r, false); break;
+    case XMT_ARG_ID: ReadId(r); break;
     case XMT_ARG_FONT:
     case XMT_ARG_KEYS: WantText(r); break;
     case XMT_ARG_MACRO: ReadMacro(r); break;

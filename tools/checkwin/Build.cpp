@@ -5,6 +5,7 @@
 #include "tools/checkwin/Menu.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Report.h"
+#include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewTab.h"
 #include "xmt/XmtNewWin.h"
 
@@ -69,7 +70,7 @@ static int BuildSimple(Scan *cursor, int type, int parent) {
 static int BuildWindow(Scan *cursor) {
     Args args;
     ReadArguments(cursor, ARGS_RAW_LABEL, &args);
-    int shell = AddObject(args.name.chars + "_shell", args.name.place(0), XmtShell, -1);
+    int shell = AddObject(args.name.chars + "_shell", args.name.place(0), AUX_SHELL, -1);
     int window = AddWidget(args.name.chars, args.name.place(0), XmtMainWindow, args, shell);
     if (MainWindow < 0) MainWindow = window;
     return window;
@@ -87,8 +88,8 @@ static int BuildDialog(Scan *cursor, int type, int parent) {
 }
 
 static int BuildPulldown(Scan *cursor, int parent) {
-    int menu = BuildSimple(cursor, XmtMenu, parent);
-    AddObject(ObjectOf(menu)->name + "_cb", {}, XmtCascadeBut, parent);
+    int menu = BuildSimple(cursor, AUX_MENU, parent);
+    AddObject(ObjectOf(menu)->name + "_cb", {}, AUX_CASCADE, parent);
     return menu;
 }
 
@@ -163,8 +164,8 @@ static int AddBox(Compound *c, int *slot) {
     CheckLabel(*c);
     *slot = 1;
     if (!c->parts.flLabel) return c->parent;
-    int box = AddPlain(c, "_B1", XmtBox, 1, c->parent);
-    AddPlain(c, "_L", XmtLabel, 2, box);
+    int box = AddPlain(c, "_B1", AUX_BOX, 1, c->parent);
+    AddPlain(c, "_L", AUX_LABEL, 2, box);
     *slot = 3;
     return box;
 }
@@ -172,7 +173,20 @@ static int AddBox(Compound *c, int *slot) {
 static void AddItems(Compound *c, int type, int slot, int parent) {
     size_t count = c->parts.flList && !c->parts.list.empty() ? SplitList(c->parts.list).size() : 0;
     c->used |= 1 << slot;
-    for (size_t i = 1; i <= count; i++) AddPlain(c, ("_" + std::to_string(i)).c_str(), type, slot, parent);
+    for (size_t i = 1; i <= count; i++) {
+        GivenId = NextId - 1; // items bear the number of their control
+        AddPlain(c, ("_" + std::to_string(i)).c_str(), type | XMT_AUX, slot, parent);
+    }
+}
+
+static int AddPulldown(Compound *c, int slot, int control) {
+    GivenId = NextId - 1;
+    return AddPlain(c, "_pd", AUX_MENU, slot, control);
+}
+
+static void AddIcon(const Compound &c, int box) {
+    GivenId = NextId - 1;
+    AddObject(c.name + "_i", c.place, AUX_LABEL, box);
 }
 
 static bool HasIcon(const Compound &c) {
@@ -189,16 +203,16 @@ static int BuildCompound(Scan *cursor, int type, const char *letters, int parent
     if (type == XmtToggleBut) c.parts.flLabel = false; // it shows its own
     bool flIcon = HasIcon(c);
     int box = AddBox(&c, &slot);
-    if (slot == 1 && flIcon) box = AddPlain(&c, "_B1", XmtBox, 1, parent), slot = 2;
+    if (slot == 1 && flIcon) box = AddPlain(&c, "_B1", AUX_BOX, 1, parent), slot = 2;
     int control = AddPart(&c, "", type, slot++, box, &args);
     CheckControlFormat(c, args);
     int owner = control;
-    if (strchr(letters, 'm')) owner = AddPlain(&c, "_pd", XmtMenu, slot, control);
+    if (strchr(letters, 'm')) owner = AddPulldown(&c, slot, control);
     if (strchr(letters, 'L')) AddItems(&c, type, slot, owner);
     if (c.parts.flList && !strchr(letters, 'L'))
         Report(c.parts.list.place(0), "\"%s\" takes no list", c.name.c_str());
-    if (type == XmtCreatedListBut) AddObject(c.name + "_cb", c.place, XmtCascadeBut, box);
-    if (flIcon) AddObject(c.name + "_i", c.place, XmtLabel, box);
+    if (type == XmtCreatedListBut) AddObject(c.name + "_cb", c.place, AUX_CASCADE, box);
+    if (flIcon) AddIcon(c, box);
     CheckGroups(c);
     return control;
 }
@@ -210,7 +224,7 @@ static int BuildListBox(Scan *cursor, int type, int parent) {
     c.type = type, c.parent = parent;
     ReadCompound(cursor, &c);
     int box = AddBox(&c, &slot);
-    int around = AddPart(&c, "_Form", XmtForm, 0, box, &form);
+    int around = AddPart(&c, "_Form", AUX_FORM, 0, box, &form);
     c.used |= 1 << 3;
     ReadPart(c.parts, 3, &args);
     args.attachments.clear(); // the list fills the form; those of the general text are the form's
@@ -257,12 +271,29 @@ static int AddTabs(Compound *c, int form, int pageType) {
     return page;
 }
 
+// The number of a tab form is taken out of the text that its parts read: they count from one below it. The
+// counter to go back to, 0 without a number.
+static int TakeTabId(Compound *c) {
+    Text *general = &c->parts.slots[0];
+    std::string rest = general->chars, value;
+    if (!StripArg("id", &rest, &value)) return 0;
+    size_t at = 0, count = general->chars.size() - rest.size();
+    while (at < rest.size() && general->chars[at] == rest[at]) at++;
+    Text kept = general->part(0, at);
+    kept.add(general->part(at + count, general->chars.size()));
+    *general = kept;
+    int saved = NextId;
+    NextId = atoi(value.c_str() + value.find('(') + 1) - 1;
+    return saved;
+}
+
 static int BuildTab(Scan *cursor, int pageType, int parent) {
     Compound c;
     Args args;
     c.type = XmtTabForm, c.parent = parent;
     ReadCompound(cursor, &c);
     CheckLabel(c);
+    int saved = TakeTabId(&c);
     ReadPart(c.parts, 0, &args);
     parent = ParentOf(args, parent);
     int form = parent;
@@ -273,6 +304,7 @@ static int BuildTab(Scan *cursor, int pageType, int parent) {
         Report(c.place, "\"%s\": a tab wants a label", c.name.c_str());
     }
     int page = AddTabs(&c, form, pageType);
+    if (saved) NextId = saved;
     CheckGroups(c);
     return page;
 }

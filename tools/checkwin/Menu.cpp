@@ -6,6 +6,7 @@
 #include "tools/checkwin/Report.h"
 #include "xmt/Xmt.h"
 #include "xmt/XmtNew.h"
+#include "xmt/XmtNewBuild.h"
 
 #include <cctype>
 #include <cstring>
@@ -75,8 +76,8 @@ static void AddMenu(MenuBar *bar, MenuLevel *level, const Place &place) {
     level->flMenu = true;
     CheckItem(bar, level, TakeList(bar->cursor), place);
     std::string name = EntryName(bar, *level, false) + "_pd";
-    AddObject(name, place, XmtMenu, bar->number);
-    AddObject(name + "_cb", place, XmtCascadeBut, bar->number);
+    AddObject(name, place, AUX_MENU, bar->number);
+    AddObject(name + "_cb", place, AUX_CASCADE, bar->number);
 }
 
 static void ReadMenuBody(MenuBar *bar, MenuLevel *level, const Place &place) {
@@ -101,7 +102,7 @@ static void ReadEntry(MenuBar *bar, MenuLevel *level, char ch, const Place &plac
     case 'a': break;
     case 'i':
         if (cursor->skip('d'))
-            TakeNumber(cursor);
+            NextId = TakeNumber(cursor);
         else
             ReadFile(bar, place);
         break;
@@ -129,7 +130,7 @@ int BuildMenu(Scan *cursor, int parent) {
     CollectParts(cursor, &parts);
     ReadPart(parts, 1, &args);
     Place place = parts.name.place(0);
-    MenuBar bar = {cursor, parts.name.chars, AddObject(parts.name.chars, place, XmtMenuBar, parent), 0};
+    MenuBar bar = {cursor, parts.name.chars, AddObject(parts.name.chars, place, AUX_BAR, parent), 0};
     cursor->skipSpace();
     bool flBrace = cursor->skip('{');
     ReadLevel(&bar, "", place);

@@ -6,15 +6,23 @@
 struct WinObject {
     std::string name, source;
     int type;
-    int parent; // number of another, -1 for none
-    int tabs;   // of a tab form
+    int parent; // index of another, -1 for none
+    int id;     // its number in events
+    Place place;
+    int tabs; // of a tab form
     bool flList;
 };
 
-// The number of the new object. A name that is taken is reported, and leads to the new one from then on.
+// Numbers of objects: the next of the counter, unless one is given for the next object alone (0: none is).
+extern int NextId, GivenId;
+
+// The index of the new object, which takes its number; one with XMT_AUX in its type leaves the counter. A
+// name that is taken is reported, and leads to the new one from then on.
 int AddObject(const std::string &name, const Place &place, int type, int parent);
+// Reports an object that is not there, or that has another number; with 0 any will do.
+void CheckId(const char *name, int id);
 int FindObject(const std::string &name); // -1 for none, and for an empty name
-WinObject *ObjectOf(int number);
+WinObject *ObjectOf(int index);
 void ForgetObjects();
 // A name out of a format: it may come in a later description, so that CheckWanted looks for it.
 void WantObject(const Text &name);

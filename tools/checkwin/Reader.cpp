@@ -97,7 +97,7 @@ static void RunKey(Level *level, const std::string &key, int row) {
     size_t start = In()->at;
     switch (Objs[row].kind) {
     case XMT_KIND_PARENT: SetParent(level); break;
-    case XMT_KIND_ID: ReadKeyValue(), level->object = -1; break;
+    case XMT_KIND_ID: NextId = atoi(ReadKeyValue().chars.c_str()), level->object = -1; break;
     case XMT_KIND_SELECT: ReadKnownObject(level); break;
     case XMT_KIND_CHANGE: ChangeObject(level); break;
     default:

@@ -8,6 +8,7 @@
 // Status 0 if there is none, 1 if there is, 2 if it could not be looked for.
 #include "common/DbmT.h"
 #include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiMacros.h"
 #include "prndeck/gui/PrdGuiWindows.h"
 #include "tools/checkwin/Args.h"
@@ -110,6 +111,11 @@ static void CheckShipped(const Catalogue &catalogue) {
         CheckDescription(catalogue, desc->name, desc->text, nullptr, desc->set);
 }
 
+// What the program hears by number.
+static void CheckIds() {
+    for (const GuiId &id : GuiIds) CheckId(id.object, id.id);
+}
+
 struct Job {
     const char *stage, *file; // file null: the shipped ones alone
     std::string text;         // of the file
@@ -128,6 +134,7 @@ static bool CheckLanguage(const Job &job, const std::filesystem::path &directory
     CheckShipped(catalogue);
     if (job.file) CheckDescription(catalogue, job.file, job.text, nullptr, job.set);
     CheckWanted();
+    CheckIds();
     DbTClose(catalogue.handle);
     return true;
 }
