@@ -10,3 +10,7 @@ void NlsTtyMenuCvt(char **field, int number);
 void NlsTtyMenuItemCvt(TextMenuItem *items, int number, int count);
 void NlsTtyMenuItemStateCvt(TextMenuItem *items, int number, int count);
 void NlsTtyMenuItemPromptCvt(TextMenuItem *items, int number, int count);
+
+// Fills the title of a menu and the label, prompt and choices of its rows, each that has a number, and gives
+// back what an earlier call put there. Owns: the texts stay until the next call for the menu.
+void FillMenuTexts(TextMenu *menu);

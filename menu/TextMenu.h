@@ -65,17 +65,24 @@ union MenuVal {
 typedef int (*MenuCall)(TextMenu *menu);
 typedef int (*ItemCall)(TextMenu *menu, TextMenuItem *item);
 
+enum { MENU_NO_KEY = -1 };
+
+// A number of 0 stands for no text of the catalogue. Only rows of a MenuTable carry keys.
 struct TextMenuItem {
+    int key = MENU_NO_KEY; // place in the table, as the enumerator that callbacks use
     const char *text =
-        nullptr; // null ends the table; "~x Label" is chosen by the letter x instead of a number
+        nullptr;     // null ends the table; "~x Label" is chosen by the letter x instead of a number
+    int nlsText = 0; // its number in set 25, for FillMenuTexts
     int type = ITEM_TEXT;
     int state = STATE_NORMAL;
     const char *prompt = nullptr; // question of an entry item, without the colon
-    char *choices = nullptr;      // writable comma list; each choice led by _ (visible) or a blank (hidden)
-    char *current = nullptr;      // managed copy of the choice of the value; fetched anew for each display
-    MenuVal initial = {.i = 0};   // the default: what InitMenu sets
-    MenuVal value = {.i = 0};     // types 11, 12: a buffer of MENU_TEXT_SIZE bytes, or null
-    intptr_t previous = 0;        // number before the last change
+    int nlsPrompt = 0;
+    char *choices = nullptr; // writable comma list; each choice led by _ (visible) or a blank (hidden)
+    int nlsChoices = 0;
+    char *current = nullptr;    // managed copy of the choice of the value; fetched anew for each display
+    MenuVal initial = {.i = 0}; // the default: what InitMenu sets
+    MenuVal value = {.i = 0};   // types 11, 12: a buffer of MENU_TEXT_SIZE bytes, or null
+    intptr_t previous = 0;      // number before the last change
     ItemCall callback = nullptr;
     int length = 0;               // of the text, in characters; set by InitMenu
     const char *format = nullptr; // 11 to 14: ValidateEntry; 9, 10: ProcessStateFormat; 8: ValidateMenu
@@ -87,6 +94,7 @@ struct TextMenuItem {
 
 struct TextMenu {
     const char *title = nullptr; // its first line is measured for the title mode
+    int nlsTitle = 0;            // its number in set 25, for FillMenuTexts; 0 for none
     int titleMode = TITLE_LEFT;
     const char *exitPrompt = nullptr; // question when the user leaves with changes; yes applies them
     MenuCall exitCallback = nullptr;  // the menu's apply function

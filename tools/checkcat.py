@@ -9,7 +9,8 @@ if there was one. With --unused a text that no source asks for is a fault as wel
 The rules that a text must meet stand in the English catalogue, in comments of the form "$ rule NUMBERS: WORDS"; its head
 explains the words. The sources are read for calls of the fetching functions. A number may be written there as a literal,
 an enumerator, a choice between such (?:), a sum with the counter of a for loop, a field of a table's row, or a parameter:
-then the function counts as a fetching function itself and its callers are read in the same way.
+then the function counts as a fetching function itself and its callers are read in the same way. Rows of menus name their
+numbers beside the English text, which is held against the catalogue.
 """
 import re
 import sys
@@ -311,7 +312,8 @@ class Checker:
         sources = Sources(self.root, self.fault)
         self.check_string_keys(sources)
         asked |= self.check_windows(english)
-        for use in sources.uses():
+        self.check_menu_rows(sources, english)
+        for use in list(sources.uses()) + [row.use for row in sources.menu_rows]:
             asked.add(use.key)
             text = english.texts.get(use.key)
             if text is None:
@@ -366,6 +368,14 @@ class Checker:
                     if token and token.kind == "text" and token.text.strip('"') not in known:
                         self.fault(file.path, token.line, token.text.strip('"'), "is asked for and stands in no record")
 
+    def check_menu_rows(self, sources, english):
+        """A number that was mistyped gets another text than the one that the row tells."""
+        for row in sources.menu_rows:
+            there = english.texts.get(row.use.key)
+            if there and row.text != there.value:
+                self.fault(row.use.file, row.use.line, row.use.key, "is \"%s\", and the menu's row has %s beside the number"
+                           % (there.value, "no text" if row.text is None else "\"%s\"" % row.text))
+
     def check_menu(self, use):
         for catalogues in self.languages.values():
             text = catalogues[CORE].texts.get(use.key, Text("", 0))
@@ -380,6 +390,7 @@ Token = namedtuple("Token", "kind text line")
 Function = namedtuple("Function", "file name params start end static")
 Use = namedtuple("Use", "file line key menu signature")
 Param = namedtuple("Param", "index offset")
+MenuRow = namedtuple("MenuRow", "use text")
 
 
 class Fetcher(namedtuple("Fetcher", "group number count menu signature values")):
@@ -398,6 +409,9 @@ KNOWN = {
     "NlsTtyMenuItemStateCvt": Fetcher((TTY_SET,), 1, 2, True, None, None),
     "NlsTtyMenuItemPromptCvt": Fetcher((TTY_SET,), 1, 2, True, None, None),
 }
+
+# Fields of a menu and its rows that hold numbers, and the fields with their English texts. FillMenuTexts walks them.
+MENU_FIELDS = {"nlsTitle": "title", "nlsText": "text", "nlsPrompt": "prompt", "nlsChoices": "choices"}
 
 LEXEMES = re.compile(r"""(?P<skip>\s+|//[^\n]*|/\*.*?\*/|\#(?:[^\n\\]|\\.)*)|(?P<text>"(?:[^"\\]|\\.)*")|(?P<char>'(?:[^'\\]|\\.)*')
     |(?P<number>\d[\w']*)|(?P<name>[A-Za-z_]\w*)|(?P<mark>->|::|<<|>>|&&|\|\||[<>=!+*/%&|^-]=|\+\+|--|.)""", re.S | re.X)
@@ -535,6 +549,43 @@ class Sources:
         self.files = [Source(path) for path in paths]
         self.headers = [f for f in self.files if f.path.suffix == ".h"]
         self.constants = {}  # file: name: value
+        self.menu_rows = [row for file in self.files for row in self.find_menu_rows(file)]
+
+    def find_menu_rows(self, file):
+        for at, word in enumerate(file.words):
+            if word in MENU_FIELDS and file.words[at - 2] in ("{", ",") and file.words[at + 1] == "=":
+                brace = self.brace_around(file, at)
+                cells = {file.words[a + 1]: (a + 3, b) for a, b in file.split(brace + 1, file.close(brace))}
+                number = self.values(file, cells[word], None, None)
+                line = file.tokens[at].line
+                if not number:
+                    self.report(file.path, line, word, "which text this asks for can't be read from the source")
+                for n in number:
+                    text = self.literal(file, cells[MENU_FIELDS[word]]) if MENU_FIELDS[word] in cells else None
+                    yield MenuRow(Use(file.path, line, "%d_%d" % (TTY_SET, n), True, None), text)
+
+    @staticmethod
+    def brace_around(file, at):
+        depth = 0
+        while depth <= 0:
+            at -= 1
+            depth += (file.words[at] in ("(", "{", "[")) - (file.words[at] in (")", "}", "]"))
+        return at
+
+    @staticmethod
+    def literal(file, span):
+        """The text of a literal, or of the array of characters that is named."""
+        first, end = span
+        if file.tokens[first].kind == "name":
+            heads = (i for i in range(len(file.words) - 4) if file.words[i:i + 5] == ["char", file.words[first], "[", "]", "="])
+            first = next(heads, None)
+            if first is None:
+                return None
+            first, end = first + 5, file.words.index(";", first)
+        words = file.tokens[first:end]
+        if not words or any(token.kind != "text" for token in words):
+            return None
+        return re.sub(r"\\(.)", lambda m: Catalogue.ESCAPES.get(m[1], m[1]), "".join(token.text[1:-1] for token in words))
 
     def uses(self):
         """Every text that is asked for. Wrappers are followed until no new one turns up."""
@@ -559,6 +610,9 @@ class Sources:
         if fetcher.number >= len(spans):  # by a key of its own
             yield from self.key_uses(file, at, spans)
             return
+        first, end = spans[fetcher.number]
+        if file.words[end - 1] in MENU_FIELDS and file.words[end - 2] in (".", "->"):
+            return  # the rows themselves are read
         signature = self.signature(file, at, spans, fetcher)
         numbers = []
         for row in self.rows(file, at, spans):

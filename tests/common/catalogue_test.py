@@ -25,6 +25,9 @@ DAMAGES = [
 Wrong = namedtuple("Wrong", "name source key what")
 WRONG = [
     Wrong("text that is nowhere", "void F() { NlsTtyMenuCvt(&t, 7777); }", "25_7777", "stands in no catalogue"),
+    Wrong("row with another's number", 'TextMenuItem T[] = {{.text = "Apply", .nlsText = 51}, {}};', "25_51", "the menu's row has \"Apply\""),
+    Wrong("row with a number that is nowhere", 'TextMenuItem T[] = {{.text = "Apply", .nlsText = 7777}};', "25_7777", "stands in no catalogue"),
+    Wrong("row with another's choices", 'char Two[] = "_No,_Yes"; TextMenuItem T[] = {{.choices = Two, .nlsChoices = 258}};', "25_258", '"_No,_Yes" beside'),
     Wrong("arguments of another type", 'void F() { Use(NlsFmt(NlsText(h, 25, 1003).c_str(), "ss", a, b)); }', "25_1003", '"ss"'),
 ]
 

@@ -1,6 +1,7 @@
 // State formats, conditions and choices: what they do to the items of a menu.
 #include "menu/MenuState.h"
 
+#include "menu/MenuTable.h"
 #include "tests/lib/MenuDump.h"
 
 #include <cstring>
@@ -137,4 +138,10 @@ TEST(MenuState, HidesAndShowsChoices) {
     EXPECT_STREQ(state.choices, "_a,_b,_c");
     HideStateSelection(&state.items[5], 0);
     EXPECT_EQ(state.items[5].value.i, 0) << "a bit set does not move";
+}
+
+TEST(StateText, MakesFormatsFromEnumerators) {
+    enum Item { FIRST, SECOND, LAST = 123 };
+    const char *format = StateText<HideItems(10, LAST, SECOND), ProcessItems({0, 1, 12}, FIRST)>;
+    EXPECT_STREQ(format, "H10{123,1} P0|1|12{0}");
 }
