@@ -5,7 +5,7 @@
 // menu reads the lists anew.
 #pragma once
 
-#include "menu/TextMenu.h"
+#include "menu/MenuTable.h"
 #include "print/MainUtils.h"
 #include "prndeck/core/PrdQueLine.h"
 #include "prndeck/core/PrdQueList.h"
@@ -27,7 +27,6 @@ enum {
     TTY_HOST_AND_QUEUE = 57,
     TTY_PRINTER = 58,
     TTY_HOST = 67,
-    TTY_COPY_TITLE = 82,
     TTY_COPY_MODEL = 91,
     TTY_DELETE_QUESTION = 1104,
     TTY_DELETE_PROMPT = 1106,
@@ -40,8 +39,10 @@ enum { MSG_NO_ADDRESS = 126, MSG_NO_REMOTE = 129 };
 #define TTY_HOST_FORMAT "!(0.0.0.0)|!(255.255.255.255)|d(0,255).d(0,255).d(0,255).d(0,255)|t(1,255)"
 #define TTY_NAME_FORMAT "A(1,14)+-+_"
 
-// Items of the menus, by their place in the tables. ORDER AddPrinterMenuItems
-enum {
+enum { PICK_OFF, PICK_ON }; // "disabled" and "enabled", "No" and "Yes"
+
+// Items of the menus: the keys of the rows, which their tables hold in this order.
+enum AddItem {
     ADD_NAME,
     ADD_MODEL,
     ADD_PRINTING_MODEL,
@@ -62,10 +63,8 @@ enum {
     ADD_CANCEL,
     ADD_END
 };
-// ORDER ModifyQueMenuItems
-enum {
-    MOD_LABELS = 0,
-    MOD_NAME = 0,
+enum ModifyItem {
+    MOD_NAME,
     MOD_MODEL,
     MOD_PRINTING_MODEL,
     MOD_CONNECTION,
@@ -83,8 +82,7 @@ enum {
     MOD_CANCEL,
     MOD_END
 };
-// ORDER CloneQueMenuItems
-enum {
+enum CopyItem {
     COPY_MODEL,
     COPY_NAME,
     COPY_PRINTING_MODEL,
@@ -98,12 +96,13 @@ enum {
     COPY_CANCEL,
     COPY_END
 };
-// ORDER MainMenuItems
-enum { MAIN_ADD, MAIN_MODIFY, MAIN_COPY, MAIN_DELETE, MAIN_DUMP, MAIN_EXIT, MAIN_QUEUES, MAIN_END };
+enum MainItem { MAIN_ADD, MAIN_MODIFY, MAIN_COPY, MAIN_DELETE, MAIN_DUMP, MAIN_EXIT, MAIN_QUEUES, MAIN_END };
 
 extern TextMenu MainMenu, AddPrinterMenu, ModifyQueMenu, CloneQueMenu;
-extern TextMenuItem MainMenuItems[MAIN_END + 1], AddPrinterMenuItems[ADD_END + 1],
-    ModifyQueMenuItems[MOD_END + 1], CloneQueMenuItems[COPY_END + 1];
+extern MenuTable<MAIN_END> MainMenuItems;
+extern MenuTable<ADD_END> AddPrinterMenuItems;
+extern MenuTable<MOD_END> ModifyQueMenuItems;
+extern MenuTable<COPY_END> CloneQueMenuItems;
 
 // The queue lists as they are shown; managed. Writer: InitMainMenu.
 extern char *pExistingPrinterList;      // all queues behind their heading

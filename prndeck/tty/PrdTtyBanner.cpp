@@ -8,20 +8,11 @@
 #include "print/MainUtils.h"
 
 #include <cstdio>
-#include <iterator>
 
 char BannerLine[BANNER_TEXT];
 
-// Three rows of a title and its size, then the rest.
-enum { BM_TITLE = 0, BM_SIZE = 1, BM_ROW = 2, BM_AS_DEFAULT = 6, BM_SAVE = 9, BM_RESTORE, BM_LEAVE };
-enum {
-    TEXT_APPLY = 9,
-    TEXT_CANCEL = 10,
-    TEXT_RESTORE = 12,
-    TEXT_TITLE = 210,
-    TEXT_LABELS = 211,
-    TEXT_PROMPTS = 1111
-};
+// Three times a title and its size: items of one of them.
+enum { BM_TITLE = BM_TITLE_1, BM_SIZE = BM_SIZE_1, BM_ROW = BM_TITLE_2 - BM_TITLE_1 };
 
 static char Sizes1[] = "8,10,12,14,16,18,20,22,24,26,28,30,32,34,36,38,40";
 static char Sizes2[] = "8,10,12,14,16,18,20,22,24,26,28,30,32,34,36,38,40";
@@ -30,67 +21,76 @@ static char NoYes[] = "_No,_Yes";
 static char TitleDefaults[BANNER_ROWS][MENU_TEXT_SIZE];
 
 // Values and defaults are filled at run time, labels and prompts whenever the menu is made.
-TextMenuItem ConfigureBannerPageMenuItems[] = {
-    {.text = "Title 1",
+static constexpr TextMenuItem ConfigureBannerPageRows[] = {
+    {.key = BM_TITLE_1,
+     .text = "Title 1",
+     .nlsText = 211,
      .type = ITEM_OPTIONAL,
      .prompt = "Enter description for title 1",
+     .nlsPrompt = 1111,
      .format = "t(1,80)"},
-    {.text = "Font Size for Title 1",
+    {.key = BM_SIZE_1,
+     .text = "Font Size for Title 1",
+     .nlsText = 212,
      .type = ITEM_PICK,
      .choices = Sizes1,
      .initial = {.i = BANNER_DEFAULT_SIZE}},
-    {.text = "Title 2",
+    {.key = BM_TITLE_2,
+     .text = "Title 2",
+     .nlsText = 213,
      .type = ITEM_OPTIONAL,
      .prompt = "Enter description for title 2",
+     .nlsPrompt = 1112,
      .format = "t(1,80)"},
-    {.text = "Font Size for Title 2",
+    {.key = BM_SIZE_2,
+     .text = "Font Size for Title 2",
+     .nlsText = 214,
      .type = ITEM_PICK,
      .choices = Sizes2,
      .initial = {.i = BANNER_DEFAULT_SIZE}},
-    {.text = "Title 3",
+    {.key = BM_TITLE_3,
+     .text = "Title 3",
+     .nlsText = 215,
      .type = ITEM_OPTIONAL,
      .prompt = "Enter description for title 3",
+     .nlsPrompt = 1113,
      .format = "t(1,80)"},
-    {.text = "Font Size for Title 3",
+    {.key = BM_SIZE_3,
+     .text = "Font Size for Title 3",
+     .nlsText = 216,
      .type = ITEM_PICK,
      .choices = Sizes3,
      .initial = {.i = BANNER_DEFAULT_SIZE}},
-    {.text = "Use as default title", .type = ITEM_PICK, .choices = NoYes},
-    {.text = "", .type = ITEM_TEXT},
-    {.text = "", .type = ITEM_BAR, .value = {.i = 3}},
-    {.text = "Apply", .type = ITEM_APPLY, .callback = SaveBannerInfoTty},
-    {.text = "Restore titles", .type = ITEM_ACTION, .callback = RestoreBannerInfoTty},
-    {.text = "Cancel", .type = ITEM_CANCEL},
+    {.key = BM_AS_DEFAULT,
+     .text = "Use as default title",
+     .nlsText = 217,
+     .type = ITEM_PICK,
+     .choices = NoYes},
+    {.key = BM_BLANK, .text = "", .type = ITEM_TEXT},
+    {.key = BM_BAR, .text = "", .type = ITEM_BAR, .value = {.i = 3}},
+    {.key = BM_SAVE, .text = "Apply", .nlsText = 9, .type = ITEM_APPLY, .callback = SaveBannerInfoTty},
+    {.key = BM_RESTORE,
+     .text = "Restore titles",
+     .nlsText = 12,
+     .type = ITEM_ACTION,
+     .callback = RestoreBannerInfoTty},
+    {.key = BM_LEAVE, .text = "Cancel", .nlsText = 10, .type = ITEM_CANCEL},
     {},
 };
-static_assert(std::size(ConfigureBannerPageMenuItems) == BM_LEAVE + 2);
+constinit MenuTable<BM_END> ConfigureBannerPageMenuItems = MakeMenuTable<BM_END, ConfigureBannerPageRows>();
+
+static TextMenu BannerMenu = {.title = "Configure Banner Page",
+                              .nlsTitle = 210,
+                              .titleMode = TITLE_CENTRE,
+                              .initCallback = InitBannerInfoMenu,
+                              .items = ConfigureBannerPageMenuItems,
+                              .flags = MENU_HELP};
 
 // Takes the texts of the catalogue as it is now, and gives up those of the last visit.
-static void ConvertBannerItems() {
-    TextMenuItem *items = ConfigureBannerPageMenuItems;
-    for (int i = 0; items[i].text; i++) {
-        PutMem(items[i].text);
-        PutMem(items[i].prompt);
-    }
-    NlsTtyMenuItemCvt(&items[BM_TITLE], TEXT_LABELS, BM_AS_DEFAULT + 1);
-    NlsTtyMenuItemCvt(&items[BM_SAVE], TEXT_APPLY, 1);
-    NlsTtyMenuItemCvt(&items[BM_RESTORE], TEXT_RESTORE, 1);
-    NlsTtyMenuItemCvt(&items[BM_LEAVE], TEXT_CANCEL, 1);
-    for (int i = 0; i < BANNER_ROWS; i++) NlsTtyMenuItemPromptCvt(&items[i * BM_ROW], TEXT_PROMPTS + i, 1);
-}
-
 int BannerInfoSetupTty(TextMenu *menu, TextMenuItem *) {
-    char *title = nullptr;
-    NlsTtyMenuCvt(&title, TEXT_TITLE);
-    ConvertBannerItems();
-    TextMenu banner = {.title = title,
-                       .titleMode = TITLE_CENTRE,
-                       .parent = menu,
-                       .initCallback = InitBannerInfoMenu,
-                       .items = ConfigureBannerPageMenuItems,
-                       .flags = MENU_HELP};
-    RunMenu(&banner, nullptr, 1);
-    PutMem(title);
+    FillMenuTexts(&BannerMenu);
+    BannerMenu.parent = menu;
+    RunMenu(&BannerMenu, nullptr, 1);
     return 0;
 }
 

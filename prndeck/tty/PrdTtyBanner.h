@@ -1,11 +1,27 @@
 // The banner menu of the terminal: titles and sizes, kept as a banner text (PrdBanner.h).
 #pragma once
 
-#include "menu/TextMenu.h"
+#include "menu/MenuTable.h"
 #include "prndeck/core/PrdBanner.h"
 
 extern char BannerLine[BANNER_TEXT]; // the terminal's banner text; writers: the functions below
-extern TextMenuItem ConfigureBannerPageMenuItems[];
+
+enum BannerItem {
+    BM_TITLE_1,
+    BM_SIZE_1,
+    BM_TITLE_2,
+    BM_SIZE_2,
+    BM_TITLE_3,
+    BM_SIZE_3,
+    BM_AS_DEFAULT,
+    BM_BLANK,
+    BM_BAR,
+    BM_SAVE,
+    BM_RESTORE,
+    BM_LEAVE,
+    BM_END
+};
+extern MenuTable<BM_END> ConfigureBannerPageMenuItems;
 
 int BannerInfoSetupTty(TextMenu *menu, TextMenuItem *item);
 int InitBannerInfoMenu(TextMenu *menu);

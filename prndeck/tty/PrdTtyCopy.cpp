@@ -1,10 +1,8 @@
 // Copy a queue at the terminal.
 #include "prndeck/tty/PrdTty.h"
 
-#include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/Token.h"
-#include "menu/MenuText.h"
 #include "print/PrdCommonUtils.h"
 
 #include <cstdio>
@@ -18,40 +16,57 @@ static char HostDefault[MENU_TEXT_SIZE];
 static char DeviceDefault[MENU_TEXT_SIZE];
 static char ServerPrinterDefault[MENU_TEXT_SIZE];
 
-// The first label and the defaults are those of the queue to copy, set by InitCloneQueMenu. ORDER
-// CloneQueMenuItems
-TextMenuItem CloneQueMenuItems[] = {
-    {.text = ModelLabel, .type = ITEM_TEXT},
-    {.text = "Queue name: ",
+// The first label and the defaults are those of the queue to copy, set by InitCloneQueMenu.
+static constexpr TextMenuItem CloneQueRows[] = {
+    {.key = COPY_MODEL, .text = ModelLabel, .type = ITEM_TEXT},
+    {.key = COPY_NAME,
+     .text = "Queue name: ",
      .type = ITEM_REQUIRED,
      .prompt = "\nEnter the name of the queue: ",
      .format = TTY_NAME_FORMAT},
-    {.text = "Printing model: ", .type = ITEM_PICK, .choices = PrintingModels, .format = "H0{6}"},
-    {.text = "Printer connection: ", .type = ITEM_PICK, .choices = Connections, .format = "H0{5} H1{4}"},
-    {.text = "Printer host name: ",
+    {.key = COPY_PRINTING_MODEL,
+     .text = "Printing model: ",
+     .nlsText = 102,
+     .type = ITEM_PICK,
+     .choices = PrintingModels,
+     .format = StateText<HideItems(PM_HOST, COPY_SERVER_PRINTER)>},
+    {.key = COPY_CONNECTION,
+     .text = "Printer connection: ",
+     .nlsText = 103,
+     .type = ITEM_PICK,
+     .choices = Connections,
+     .format = StateText<HideItems(CONNECTION_TCP, COPY_DEVICE), HideItems(CONNECTION_DEVICE, COPY_HOST)>},
+    {.key = COPY_HOST,
+     .text = "Printer host name: ",
+     .nlsText = 104,
      .type = ITEM_REQUIRED,
      .prompt = "Enter the host name",
      .initial = {.s = HostDefault},
      .format = TTY_HOST_FORMAT},
-    {.text = "Local Device name: ",
+    {.key = COPY_DEVICE,
+     .text = "Local Device name: ",
+     .nlsText = 105,
      .type = ITEM_REQUIRED,
      .prompt = "Enter the device name",
      .initial = {.s = DeviceDefault},
      .format = "t(1,255)"},
-    {.text = "Printer server queue name",
+    {.key = COPY_SERVER_PRINTER,
+     .text = "Printer server queue name",
+     .nlsText = 106,
      .type = ITEM_REQUIRED,
      .prompt = "Enter the print server printer name\n(name used to invoke LP/LPR on the server)",
      .initial = {.s = ServerPrinterDefault},
      .format = TTY_NAME_FORMAT},
-    {.text = "", .type = ITEM_TEXT},
-    {.text = "", .type = ITEM_BAR, .value = {.i = 2}},
-    {.text = "", .type = ITEM_APPLY, .callback = ApplyCQSettingsTty},
-    {.text = "", .type = ITEM_CANCEL},
+    {.key = COPY_BLANK, .text = "", .type = ITEM_TEXT},
+    {.key = COPY_BAR, .text = "", .type = ITEM_BAR, .value = {.i = 2}},
+    {.key = COPY_APPLY, .text = "Apply", .nlsText = 65, .type = ITEM_APPLY, .callback = ApplyCQSettingsTty},
+    {.key = COPY_CANCEL, .text = "Cancel", .nlsText = 66, .type = ITEM_CANCEL},
     {},
 };
-static_assert(std::size(CloneQueMenuItems) == COPY_END + 1);
+constinit MenuTable<COPY_END> CloneQueMenuItems = MakeMenuTable<COPY_END, CloneQueRows>();
 
-TextMenu CloneQueMenu = {.title = "",
+TextMenu CloneQueMenu = {.title = "Copy Queue",
+                         .nlsTitle = 82,
                          .titleMode = TITLE_CENTRE,
                          .parent = &MainMenu,
                          .initCallback = InitCloneQueMenu,
@@ -65,16 +80,8 @@ int CloneQueTty(TextMenu *, TextMenuItem *) {
     return 0;
 }
 
-static void SetCopyTitle() {
-    static char *title;
-    PutMem(title);
-    title = nullptr;
-    NlsTtyMenuCvt(&title, TTY_COPY_TITLE);
-    CloneQueMenu.title = title;
-}
 
 int InitCloneQueMenu(TextMenu *menu) {
-    SetCopyTitle();
     PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
     snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, SET_TTY, TTY_COPY_MODEL).c_str(),
              GetModelName(PrinterModelTty).c_str());

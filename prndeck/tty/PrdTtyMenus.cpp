@@ -13,7 +13,6 @@
 
 #include <cstdio>
 #include <cstring>
-#include <iterator>
 #include <string>
 #include <string_view>
 
@@ -23,17 +22,34 @@ static int DumpMemTty(TextMenu *, TextMenuItem *) {
 }
 
 // Titles, labels and the list of queues are filled by InitMainMenu.
-TextMenuItem MainMenuItems[] = {
-    {.text = "", .type = ITEM_SUBMENU, .value = {.m = &AddPrinterMenu}},
-    {.text = "", .type = ITEM_ACTION, .callback = ModifyQueTty},
-    {.text = "", .type = ITEM_ACTION, .callback = CloneQueTty},
-    {.text = "", .type = ITEM_ACTION, .callback = RemoveExistingPrinter},
-    {.text = "Dump Memory", .type = ITEM_ACTION, .state = STATE_HIDDEN, .callback = DumpMemTty},
-    {.text = "", .type = ITEM_EXIT},
-    {.text = "", .type = ITEM_TEXT},
+static constexpr TextMenuItem MainRows[] = {
+    {.key = MAIN_ADD,
+     .text = "Add Queue",
+     .nlsText = 80,
+     .type = ITEM_SUBMENU,
+     .value = {.m = &AddPrinterMenu}},
+    {.key = MAIN_MODIFY,
+     .text = "Modify Queue",
+     .nlsText = 81,
+     .type = ITEM_ACTION,
+     .callback = ModifyQueTty},
+    {.key = MAIN_COPY, .text = "Copy Queue", .nlsText = 82, .type = ITEM_ACTION, .callback = CloneQueTty},
+    {.key = MAIN_DELETE,
+     .text = "Delete Queue",
+     .nlsText = 83,
+     .type = ITEM_ACTION,
+     .callback = RemoveExistingPrinter},
+    {.key = MAIN_DUMP,
+     .text = "Dump Memory",
+     .nlsText = 84,
+     .type = ITEM_ACTION,
+     .state = STATE_HIDDEN,
+     .callback = DumpMemTty},
+    {.key = MAIN_EXIT, .text = "Exit", .nlsText = 85, .type = ITEM_EXIT},
+    {.key = MAIN_QUEUES, .text = "", .type = ITEM_TEXT},
     {},
 };
-static_assert(std::size(MainMenuItems) == MAIN_END + 1);
+constinit MenuTable<MAIN_END> MainMenuItems = MakeMenuTable<MAIN_END, MainRows>();
 
 TextMenu MainMenu = {.title = "",
                      .titleMode = TITLE_CENTRE,
@@ -48,47 +64,6 @@ int ExistingTarvoPrinterCnt;
 
 // ---- Texts of the tables
 
-// Consecutive items that take consecutive texts.
-struct NlsRun {
-    TextMenuItem *items;
-    int number;
-    int count;
-};
-
-static const NlsRun Labels[] = {
-    {&MainMenuItems[MAIN_ADD], 80, 6},        {&AddPrinterMenuItems[ADD_NAME], 36, 14},
-    {&AddPrinterMenuItems[ADD_APPLY], 50, 2}, {&ModifyQueMenuItems[MOD_INTERFACE], 59, 5},
-    {&ModifyQueMenuItems[MOD_APPLY], 65, 2},  {&CloneQueMenuItems[COPY_PRINTING_MODEL], 102, 5},
-    {&CloneQueMenuItems[COPY_APPLY], 65, 2},
-};
-static const NlsRun Prompts[] = {
-    {&AddPrinterMenuItems[ADD_NAME], 1100, 1},
-    {&AddPrinterMenuItems[ADD_HOST], 1101, 2},
-    {&AddPrinterMenuItems[ADD_SERVER], 30, 1},
-    {&AddPrinterMenuItems[ADD_SERVER_PRINTER], 32, 1},
-};
-static const NlsRun Choices[] = {
-    {&AddPrinterMenuItems[ADD_PRINTING_MODEL], 252, 2}, {&AddPrinterMenuItems[ADD_INTERFACE], 258, 3},
-    {&AddPrinterMenuItems[ADD_DEFAULT], 261, 1},        {&ModifyQueMenuItems[MOD_INTERFACE], 258, 3},
-    {&ModifyQueMenuItems[MOD_DEFAULT], 261, 1},
-};
-struct NlsTitle {
-    TextMenu *menu;
-    int number;
-};
-static const NlsTitle Titles[] = {{&AddPrinterMenu, 35}, {&ModifyQueMenu, 52}};
-
-static void ConvertTables() {
-    for (const NlsTitle &title : Titles) {
-        char *text = nullptr;
-        NlsTtyMenuCvt(&text, title.number);
-        title.menu->title = text;
-    }
-    for (const NlsRun &run : Labels) NlsTtyMenuItemCvt(run.items, run.number, run.count);
-    for (const NlsRun &run : Prompts) NlsTtyMenuItemPromptCvt(run.items, run.number, run.count);
-    for (const NlsRun &run : Choices) NlsTtyMenuItemStateCvt(run.items, run.number, run.count);
-}
-
 static std::string FamilyText(int number) {
     return NlsFmt(NlsText(pDrvCoreDB, SET_TTY, number).c_str(), "s", PRN_FAMILY);
 }
@@ -100,7 +75,7 @@ static void InitTables() {
     pTtyHelp = TtyHtmlHelp;
     pTtyHtmlName = GetManualName();
     pTtyHtmlTitle = PRN_FAMILY " Administration Help";
-    ConvertTables();
+    for (TextMenu *menu : {&MainMenu, &AddPrinterMenu, &ModifyQueMenu, &CloneQueMenu}) FillMenuTexts(menu);
     MainMenuItems[MAIN_DUMP].state = STATE_HIDDEN;
     MainMenu.title = SaveStr("%s %s", FamilyText(TTY_TITLE).c_str(), PRN_VERSION);
 }

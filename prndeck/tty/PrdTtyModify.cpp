@@ -10,7 +10,6 @@
 #include "prndeck/tty/PrdTtyBanner.h"
 
 #include <cstdio>
-#include <iterator>
 #include <string>
 
 static char OnOffInterface[] = "_disabled,_enabled";
@@ -19,37 +18,67 @@ static char OnOffBanner[] = "_disabled,_enabled";
 static char NoYes[] = "_No,_Yes";
 static char QueLabels[MOD_INTERFACE][MENU_TEXT_SIZE];
 
-// The first six labels and the defaults are the queue's, set by SetQueSettingsTty. ORDER ModifyQueMenuItems
-TextMenuItem ModifyQueMenuItems[] = {
-    {.text = QueLabels[MOD_NAME], .type = ITEM_TEXT},
-    {.text = QueLabels[MOD_MODEL], .type = ITEM_TEXT},
-    {.text = QueLabels[MOD_PRINTING_MODEL], .type = ITEM_TEXT},
-    {.text = QueLabels[MOD_CONNECTION], .type = ITEM_TEXT},
-    {.text = QueLabels[MOD_HOST], .type = ITEM_TEXT},
-    {.text = QueLabels[MOD_PRINTER], .type = ITEM_TEXT},
-    {.text = "User interface: ", .type = ITEM_PICK, .choices = OnOffInterface, .initial = {.i = 1}},
-    {.text = "Features: ",
+// The first six labels and the defaults are the queue's, set by SetQueSettingsTty.
+static constexpr TextMenuItem ModifyQueRows[] = {
+    {.key = MOD_NAME, .text = QueLabels[MOD_NAME], .type = ITEM_TEXT},
+    {.key = MOD_MODEL, .text = QueLabels[MOD_MODEL], .type = ITEM_TEXT},
+    {.key = MOD_PRINTING_MODEL, .text = QueLabels[MOD_PRINTING_MODEL], .type = ITEM_TEXT},
+    {.key = MOD_CONNECTION, .text = QueLabels[MOD_CONNECTION], .type = ITEM_TEXT},
+    {.key = MOD_HOST, .text = QueLabels[MOD_HOST], .type = ITEM_TEXT},
+    {.key = MOD_PRINTER, .text = QueLabels[MOD_PRINTER], .type = ITEM_TEXT},
+    {.key = MOD_INTERFACE,
+     .text = "User interface: ",
+     .nlsText = 59,
+     .type = ITEM_PICK,
+     .choices = OnOffInterface,
+     .nlsChoices = 258,
+     .initial = {.i = 1}},
+    {.key = MOD_FEATURES,
+     .text = "Features: ",
+     .nlsText = 60,
      .type = ITEM_PICK,
      .choices = OnOffFeatures,
+     .nlsChoices = 259,
      .initial = {.i = 1},
-     .format = "H0{6,8,9,10} P0|1{8}"},
-    {.text = "Banner page printing: ",
+     .format = StateText<HideItems(PICK_OFF, MOD_INTERFACE, MOD_BANNER, MOD_SETUP, MOD_BANNER_SETUP),
+                         ProcessItems({PICK_OFF, PICK_ON}, MOD_BANNER)>},
+    {.key = MOD_BANNER,
+     .text = "Banner page printing: ",
+     .nlsText = 61,
      .type = ITEM_PICK,
      .choices = OnOffBanner,
+     .nlsChoices = 260,
      .initial = {.i = 1},
-     .format = "H0{10}"},
-    {.text = "Configure Printer Features", .type = ITEM_ACTION, .callback = ModifySetupTty},
-    {.text = "", .type = ITEM_ACTION, .callback = BannerInfoSetupTty},
-    {.text = "Set as default printer", .type = ITEM_PICK, .choices = NoYes},
-    {.text = "", .type = ITEM_TEXT},
-    {.text = "", .type = ITEM_BAR, .value = {.i = 2}},
-    {.text = "", .type = ITEM_APPLY, .callback = ApplyModifySettingsTty},
-    {.text = "", .type = ITEM_CANCEL},
+     .format = StateText<HideItems(PICK_OFF, MOD_BANNER_SETUP)>},
+    {.key = MOD_SETUP,
+     .text = "Configure Printer Features",
+     .nlsText = 62,
+     .type = ITEM_ACTION,
+     .callback = ModifySetupTty},
+    {.key = MOD_BANNER_SETUP,
+     .text = "Configure Banner Page",
+     .nlsText = 63,
+     .type = ITEM_ACTION,
+     .callback = BannerInfoSetupTty},
+    {.key = MOD_DEFAULT,
+     .text = "Set as default printer",
+     .type = ITEM_PICK,
+     .choices = NoYes,
+     .nlsChoices = 261},
+    {.key = MOD_BLANK, .text = "", .type = ITEM_TEXT},
+    {.key = MOD_BAR, .text = "", .type = ITEM_BAR, .value = {.i = 2}},
+    {.key = MOD_APPLY,
+     .text = "Apply",
+     .nlsText = 65,
+     .type = ITEM_APPLY,
+     .callback = ApplyModifySettingsTty},
+    {.key = MOD_CANCEL, .text = "Cancel", .nlsText = 66, .type = ITEM_CANCEL},
     {},
 };
-static_assert(std::size(ModifyQueMenuItems) == MOD_END + 1);
+constinit MenuTable<MOD_END> ModifyQueMenuItems = MakeMenuTable<MOD_END, ModifyQueRows>();
 
-TextMenu ModifyQueMenu = {.title = "",
+TextMenu ModifyQueMenu = {.title = "Modify Queue",
+                          .nlsTitle = 52,
                           .titleMode = TITLE_CENTRE,
                           .parent = &MainMenu,
                           .initCallback = InitModifyQueMenu,
