@@ -34,95 +34,142 @@ char *FullSearchPath;
 int flInitSysCmd = 1;
 int flSysCmdLog;
 
-// The path column is filled at run time. ORDER CMD_
-SysCommand ComList[CMD_END + 1] = {
-    /*  0 */ {"", "", nullptr, 0},
-    /*  1 */ {"", "", nullptr, 0},
-    /*  2 */ {"cancel", "", nullptr, 2},
-    /*  3 */ {"cat", "", nullptr, 0},
-    /*  4 */ {"chgrp", "", nullptr, 0},
-    /*  5 */ {"chmod", "", nullptr, 0},
-    /*  6 */ {"chown", "", nullptr, 0},
-    /*  7 */ {"clear", "", nullptr, 0},
-    /*  8 */ {"compress", "", nullptr, 0},
-    /*  9 */ {"cp", "-p", nullptr, 0},
-    /* 10 */ {"cp", "-pr", nullptr, 0},
-    /* 11 */ {"cupsd", "", nullptr, 0},
-    /* 12 */ {"id", "", nullptr, 0},
-    /* 13 */ {"echo", "", nullptr, 0},
-    /* 14 */ {"eject", "-f", nullptr, 1},
-    /* 15 */ {"eject", "-q", nullptr, 1},
-    /* 16 */ {"file", "", nullptr, 0},
-    /* 17 */ {"ln", "", nullptr, 0},
-    /* 18 */ {"lp", "", nullptr, 0},
-    /* 19 */ {"lpc", "", nullptr, 1},
-    /* 20 */ {"lpr", "", nullptr, 0},
-    /* 21 */ {"lprm", "", nullptr, 1},
-    /* 22 */ {"lpstat", "", nullptr, 1},
-    /* 23 */ {"ls", "", nullptr, 0},
-    /* 24 */ {"kill", "-KILL", nullptr, 0},
-    /* 25 */ {"mv", "-f", nullptr, 0},
-    /* 26 */ {"mkdir", "-p", nullptr, 0},
-    /* 27 */ {"more", "", nullptr, 0},
-    /* 28 */ {"ping", "", nullptr, 0},
-    /* 29 */ {"rm", "-f", nullptr, 0},
-    /* 30 */ {"rm", "-rf", nullptr, 0},
-    /* 31 */ {"sh", "", nullptr, 0},
-    /* 32 */ {"sleep", "", nullptr, 0},
-    /* 33 */ {"tar", "cvfp", nullptr, 0},
-    /* 34 */ {"tar", "xvfp", nullptr, 0},
-    /* 35 */ {"touch", "", nullptr, 0},
-    /* 36 */ {"uncompress", "", nullptr, 0},
-    /* 37 */ {"whoami", "", nullptr, 0},
-    /* 38 */ {"zcat", "", nullptr, 0},
-    /* 39 */ {"uname", "", nullptr, 0},
-    /* 40 */ {"sed", "", nullptr, 0},
-    /* 41 */ {"du", "-s", nullptr, 0},
-    /* 42 */ {"checkpc", "", nullptr, 0},
-    /* 43 */ {"lpd", "", nullptr, 0},
-    /* 44 */ {"pkgadd", "", nullptr, 1},
-    /* 45 */ {"pkginfo", "", nullptr, 0},
-    /* 46 */ {"pkgrm", "", nullptr, 1},
-    /* 47 */ {"accept", "", nullptr, 1},
-    /* 48 */ {"disable", "", nullptr, 1},
-    /* 49 */ {"cupsdisable", "", nullptr, 1},
-    /* 50 */ {"enable", "", nullptr, 1},
-    /* 51 */ {"cupsenable", "", nullptr, 1},
-    /* 52 */ {"lpadmin", "", nullptr, 1},
-    /* 53 */ {"lpfilter", "", nullptr, 1},
-    /* 54 */ {"lpsched", "", nullptr, 1},
-    /* 55 */ {"lpshut", "", nullptr, 1},
-    /* 56 */ {"lpsystem", "", nullptr, 1},
-    /* 57 */ {"ps", "-e", nullptr, 0},
-    /* 58 */ {"bar", "", nullptr, 0},
-    /* 59 */ {"df", "-b", nullptr, 0},
-    /* 60 */ {"lpq", "-P", nullptr, 0},
-    /* 61 */ {"ypcat", "", nullptr, 0},
-    /* 62 */ {"reject", "", nullptr, 1},
-    /* 63 */ {"pmadm", "", nullptr, 1},
-    /* 64 */ {"sacadm", "", nullptr, 1},
-    /* 65 */ {"volcheck", "", nullptr, 0},
-    /* 66 */ {"capture", "", nullptr, 0},
-    /* 67 */ {"lpset", "", nullptr, 1},
-    /* 68 */ {"instnetpr", "", nullptr, 1},
-    /* 69 */ {"piomkpq", "", nullptr, 0},
-    /* 70 */ {"piomisc_ext", "", nullptr, 0},
-    /* 71 */ {"piomisc_base", "", nullptr, 0},
-    /* 72 */ {"lsallq", "", nullptr, 0},
-    /* 73 */ {"mkque", "", nullptr, 0},
-    /* 74 */ {"mkquedev", "", nullptr, 0},
-    /* 75 */ {"rmque", "", nullptr, 0},
-    /* 76 */ {"rmquedev", "", nullptr, 0},
-    /* 77 */ {"piochdfq", "", nullptr, 0},
-    /* 78 */ {"enq", "", nullptr, 0},
-    /* 79 */ {"lsquedev", "", nullptr, 0},
-    /* 80 */ {"lsque", "", nullptr, 0},
-    /* 81 */ {"startsrc", "", nullptr, 1},
-    /* 82 */ {"stopsrc", "", nullptr, 0},
-    /* 83 */ {"lssrc", "", nullptr, 0},
-    /* 84 */ {nullptr, nullptr, nullptr, 0},
+// A row tells its key and the key's spelling, which is the name behind CMD_, and what tells rows of one name
+// apart behind another underscore.
+struct CommandRow {
+    CommandKey key;
+    const char *spelling;
+    const char *name;
+    const char *flags;
+    int32_t delay;
 };
-static_assert(std::size(ComList) == CMD_END + 1);
+#define COMMAND(key) key, #key
+
+static constexpr CommandRow CommandRows[] = {
+    {COMMAND(CMD_QUIET), "", "", 0},
+    {COMMAND(CMD_LINE), "", "", 0},
+    {COMMAND(CMD_CANCEL), "cancel", "", 2},
+    {COMMAND(CMD_CAT), "cat", "", 0},
+    {COMMAND(CMD_CHGRP), "chgrp", "", 0},
+    {COMMAND(CMD_CHMOD), "chmod", "", 0},
+    {COMMAND(CMD_CHOWN), "chown", "", 0},
+    {COMMAND(CMD_CLEAR), "clear", "", 0},
+    {COMMAND(CMD_COMPRESS), "compress", "", 0},
+    {COMMAND(CMD_CP), "cp", "-p", 0},
+    {COMMAND(CMD_CP_R), "cp", "-pr", 0},
+    {COMMAND(CMD_CUPSD), "cupsd", "", 0},
+    {COMMAND(CMD_ID), "id", "", 0},
+    {COMMAND(CMD_ECHO), "echo", "", 0},
+    {COMMAND(CMD_EJECT_F), "eject", "-f", 1},
+    {COMMAND(CMD_EJECT_Q), "eject", "-q", 1},
+    {COMMAND(CMD_FILE), "file", "", 0},
+    {COMMAND(CMD_LN), "ln", "", 0},
+    {COMMAND(CMD_LP), "lp", "", 0},
+    {COMMAND(CMD_LPC), "lpc", "", 1},
+    {COMMAND(CMD_LPR), "lpr", "", 0},
+    {COMMAND(CMD_LPRM), "lprm", "", 1},
+    {COMMAND(CMD_LPSTAT), "lpstat", "", 1},
+    {COMMAND(CMD_LS), "ls", "", 0},
+    {COMMAND(CMD_KILL), "kill", "-KILL", 0},
+    {COMMAND(CMD_MV), "mv", "-f", 0},
+    {COMMAND(CMD_MKDIR), "mkdir", "-p", 0},
+    {COMMAND(CMD_MORE), "more", "", 0},
+    {COMMAND(CMD_PING), "ping", "", 0},
+    {COMMAND(CMD_RM), "rm", "-f", 0},
+    {COMMAND(CMD_RM_R), "rm", "-rf", 0},
+    {COMMAND(CMD_SH), "sh", "", 0},
+    {COMMAND(CMD_SLEEP), "sleep", "", 0},
+    {COMMAND(CMD_TAR_C), "tar", "cvfp", 0},
+    {COMMAND(CMD_TAR_X), "tar", "xvfp", 0},
+    {COMMAND(CMD_TOUCH), "touch", "", 0},
+    {COMMAND(CMD_UNCOMPRESS), "uncompress", "", 0},
+    {COMMAND(CMD_WHOAMI), "whoami", "", 0},
+    {COMMAND(CMD_ZCAT), "zcat", "", 0},
+    {COMMAND(CMD_UNAME), "uname", "", 0},
+    {COMMAND(CMD_SED), "sed", "", 0},
+    {COMMAND(CMD_DU), "du", "-s", 0},
+    {COMMAND(CMD_CHECKPC), "checkpc", "", 0},
+    {COMMAND(CMD_LPD), "lpd", "", 0},
+    {COMMAND(CMD_PKGADD), "pkgadd", "", 1},
+    {COMMAND(CMD_PKGINFO), "pkginfo", "", 0},
+    {COMMAND(CMD_PKGRM), "pkgrm", "", 1},
+    {COMMAND(CMD_ACCEPT), "accept", "", 1},
+    {COMMAND(CMD_DISABLE), "disable", "", 1},
+    {COMMAND(CMD_CUPSDISABLE), "cupsdisable", "", 1},
+    {COMMAND(CMD_ENABLE), "enable", "", 1},
+    {COMMAND(CMD_CUPSENABLE), "cupsenable", "", 1},
+    {COMMAND(CMD_LPADMIN), "lpadmin", "", 1},
+    {COMMAND(CMD_LPFILTER), "lpfilter", "", 1},
+    {COMMAND(CMD_LPSCHED), "lpsched", "", 1},
+    {COMMAND(CMD_LPSHUT), "lpshut", "", 1},
+    {COMMAND(CMD_LPSYSTEM), "lpsystem", "", 1},
+    {COMMAND(CMD_PS), "ps", "-e", 0},
+    {COMMAND(CMD_BAR), "bar", "", 0},
+    {COMMAND(CMD_DF), "df", "-b", 0},
+    {COMMAND(CMD_LPQ), "lpq", "-P", 0},
+    {COMMAND(CMD_YPCAT), "ypcat", "", 0},
+    {COMMAND(CMD_REJECT), "reject", "", 1},
+    {COMMAND(CMD_PMADM), "pmadm", "", 1},
+    {COMMAND(CMD_SACADM), "sacadm", "", 1},
+    {COMMAND(CMD_VOLCHECK), "volcheck", "", 0},
+    {COMMAND(CMD_CAPTURE), "capture", "", 0},
+    {COMMAND(CMD_LPSET), "lpset", "", 1},
+    {COMMAND(CMD_INSTNETPR), "instnetpr", "", 1},
+    {COMMAND(CMD_PIOMKPQ), "piomkpq", "", 0},
+    {COMMAND(CMD_PIOMISC_EXT), "piomisc_ext", "", 0},
+    {COMMAND(CMD_PIOMISC_BASE), "piomisc_base", "", 0},
+    {COMMAND(CMD_LSALLQ), "lsallq", "", 0},
+    {COMMAND(CMD_MKQUE), "mkque", "", 0},
+    {COMMAND(CMD_MKQUEDEV), "mkquedev", "", 0},
+    {COMMAND(CMD_RMQUE), "rmque", "", 0},
+    {COMMAND(CMD_RMQUEDEV), "rmquedev", "", 0},
+    {COMMAND(CMD_PIOCHDFQ), "piochdfq", "", 0},
+    {COMMAND(CMD_ENQ), "enq", "", 0},
+    {COMMAND(CMD_LSQUEDEV), "lsquedev", "", 0},
+    {COMMAND(CMD_LSQUE), "lsque", "", 0},
+    {COMMAND(CMD_STARTSRC), "startsrc", "", 1},
+    {COMMAND(CMD_STOPSRC), "stopsrc", "", 0},
+    {COMMAND(CMD_LSSRC), "lssrc", "", 0},
+};
+#undef COMMAND
+
+static constexpr char SmallLetter(char ch) {
+    return static_cast<char>(ch >= 'A' && ch <= 'Z' ? ch - 'A' + 'a' : ch);
+}
+
+static constexpr bool IsSpelledSo(const CommandRow &row) {
+    if (row.key <= CMD_LINE) return !*row.name; // a complete line has no name
+    std::string_view spelling(row.spelling + std::size("CMD"));
+    for (const char *at = row.name; *at; at++, spelling.remove_prefix(1))
+        if (spelling.empty() || SmallLetter(spelling[0]) != *at) return false;
+    return spelling.empty() || spelling[0] == '_';
+}
+
+// The first command whose row isn't there; CMD_END if all are.
+static consteval CommandKey FindWrongCommand() {
+    int place = 0;
+    for (const CommandRow &row : CommandRows) {
+        if (row.key != place || !IsSpelledSo(row)) break;
+        place++;
+    }
+    return static_cast<CommandKey>(place);
+}
+
+template <CommandKey Key>
+struct RowOfCommand {
+    static_assert(Key == CMD_END, "the row of this command is not at its place, or has another name");
+    static constexpr bool flRight = Key == CMD_END;
+};
+static_assert(RowOfCommand<FindWrongCommand()>::flRight);
+static_assert(std::size(CommandRows) == CMD_END, "a row of ComList has no CMD_");
+
+static consteval CommandTable MakeComList() {
+    CommandTable table = {};
+    for (const CommandRow &row : CommandRows) table[row.key] = {row.name, row.flags, nullptr, row.delay};
+    return table;
+}
+
+constinit CommandTable ComList = MakeComList(); // the path column is filled at run time
 
 // ---- The search
 

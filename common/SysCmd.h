@@ -7,36 +7,100 @@
 // wrapper of SysCmd needs is its own affair. A line is text, never a format: SysCmd(1, 0, "%s", line).
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <cstdio>
 #include <netdb.h>
 #include <string>
 #include <string_view>
 
-// Rows of ComList that the program names.
-enum {
-    CMD_QUIET = 0, // a complete line of the caller's, logging off
-    CMD_LINE = 1,  // the same with logging on
-    CMD_CHGRP = 4,
-    CMD_CHMOD = 5,
-    CMD_CHOWN = 6,
-    CMD_CLEAR = 7,
-    CMD_LS = 23,
-    CMD_MV = 25,
-    CMD_MKDIR = 26,
-    CMD_RM = 29,
-    CMD_RM_R = 30,
-    CMD_SH = 31,
-    CMD_TOUCH = 35,
-    CMD_WHOAMI = 37,
-    CMD_DU = 41,
-    CMD_LPD = 43,
-    CMD_PKGINFO = 45,
-    CMD_LPSCHED = 54,
-    CMD_PS = 57,
-    CMD_DF = 59,
-    CMD_YPCAT = 61,
-    CMD_END = 84,
+// Rows of ComList, in their order.
+enum CommandKey {
+    CMD_QUIET, // a complete line of the caller's, logging off
+    CMD_LINE,  // the same with logging on
+    CMD_CANCEL,
+    CMD_CAT,
+    CMD_CHGRP,
+    CMD_CHMOD,
+    CMD_CHOWN,
+    CMD_CLEAR,
+    CMD_COMPRESS,
+    CMD_CP,
+    CMD_CP_R,
+    CMD_CUPSD,
+    CMD_ID,
+    CMD_ECHO,
+    CMD_EJECT_F,
+    CMD_EJECT_Q,
+    CMD_FILE,
+    CMD_LN,
+    CMD_LP,
+    CMD_LPC,
+    CMD_LPR,
+    CMD_LPRM,
+    CMD_LPSTAT,
+    CMD_LS,
+    CMD_KILL,
+    CMD_MV,
+    CMD_MKDIR,
+    CMD_MORE,
+    CMD_PING,
+    CMD_RM,
+    CMD_RM_R,
+    CMD_SH,
+    CMD_SLEEP,
+    CMD_TAR_C,
+    CMD_TAR_X,
+    CMD_TOUCH,
+    CMD_UNCOMPRESS,
+    CMD_WHOAMI,
+    CMD_ZCAT,
+    CMD_UNAME,
+    CMD_SED,
+    CMD_DU,
+    CMD_CHECKPC,
+    CMD_LPD,
+    CMD_PKGADD,
+    CMD_PKGINFO,
+    CMD_PKGRM,
+    CMD_ACCEPT,
+    CMD_DISABLE,
+    CMD_CUPSDISABLE,
+    CMD_ENABLE,
+    CMD_CUPSENABLE,
+    CMD_LPADMIN,
+    CMD_LPFILTER,
+    CMD_LPSCHED,
+    CMD_LPSHUT,
+    CMD_LPSYSTEM,
+    CMD_PS,
+    CMD_BAR,
+    CMD_DF,
+    CMD_LPQ,
+    CMD_YPCAT,
+    CMD_REJECT,
+    CMD_PMADM,
+    CMD_SACADM,
+    CMD_VOLCHECK,
+    CMD_CAPTURE,
+    CMD_LPSET,
+    CMD_INSTNETPR,
+    CMD_PIOMKPQ,
+    CMD_PIOMISC_EXT,
+    CMD_PIOMISC_BASE,
+    CMD_LSALLQ,
+    CMD_MKQUE,
+    CMD_MKQUEDEV,
+    CMD_RMQUE,
+    CMD_RMQUEDEV,
+    CMD_PIOCHDFQ,
+    CMD_ENQ,
+    CMD_LSQUEDEV,
+    CMD_LSQUE,
+    CMD_STARTSRC,
+    CMD_STOPSRC,
+    CMD_LSSRC,
+    CMD_END
 };
 
 struct SysCommand {
@@ -56,11 +120,12 @@ struct DiskRecord {
     double available;
 };
 
-extern SysCommand ComList[CMD_END + 1]; // ORDER CMD_; path column: FillCmdPaths, FillCmdPath
-extern char SearchPaths[];              // colon list; InitSysCmdList cuts it up, the rows keep the pieces
-extern char *FullSearchPath;            // SearchPaths, a colon and PATH
-extern int flInitSysCmd;                // a row is looked up at its first use; writer: InitSysCmdList
-extern int flSysCmdLog;                 // SysCmd logs; writer: InitSysCmdList
+using CommandTable = std::array<SysCommand, CMD_END + 1>; // the last row is empty
+extern CommandTable ComList; // writers of the path column: FillCmdPaths, FillCmdPath
+extern char SearchPaths[];   // colon list; InitSysCmdList cuts it up, the rows keep the pieces
+extern char *FullSearchPath; // SearchPaths, a colon and PATH
+extern int flInitSysCmd;     // a row is looked up at its first use; writer: InitSysCmdList
+extern int flSysCmdLog;      // SysCmd logs; writer: InitSysCmdList
 
 // Test seams; the libc functions by default.
 extern int (*pSystem)(const char *line);
