@@ -5,6 +5,7 @@
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
+#include "common/Words.h"
 #include "common/utils.h"
 
 #include <algorithm>
@@ -24,9 +25,8 @@ enum { COUNT_FIELD = 4 }; // bytes in front of the words of a count record
 
 int flToolCfg;
 
-static void SetField(char *field, size_t width, const char *value) {
-    size_t count = std::min(strlen(value), width - 1);
-    memcpy(field, value, count);
+static void SetField(char *field, size_t width, std::string_view value) {
+    size_t count = value.copy(field, width - 1);
     field[count] = '\0';
 }
 
@@ -108,22 +108,15 @@ int GenQueDbEntry(QueRecord *record) {
     return DbmPutRecord(QueDb, key.c_str(), record->settings, strlen(record->settings));
 }
 
-// Takes the next word off the text; empty at its end.
-static std::string TakeWord(std::string_view &text, const char *delims) {
-    size_t start = text.find_first_not_of(delims);
-    text.remove_prefix(start == text.npos ? text.size() : start);
-    std::string word(text.substr(0, text.find_first_of(delims)));
-    text.remove_prefix(word.size());
-    return word;
-}
-
 int GetQueCountWords(const char *printer, char *first, char *second, size_t capacity) {
     size_t size = 0;
     const char *data = GetQueDbData(std::string(printer) + " count", &size);
     std::string_view words(data && size > COUNT_FIELD ? data + COUNT_FIELD : "");
-    std::string one = TakeWord(words, " "), two = TakeWord(words, " ");
-    if (first) SetField(first, capacity, one.c_str());
-    if (second) SetField(second, capacity, two.c_str());
+    std::string_view one, two;
+    TakeWord(words, " ", one);
+    TakeWord(words, " ", two);
+    if (first) SetField(first, capacity, one);
+    if (second) SetField(second, capacity, two);
     return !one.empty();
 }
 
@@ -183,8 +176,10 @@ typedef std::unordered_set<std::string> QueNames;
 static char *AddDbQueues(char *list, const QueNames &host, size_t *length) {
     char *keys = DbmGetRecordList(QueDb, ",", "");
     std::string_view rest(keys ? keys : "");
-    for (std::string key; !(key = TakeWord(rest, ",")).empty();)
+    for (std::string_view word; TakeWord(rest, ",", word);) {
+        std::string key(word);
         if (key.find(' ') == key.npos && host.count(key)) list = AddQToList(list, key.c_str(), length);
+    }
     PutMem(keys);
     return list;
 }
@@ -197,8 +192,9 @@ static char *AddConfigQueues(char *list, const QueNames &host, size_t *length) {
         return list;
     }
     while (GetFileLine()) {
-        std::string_view line(LineBuf);
-        std::string name = TakeWord(line, ConfigDelims);
+        std::string_view line(LineBuf), word;
+        TakeWord(line, ConfigDelims, word);
+        std::string name(word);
         if (host.count(name)) list = AddQToList(list, name.c_str(), length);
     }
     return list;
@@ -209,7 +205,7 @@ char *GetQueueList() {
     if (!all) return nullptr;
     QueNames host;
     std::string_view rest(all);
-    for (std::string name; !(name = TakeWord(rest, ",")).empty();) host.insert(name);
+    for (std::string_view name; TakeWord(rest, ",", name);) host.emplace(name);
     PutMem(all);
     size_t length = 0;
     char *list = AddDbQueues(nullptr, host, &length);

@@ -4,6 +4,7 @@
 
 #include "common/MemMgr.h"
 #include "common/Token.h"
+#include "common/Words.h"
 #include "common/utils.h"
 
 #include <algorithm>
@@ -31,17 +32,6 @@ static char *CopyOut(std::string_view value, char *buffer, size_t capacity) {
     memcpy(buffer, value.data(), count);
     buffer[count] = '\0';
     return buffer;
-}
-
-// Takes the next piece off the text; false when only delimiters were left. No escapes, unlike the token
-// scanner.
-static bool TakeWord(std::string_view &text, const char *delims, std::string_view &word) {
-    size_t start = text.find_first_not_of(delims);
-    if (start == text.npos) return false;
-    text.remove_prefix(start);
-    word = text.substr(0, text.find_first_of(delims));
-    text.remove_prefix(word.size());
-    return true;
 }
 
 static DbTHandle *OpenEngPrtStrDB() {

@@ -4,6 +4,7 @@
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
 #include "common/SysFile.h"
+#include "common/Words.h"
 #include "common/utils.h"
 
 #include <algorithm>
@@ -285,18 +286,12 @@ void AddJobToQue(const char *directory, const char *first, const char *second) {
     SetQueLockState(directory, 0);
 }
 
-// The next word from the position on, which moves behind it; empty at the end.
-static std::string_view TakeWord(std::string_view text, size_t *at) {
-    size_t start = std::min(text.find_first_not_of(White, *at), text.size());
-    *at = std::min(text.find_first_of(White, start), text.size());
-    return text.substr(start, *at - start);
-}
-
 // The bounds of the first whole line whose first field is the name; an empty range without one.
 static void FindJobLine(std::string_view text, std::string_view name, size_t *start, size_t *end) {
     for (size_t at = 0, next; (next = text.find('\n', at)) != std::string_view::npos; at = next + 1) {
-        size_t word = 0;
-        if (TakeWord(text.substr(at, next - at), &word) != name) continue;
+        std::string_view line = text.substr(at, next - at), word;
+        TakeWord(line, White, word);
+        if (word != name) continue;
         *start = at;
         *end = next + 1;
         return;
@@ -321,25 +316,23 @@ static bool TestControlName(std::string_view word) {
 
 // The offset of the first word with 'c' or 'C', or npos.
 static size_t FindJob(std::string_view text) {
-    size_t at = 0;
-    for (;;) {
-        std::string_view word = TakeWord(text, &at);
-        if (word.empty()) return std::string_view::npos;
-        if (TestControlName(word)) return at - word.size();
-    }
+    std::string_view rest(text);
+    for (std::string_view word; TakeWord(rest, White, word);)
+        if (TestControlName(word)) return static_cast<size_t>(word.data() - text.data());
+    return text.npos;
 }
 
-static void CopyWord(char *buffer, size_t capacity, std::string_view word) {
-    size_t count = std::min(word.size(), capacity - 1);
-    memcpy(buffer, word.data(), count);
-    buffer[count] = '\0';
+// Copies the next word, cut at the capacity; empty without one.
+static void CopyWord(char *buffer, size_t capacity, std::string_view &text) {
+    std::string_view word;
+    TakeWord(text, White, word);
+    buffer[word.copy(buffer, capacity - 1)] = '\0';
 }
 
 static void CopyJob(std::string_view text, char *first, char *second, size_t capacity) {
     std::string_view line = text.substr(0, text.find('\n'));
-    size_t at = 0;
-    CopyWord(first, capacity, TakeWord(line, &at));
-    CopyWord(second, capacity, TakeWord(line, &at));
+    CopyWord(first, capacity, line);
+    CopyWord(second, capacity, line);
 }
 
 // False without room for a text.

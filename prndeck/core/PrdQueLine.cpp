@@ -3,6 +3,7 @@
 
 #include "common/SysCmd.h"
 #include "common/SysFile.h"
+#include "common/Words.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
 
@@ -83,12 +84,7 @@ std::string MakeDeleteLine(const char *name) {
 std::string MakeDeleteListLine(const char *names) {
     std::string line = ToolProgram("prnqtool") + LogOption() + " -xl";
     std::string_view rest(names);
-    for (size_t start; (start = rest.find_first_not_of(' ')) != rest.npos;) {
-        rest.remove_prefix(start);
-        std::string_view name = rest.substr(0, rest.find(' '));
-        line += " " + ShArg(name);
-        rest.remove_prefix(name.size());
-    }
+    for (std::string_view name; TakeWord(rest, " ", name);) line += " " + ShArg(name);
     return line;
 }
 

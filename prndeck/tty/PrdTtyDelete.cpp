@@ -3,6 +3,7 @@
 
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
+#include "common/Words.h"
 #include "common/utils.h"
 
 #include <cstring>
@@ -39,12 +40,7 @@ static void DeleteQueuesTty() {
     if (names[0] == '-') names = GetAllQueues();
     if (names.empty() || !ConfirmDelete(names)) return;
     std::string_view rest(names);
-    for (size_t start; (start = rest.find_first_not_of(NameDelims)) != rest.npos;) {
-        rest.remove_prefix(start);
-        std::string name(rest.substr(0, rest.find_first_of(NameDelims)));
-        rest.remove_prefix(name.size());
-        DeleteQueueTty(name);
-    }
+    for (std::string_view name; TakeWord(rest, NameDelims, name);) DeleteQueueTty(std::string(name));
     pSleep(DELETE_PAUSE);
     DropQueList();
 }

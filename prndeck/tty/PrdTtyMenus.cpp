@@ -4,6 +4,7 @@
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/Version.h"
+#include "common/Words.h"
 #include "common/utils.h"
 #include "help/HelpTty.h"
 #include "menu/MenuText.h"
@@ -87,10 +88,7 @@ char *FormatQueList(const char *list, const char *heading, int width, int *count
     std::string_view rest(list ? list : "");
     size_t column = 0;
     *count = 0;
-    for (size_t start; (start = rest.find_first_not_of(',')) != rest.npos; ++*count) {
-        rest.remove_prefix(start);
-        std::string_view name = rest.substr(0, rest.find(','));
-        rest.remove_prefix(name.size());
+    for (std::string_view name; TakeWord(rest, ",", name); ++*count) {
         bool full = column + name.size() >= static_cast<size_t>(width);
         if (full) column = 0;
         column += name.size() + 1;

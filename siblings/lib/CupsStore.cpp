@@ -2,6 +2,7 @@
 // not at all.
 #include "siblings/lib/CupsStore.h"
 
+#include "common/Words.h"
 #include "common/utils.h"
 #include "siblings/lib/Child.h"
 #include "siblings/lib/CupsBanner.h"
@@ -39,15 +40,14 @@ CupsState CupsList(Words &queues, Words &leftovers, std::string &error) {
     Ran ran = RunChild({"lpstat", "-a"});
     bool flNone = ran.status == 1 && ran.errors.find("No destinations added") != ran.errors.npos;
     if (!ran.flStarted || ran.flTimedOut || (ran.status && !flNone)) return WithoutAnswer(ran, error);
-    for (size_t at = 0; at < ran.output.size();) {
-        size_t end = std::min(ran.output.find('\n', at), ran.output.size());
-        std::string name = ran.output.substr(at, ran.output.find_first_of(" \t\n", at) - at);
+    std::string_view text(ran.output);
+    for (std::string_view line; TakeLine(text, line);) {
+        std::string name(TakeUpTo(line, " \t"));
         // A line led by a blank goes on about the queue of the line before.
         if (name == ProbeQueue || name == NoDefaultQueue)
             leftovers.push_back(name);
         else if (!name.empty())
             queues.push_back(name);
-        at = end + 1;
     }
     return CUPS_UP;
 }

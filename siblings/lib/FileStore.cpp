@@ -1,6 +1,7 @@
 // The lines of "db/hostq".
 #include "siblings/lib/FileStore.h"
 
+#include "common/Words.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Spool.h"
 
@@ -29,12 +30,9 @@ std::string FileStoreOpen() {
     Loaded.clear();
     if (access(HostQueues, F_OK)) return "";
     std::string error = ReadWholeFile(HostQueues, HOSTQ_MAX, Loaded);
-    for (size_t at = 0; at < Loaded.size();) {
-        size_t end = std::min(Loaded.find('\n', at), Loaded.size());
-        std::string line = Loaded.substr(at, end - at);
-        if (CheckHostQueueName(NameOf(line)).empty()) Lines.push_back(line);
-        at = end + 1;
-    }
+    std::string_view text(Loaded);
+    for (std::string_view line; TakeLine(text, line);)
+        if (CheckHostQueueName(NameOf(std::string(line))).empty()) Lines.emplace_back(line);
     Loaded = Joined();
     return error;
 }

@@ -1,6 +1,7 @@
 // Reading a PPD file line by line: a keyword, a name, a text, a value.
 #include "siblings/lib/Ppd.h"
 
+#include "common/Words.h"
 #include "siblings/lib/Files.h"
 
 #include <algorithm>
@@ -33,21 +34,9 @@ static bool IsWord(std::string_view text, const char *marks) {
     });
 }
 
-std::string_view CutLine(std::string_view &text) {
-    std::string_view line = text.substr(0, text.find('\n'));
-    text.remove_prefix(std::min(text.size(), line.size() + 1));
-    return line.ends_with('\r') ? line.substr(0, line.size() - 1) : line;
-}
-
 static std::string_view SkipBlanks(std::string_view text) {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(" \t")));
     return text;
-}
-
-static std::string_view TakeUpTo(std::string_view &text, const char *ends) {
-    std::string_view taken = text.substr(0, text.find_first_of(ends));
-    text.remove_prefix(taken.size());
-    return taken;
 }
 
 static bool IsHexRun(std::string_view digits) {
@@ -187,7 +176,7 @@ static void FindRuleOptions(PpdReader &reader) {
 
 void ReadPpdText(std::string_view text, Ppd &ppd) {
     PpdReader reader = {ppd, {}, {}, ""};
-    while (!text.empty()) ReadStatement(reader, CutLine(text));
+    for (std::string_view line; TakePlainLine(text, line);) ReadStatement(reader, line);
     FindRuleOptions(reader);
 }
 

@@ -47,8 +47,6 @@ struct Ppd {
 std::string ReadPpd(const std::string &path, Ppd &ppd);
 // The same of a text.
 void ReadPpdText(std::string_view text, Ppd &ppd);
-// The next line of a text, which loses it, without its line feed and carriage return.
-std::string_view CutLine(std::string_view &text);
 
 // The rules that the present choices break, each once although files tell most of them from both sides; at
 // most limit of them, and in count how many there are.

@@ -1,6 +1,7 @@
 // Rules for queue values, the device URI, banner titles and the options that a PPD file offers.
 #include "siblings/lib/Queue.h"
 
+#include "common/Words.h"
 #include "siblings/lib/Ppd.h"
 
 #include <algorithm>
@@ -172,8 +173,7 @@ std::string QueueUri(const Queue &queue) {
 
 Titles ReadTitles(std::string_view banner) {
     Titles titles;
-    while (!banner.empty()) {
-        std::string_view line = CutLine(banner);
+    for (std::string_view line; TakePlainLine(banner, line);) {
         size_t first = line.find(' '), second = line.find(' ', first == line.npos ? first : first + 1);
         if (second == line.npos || !line.starts_with(".h") || first != 3) continue;
         size_t row = (size_t)(line[2] - '1');
@@ -194,17 +194,14 @@ std::vector<std::string> OfferedSettings(std::string_view settings, std::string_
     Ppd ppd;
     ReadPpdText(ppdText, ppd);
     std::vector<std::string> offered;
-    while (!settings.empty()) {
-        std::string line(CutLine(settings));
-        if (ppd.offered.contains(line)) offered.push_back(line);
-    }
+    for (std::string_view line; TakePlainLine(settings, line);)
+        if (ppd.offered.contains(std::string(line))) offered.emplace_back(line);
     return offered;
 }
 
 std::string PpdText(std::string_view ppdText, std::string_view keyword) {
     std::string lead = "*" + std::string(keyword) + ":";
-    while (!ppdText.empty()) {
-        std::string_view line = CutLine(ppdText);
+    for (std::string_view line; TakePlainLine(ppdText, line);) {
         if (!line.starts_with(lead)) continue;
         size_t first = line.find('"'), last = line.rfind('"');
         return last > first ? std::string(line.substr(first + 1, last - first - 1)) : "";

@@ -1,6 +1,7 @@
 // The choices that settings tell, and the settings that choices make.
 #include "siblings/prnpnxxtty/Settings.h"
 
+#include "common/Words.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Queue.h"
 
@@ -19,8 +20,8 @@ static std::string OptionName(const std::string &line) {
 
 void ChooseSettings(Ppd &ppd, std::string_view text) {
     std::unordered_map<std::string, std::string> told;
-    while (!text.empty()) {
-        std::string line(CutLine(text)), name = OptionName(line);
+    for (std::string_view next; TakePlainLine(text, next);) {
+        std::string line(next), name = OptionName(line);
         if (ppd.offered.contains(line)) told[name] = line.substr(name.size() + 1);
     }
     for (PpdOption &option : ppd.options) {
@@ -35,8 +36,8 @@ static std::string OtherSettings(const Ppd &ppd, std::string_view text) {
     for (const PpdOption &option : ppd.options)
         if (!option.flPick && option.name != "PageRegion") others.insert(option.name);
     std::string settings;
-    while (!text.empty()) {
-        std::string line(CutLine(text));
+    for (std::string_view next; TakePlainLine(text, next);) {
+        std::string line(next);
         if (ppd.offered.contains(line) && others.contains(OptionName(line))) settings += line + "\n";
     }
     return settings;
