@@ -7,6 +7,7 @@
 #include "common/Token.h"
 #include "common/Words.h"
 #include "common/utils.h"
+#include "print/QueFormat.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -16,12 +17,9 @@
 #include <string_view>
 #include <unordered_set>
 
-static constexpr char QueDb[] = "que";
 static constexpr char OldConfig[] = "77yyprinters";
 static constexpr char QueWordDelims[] = " :\t\n";
 static constexpr char ConfigDelims[] = " \t\r\n";
-
-enum { COUNT_FIELD = 4 }; // bytes in front of the words of a count record
 
 int flToolCfg;
 
@@ -51,32 +49,25 @@ size_t GetQueDbText(const char *key, char *buffer, size_t capacity) {
 
 int TestDefaultQueue(const char *name) {
     size_t size;
-    const char *data = GetQueDbData(" default", &size);
+    const char *data = GetQueDbData(QueDefaultKey, &size);
     return data && *name && strcmp(data, name) == 0;
 }
 
-static void GetQueField(char *field, size_t width) {
-    const char *token = GetToken(nullptr, " ");
-    SetField(field, width, token ? token : "");
+// A field beyond a token's length is cut there, as by all who read the records.
+static void CopyQueField(char *field, size_t width, const std::string &value) {
+    SetField(field, std::min<size_t>(width, TOKEN_SIZE), value);
 }
 
-static int GetQueNumber() {
-    const char *token = GetToken(nullptr, " ");
-    return token ? static_cast<int>(strtol(token, nullptr, 10)) : 0;
-}
-
-static void ReadQueFields(QueRecord *record) {
-    SetTokenBuf(Line);
-    GetQueField(record->name, sizeof record->name);
-    GetQueField(record->printer, sizeof record->printer);
-    GetQueField(record->lprQueue, sizeof record->lprQueue);
-    GetQueField(record->ppdFile, sizeof record->ppdFile);
-    record->type = GetQueNumber();
-    record->banner = static_cast<unsigned char>(GetQueNumber());
-    record->userInterface = static_cast<unsigned char>(GetQueNumber());
-    record->features = static_cast<unsigned char>(GetQueNumber());
-    GetQueNumber(); // its own default flag may be out of date
-    record->lpd = static_cast<unsigned char>(GetQueNumber());
+static void CopyQueFields(QueRecord *record, const QueFields &fields) {
+    CopyQueField(record->name, sizeof record->name, fields.name);
+    CopyQueField(record->printer, sizeof record->printer, fields.printer);
+    CopyQueField(record->lprQueue, sizeof record->lprQueue, fields.remote);
+    CopyQueField(record->ppdFile, sizeof record->ppdFile, fields.ppd);
+    record->type = fields.type;
+    record->banner = static_cast<unsigned char>(fields.banner);
+    record->userInterface = static_cast<unsigned char>(fields.userInterface);
+    record->features = static_cast<unsigned char>(fields.features);
+    record->lpd = static_cast<unsigned char>(fields.lpd);
 }
 
 int GetQueDbEntry(QueRecord *record, const char *name) {
@@ -85,9 +76,9 @@ int GetQueDbEntry(QueRecord *record, const char *name) {
     if (DbmGetRecord(QueDb, name, Line, LINE_SIZE) <= 0) return 0;
     PutMem(record->settings);
     memset(record, 0, sizeof *record);
-    ReadQueFields(record);
+    CopyQueFields(record, ReadQueFields(Line));
     size_t size;
-    if (const char *data = GetQueDbData(std::string(name) + " **", &size)) {
+    if (const char *data = GetQueDbData(QueSettingsKey(name), &size)) {
         record->settings = static_cast<char *>(GetMem(size + 1));
         if (!record->settings) SysError("%s", OutOfMem);
         memcpy(record->settings, data, size);
@@ -98,20 +89,26 @@ int GetQueDbEntry(QueRecord *record, const char *name) {
 }
 
 int GenQueDbEntry(QueRecord *record) {
-    char *text = SaveStr("%s %s %s %s %i %i %i %i %i %i ", record->name, record->printer, record->lprQueue,
-                         record->ppdFile, record->type, record->banner, record->userInterface,
-                         record->features, record->isDefault, record->lpd);
-    int done = DbmPutRecord(QueDb, record->name, text, strlen(text) + 1);
-    PutMem(text);
+    std::string text = MakeQueText({.name = record->name,
+                                    .printer = record->printer,
+                                    .remote = record->lprQueue,
+                                    .ppd = record->ppdFile,
+                                    .type = record->type,
+                                    .banner = record->banner,
+                                    .userInterface = record->userInterface,
+                                    .features = record->features,
+                                    .isDefault = record->isDefault,
+                                    .lpd = record->lpd});
+    int done = DbmPutRecord(QueDb, record->name, text.c_str(), text.size() + 1);
     if (!done || !record->settings || !*record->settings) return done;
-    std::string key = std::string(record->name) + " **";
-    return DbmPutRecord(QueDb, key.c_str(), record->settings, strlen(record->settings));
+    return DbmPutRecord(QueDb, QueSettingsKey(record->name).c_str(), record->settings,
+                        strlen(record->settings));
 }
 
 int GetQueCountWords(const char *printer, char *first, char *second, size_t capacity) {
     size_t size = 0;
-    const char *data = GetQueDbData(std::string(printer) + " count", &size);
-    std::string_view words(data && size > COUNT_FIELD ? data + COUNT_FIELD : "");
+    const char *data = GetQueDbData(QueCountKey(printer), &size);
+    std::string_view words(data && size > QUE_COUNT_FIELD ? data + QUE_COUNT_FIELD : "");
     std::string_view one, two;
     TakeWord(words, " ", one);
     TakeWord(words, " ", two);
@@ -178,7 +175,7 @@ static char *AddDbQueues(char *list, const QueNames &host, size_t *length) {
     std::string_view rest(keys ? keys : "");
     for (std::string_view word; TakeWord(rest, ",", word);) {
         std::string key(word);
-        if (key.find(' ') == key.npos && host.count(key)) list = AddQToList(list, key.c_str(), length);
+        if (IsQueKey(key) && host.count(key)) list = AddQToList(list, key.c_str(), length);
     }
     PutMem(keys);
     return list;

@@ -1,14 +1,7 @@
 // Queue records of the database "que", the host's and the family's queue lists, and the marker file of the
 // tool directory. The database belongs to prnqtool; this side reads it.
 //
-// Records, each under a key of its own:
-//     q1               "q1 host lp tv_generic.ppd 0 1 1 1 0 1 " and a NUL; see QueRecord
-//     q1 **            the queue's feature settings, without a NUL
-//     q1 **banner      the queue's banner lines
-//     host count       a 4-byte field, then "host lp": host or device, and the name on the print server
-//      default         name of the default queue
-//      banner          the system's default banner lines
-// A key with a blank is no queue.
+// QueFormat.h tells the keys of the records and how they are written.
 #pragma once
 
 #include "print/QueType.h"

@@ -7,6 +7,7 @@
 #include "common/Token.h"
 #include "common/utils.h"
 #include "print/MainUtils.h"
+#include "print/QueFormat.h"
 
 #include <climits>
 #include <cstdarg>
@@ -91,7 +92,7 @@ static std::string TakeField(const char *&line, const char *delims) {
 
 static void ReadDefaultQueue() {
     char name[LINEBUF_SIZE];
-    if (!GetQueDbText(" default", name, sizeof name)) return;
+    if (!GetQueDbText(QueDefaultKey, name, sizeof name)) return;
     SetText(&pDefaultPrinterQueue, name);
     if (!pPrinterQueue) SetText(&pPrinterQueue, name);
 }

@@ -6,6 +6,7 @@
 #include "common/utils.h"
 #include "menu/MenuText.h"
 #include "print/MainUtils.h"
+#include "print/QueFormat.h"
 
 #include <cstdio>
 
@@ -144,8 +145,8 @@ int RestoreBannerInfoTty(TextMenu *menu, TextMenuItem *) {
 }
 
 void GetBannerInfoTty(const char *queue) {
-    if (queue && GetQueDbText((std::string(queue) + " **banner").c_str(), BannerLine, sizeof BannerLine))
+    if (queue && GetQueDbText(QueOwnBannerKey(queue).c_str(), BannerLine, sizeof BannerLine))
         PutBannerFile(BannerLine);
     else
-        GetQueDbText(" banner", BannerLine, sizeof BannerLine);
+        GetQueDbText(QueBannerKey, BannerLine, sizeof BannerLine);
 }

@@ -2,6 +2,7 @@
 #include "siblings/lib/Records.h"
 
 #include "common/DbmT.h"
+#include "print/QueFormat.h"
 #include "siblings/lib/Files.h"
 
 #include <algorithm>
@@ -10,26 +11,7 @@
 #include <sys/stat.h>
 
 enum { DATABASE_MODE = 0666 };
-enum { // fields of a main record, split at single blanks
-    FIELD_NAME,
-    FIELD_PRINTER,
-    FIELD_REMOTE,
-    FIELD_PPD,
-    FIELD_TYPE,
-    FIELD_BANNER,
-    FIELD_USER_INTERFACE,
-    FIELD_FEATURES,
-    FIELD_DEFAULT, // written, never read: the record " default" tells
-    FIELD_LPD,
-    FIELD_COUNT,
-};
-
 static const char Database[] = "db/que.xdb"; // the tool directory is the current one
-static const char KeySettings[] = " **";
-static const char KeyBanner[] = " **banner";
-static const char KeyCount[] = " count";
-static const char KeyDefault[] = " default";
-static const char KeySystemBanner[] = " banner";
 
 static DbTHandle *Handle;
 static bool flLost; // an edit found no memory
@@ -48,7 +30,7 @@ std::string RecordsOpen() {
     if (flThere && !S_ISREG(status.st_mode)) return std::string(Database) + " is no regular file";
     flLost = false;
     if (Handle) DbTClose(Handle);
-    Handle = DbTOpen("que", DBT_NO_RELOAD | DBT_NO_WRITE);
+    Handle = DbTOpen(QueDb, DBT_NO_RELOAD | DBT_NO_WRITE);
     if (!Handle) return "out of memory";
     if (Handle->type == DBT_HEADER) return std::string(Database) + " is no queue database";
     if (Handle->type == DBT_NONE) {
@@ -90,40 +72,28 @@ bool RecordsHave(const std::string &name) {
     return !GetRecord(name).empty();
 }
 
-static std::vector<std::string> SplitAtBlanks(const std::string &text) {
-    std::vector<std::string> words;
-    for (size_t at = 0; at < text.size() && words.size() < FIELD_COUNT;) {
-        size_t end = std::min(text.find(' ', at), text.size());
-        words.push_back(text.substr(at, end - at));
-        at = end + 1;
-    }
-    words.resize(FIELD_COUNT);
-    return words;
-}
-
 bool RecordsRead(const std::string &name, Queue &queue) {
     std::string record = GetText(name);
     if (record.empty()) return false;
-    std::vector<std::string> words = SplitAtBlanks(record);
+    QueFields fields = ReadQueFields(record);
     queue = Queue();
     queue.name = name;
-    queue.printer = words[FIELD_PRINTER];
-    queue.remote = words[FIELD_REMOTE];
-    queue.ppd = words[FIELD_PPD];
-    queue.type = atoi(words[FIELD_TYPE].c_str());
-    queue.flBanner = atoi(words[FIELD_BANNER].c_str()) != 0;
-    queue.flUserInterface = atoi(words[FIELD_USER_INTERFACE].c_str()) != 0;
-    queue.flFeatures = atoi(words[FIELD_FEATURES].c_str()) != 0;
+    queue.printer = fields.printer;
+    queue.remote = fields.remote;
+    queue.ppd = fields.ppd;
+    queue.type = fields.type;
+    queue.flBanner = fields.banner != 0;
+    queue.flUserInterface = fields.userInterface != 0;
+    queue.flFeatures = fields.features != 0;
     queue.flDefault = RecordsDefault() == name;
-    queue.flLpd = atoi(words[FIELD_LPD].c_str()) != 0;
-    queue.settings = GetText(name + KeySettings);
-    queue.banner = GetText(name + KeyBanner);
+    queue.flLpd = fields.lpd != 0;
+    queue.settings = GetText(QueSettingsKey(name));
+    queue.banner = GetText(QueOwnBannerKey(name));
     return true;
 }
 
-// All other keys hold a blank.
 static bool IsQueueKey(const DbTWalk &walked) {
-    return walked.K > 1 && !memchr(walked.key, ' ', walked.K);
+    return walked.K > 1 && IsQueKey(std::string_view(walked.key, walked.K - 1u));
 }
 
 std::vector<std::string> RecordsQueues() {
@@ -135,11 +105,11 @@ std::vector<std::string> RecordsQueues() {
 }
 
 std::string RecordsDefault() {
-    return GetText(KeyDefault);
+    return GetText(QueDefaultKey);
 }
 
 std::string RecordsBanner() {
-    return GetText(KeySystemBanner);
+    return GetText(QueBannerKey);
 }
 
 // The count record tells how many queues a printer has, and by which host and name the last of them reaches
@@ -153,29 +123,35 @@ static void CountQueues(const std::string &printer) {
         std::string_view record(walked.key + walked.K, walked.L - walked.K - 2u);
         // A removal of many queues walks over all records for each of them: only the printer's own are split.
         if (record.find(" " + printer + " ") == record.npos) continue;
-        std::vector<std::string> fields = SplitAtBlanks(std::string(record));
-        if (fields[FIELD_PRINTER] != printer) continue;
-        words = printer + " " + fields[FIELD_REMOTE];
+        QueFields fields = ReadQueFields(record);
+        if (fields.printer != printer) continue;
+        words = printer + " " + fields.remote;
         count++;
     }
-    std::string record((const char *)&count, sizeof count);
-    SetRecord(printer + KeyCount, count ? record + words + '\0' : "");
+    static_assert(sizeof count == QUE_COUNT_FIELD);
+    std::string record(reinterpret_cast<const char *>(&count), sizeof count);
+    SetRecord(QueCountKey(printer), count ? record + words + '\0' : "");
 }
 
 static std::string MainRecord(const Queue &queue) {
-    std::string record = queue.name + " " + queue.printer + " " + queue.remote + " " + queue.ppd + " ";
-    for (int number : {queue.type, (int)queue.flBanner, (int)queue.flUserInterface, (int)queue.flFeatures,
-                       (int)queue.flDefault, (int)queue.flLpd})
-        record += std::to_string(number) + " ";
-    return WithNul(record);
+    return WithNul(MakeQueText({.name = queue.name,
+                                .printer = queue.printer,
+                                .remote = queue.remote,
+                                .ppd = queue.ppd,
+                                .type = queue.type,
+                                .banner = queue.flBanner,
+                                .userInterface = queue.flUserInterface,
+                                .features = queue.flFeatures,
+                                .isDefault = queue.flDefault,
+                                .lpd = queue.flLpd}));
 }
 
 void RecordsPut(const Queue &queue) {
     Queue old;
     bool flOld = RecordsRead(queue.name, old);
     SetRecord(queue.name, MainRecord(queue));
-    SetRecord(queue.name + KeySettings, queue.settings);
-    SetRecord(queue.name + KeyBanner, WithNul(queue.banner));
+    SetRecord(QueSettingsKey(queue.name), queue.settings);
+    SetRecord(QueOwnBannerKey(queue.name), WithNul(queue.banner));
     if (flOld && old.printer != queue.printer) CountQueues(old.printer);
     CountQueues(queue.printer);
     if (queue.flDefault)
@@ -187,17 +163,17 @@ void RecordsPut(const Queue &queue) {
 void RecordsDelete(const std::string &name) {
     Queue old;
     bool flOld = RecordsRead(name, old);
-    for (const char *suffix : {"", KeySettings, KeyBanner}) SetRecord(name + suffix, "");
+    for (const std::string &key : {name, QueSettingsKey(name), QueOwnBannerKey(name)}) SetRecord(key, "");
     if (flOld) CountQueues(old.printer);
     if (RecordsDefault() == name) RecordsSetDefault("");
 }
 
 void RecordsSetDefault(const std::string &name) {
-    SetRecord(KeyDefault, WithNul(name));
+    SetRecord(QueDefaultKey, WithNul(name));
 }
 
 void RecordsSetBanner(const std::string &banner) {
-    SetRecord(KeySystemBanner, WithNul(banner));
+    SetRecord(QueBannerKey, WithNul(banner));
 }
 
 std::string RecordsPrepare() {
