@@ -3,10 +3,9 @@
 
 #include "common/MemMgr.h"
 #include "common/Token.h"
-#include "xmt/XmtEvent.h"
-#include "xmt/XmtNew.h"
-#include "xmt/XmtNewArgs.h"
-#include "xmt/XmtUtils.h"
+#include "xmt/XmtDisplay.h"
+#include "xmt/XmtStore.h"
+#include "xmt/XmtToken.h"
 
 #include <cctype>
 #include <cstdio>
@@ -24,6 +23,9 @@ struct ClosestCache {
     char *used; // by the present group of colours
 };
 
+int flNewColorSet;
+Pixel NewObjectColor[XMT_COLOURS];
+intptr_t XmtPixBg = -1;
 int flUseDefaultColor = 1;
 
 static ClosestCache Closest;
@@ -202,6 +204,37 @@ Pixel GenColor(const char *text, int flBackground, char *flSuccess) {
     if (closest != nullptr) return closest->pixel;
     *flSuccess = 0;
     return GetDefaultColor(flBackground);
+}
+
+// ---- keys
+
+const XmtColourKey XmtColourKeys[] = {
+    {"bg", "background", XMT_BG},
+    {"fg", "foreground", XMT_FG},
+    {"bo", "borderColor", XMT_BORDER},
+    {"st", "topShadowColor", XMT_TOP},
+    {"sb", "bottomShadowColor", XMT_BOTTOM},
+    {"se", "selectColor", XMT_BOTTOM},
+    {"sa", "armColor", XMT_BOTTOM},
+    {"hi", "highlightColor", XMT_HIGHLIGHT},
+    {"rr", "troughColor", XMT_HIGHLIGHT},
+    {"", nullptr, 0},
+};
+
+const XmtColourKey *XmtFindColourKey(const char *text) {
+    const XmtColourKey *row = XmtColourKeys;
+    while (row->resource && strncmp(text, row->key, 2) != 0) row++;
+    return row->resource ? row : nullptr;
+}
+
+const XmtColourKey *XmtReadColour(const char *item, Pixel *pixel) {
+    char flSuccess;
+    item += strspn(item, " \t\n\r");
+    const XmtColourKey *row = XmtFindColourKey(item);
+    if (!row) return nullptr;
+    *pixel = NewObjectColor[row->place] = GenColor(item + 2, row->place == XMT_BG, &flSuccess);
+    if (row->place == XMT_BG) XmtPixBg = static_cast<intptr_t>(*pixel);
+    return row;
 }
 
 // Keys and resources, from 1.

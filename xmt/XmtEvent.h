@@ -1,27 +1,16 @@
-// The display, the main loop, and the one function at which every Motif callback arrives.
+// The main loop, and the one function at which every Motif callback arrives.
 //
 // A handler is given one XmtCallData and switches on its id. It may call anything of the toolkit. An object
 // with a format has its events run there; its handler then hears only what the format passes on.
 #pragma once
 
 #include "xmt/Xmt.h"
+#include "xmt/XmtDisplay.h"
 
-extern XtAppContext AppContext; // writer of these five: XmtInitApp
-extern Display *AppDisplay;     // null without a display
-extern Screen *AppScreen;
-extern int AppScreenNum;
-extern Colormap AppColormap;
-extern int flInitAppTimedOut;  // no display, or none within the limit
 extern int flInEventLoop;      // set for good when the main loop starts
 extern int flExitMainLoop;     // leaves the main loop after the event in hand
 extern void (*EventLoopCBF)(); // runs once when the event in hand is dispatched, and is cleared
 
-enum { XMT_OPEN_SECONDS = 35 }; // a display that does not answer within it is none
-extern int XmtOpenSeconds;      // the limit; tests lower it
-
-// Opens the display; false after a warning on standard error. argc may be null. From then on an X error goes
-// to the log, and a display that goes away ends the process with status 1. Uses: SIGALRM, and puts it back.
-bool XmtInitApp(const char *name, const char *appClass, int *argc, char **argv);
 // Realizes AppShell and runs until flExitMainLoop. Ends: with status 1 when the display goes away.
 void XmtMainEventLoop();
 // Lets the main loop look at flExitMainLoop though no event comes; for callbacks of timers.

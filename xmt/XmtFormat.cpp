@@ -2,9 +2,10 @@
 #include "xmt/XmtFormat.h"
 
 #include "common/utils.h"
+#include "xmt/XmtCallback.h"
 #include "xmt/XmtColor.h"
-#include "xmt/XmtNew.h"
-#include "xmt/XmtNewArgs.h"
+#include "xmt/XmtStore.h"
+#include "xmt/XmtToken.h"
 #include "xmt/XmtUtils.h"
 #include "xmt/XmtValidate.h"
 

@@ -3,14 +3,16 @@
 
 #include "common/MemMgr.h"
 #include "common/utils.h"
+#include "xmt/XmtCopy.h"
+#include "xmt/XmtDisplay.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtFormat.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewWin.h"
+#include "xmt/XmtStore.h"
 #include "xmt/XmtString.h"
 #include "xmt/XmtUtils.h"
 
-#include <cerrno>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -130,17 +132,6 @@ void XmtMsgEventHandler(XmtCallData *data) {
     bool flAnswer = data->reason == XmtCR_OK || data->reason == XmtCR_CANCEL || data->reason == XmtCR_APPLY;
     if (flAnswer) AnswerMsg(data);
     flPostMsgIsHidden = 1;
-}
-
-void XmtSysError(const char *format, ...) {
-    int error = errno;
-    va_list args;
-    va_start(args, format);
-    std::string text = FormatV(format, args);
-    va_end(args);
-    fflush(stdout);
-    fprintf(stderr, "%s : %s\n", text.c_str(), strerror(error));
-    exit_app(1);
 }
 
 // ---- timers

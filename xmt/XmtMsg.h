@@ -29,9 +29,6 @@ void XmtMsgEventHandler(XmtCallData *data);
 void XmtSetPostMsgWidget(XmtHandler callback, intptr_t id); // for the next message alone
 void XmtSetPostMsgHelpWidget(const char *name);             // the name is kept, not copied
 void XmtHideMsgCancelWidget();                              // for good
-// Prints the text, " : " and the system's error. Ends: with status 1.
-[[noreturn, gnu::format(printf, 1, 2)]] void XmtSysError(const char *format, ...);
-
 // ---- timers. A tick a second counts them down while one of them runs; their callbacks come between events,
 // in any loop, and may stop and start timers, their own too. Calls with an id that is not there do nothing.
 

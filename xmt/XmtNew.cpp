@@ -1,343 +1,29 @@
-// Statements of descriptions: keywords, blocks, macros, inclusion. The value readers and tokens of all
-// layers.
+// Statements of descriptions: keywords, blocks, inclusion.
 #include "xmt/XmtNew.h"
 
 #include "common/MemMgr.h"
-#include "common/Token.h"
 #include "common/utils.h"
-#include "xmt/XmtMsg.h"
 #include "xmt/XmtNewArgs.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewTab.h"
 #include "xmt/XmtNewWin.h"
-#include "xmt/XmtUtils.h"
+#include "xmt/XmtPixmap.h"
+#include "xmt/XmtStore.h"
 
 #include <cctype>
-#include <cstdarg>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
-#include <utility>
 
-const char *pNewDesc = "";
-char *Macro[XMT_MACROS];
-XmtHandler AppCB;
-int AppCBValue = 1;
-int SpecifiedAppCBValue;
-int GetDescLen;
-
-struct MacroCall {
-    const char *back; // where the caller goes on
-    char *text;       // what is read, managed
-};
-static MacroCall Mac[XMT_CALLS];
-static int MacI;      // calls in progress
-static int MacBase;   // those below it wait for an included text or a nested description to end
-static int CallsLeft; // of the description in hand
-static int Blocks;    // open
-
-// ---- value readers
-
-static bool IsWordChar(char ch) {
-    return isalnum(static_cast<unsigned char>(ch)) || ch == '_';
-}
-
-const char *XmtSkipSpace(const char *position) {
-    while (XmtIsSpace(*position)) position++;
-    return position;
-}
-
-static const char *SkipOpen(const char *position) {
-    return *position == '(' ? position + 1 : position;
-}
-
-// Up to one of the ends that is not escaped, or the end of the text; backslashes stay.
-static const char *ReadUpTo(std::string *out, const char *position, const char *ends) {
-    const char *start = position;
-    for (; *position && !strchr(ends, *position); position++)
-        if (*position == '\\' && position[1]) position++;
-    out->assign(start, position);
-    return position;
-}
-
-const char *GetArgValue(std::string *out, const char *position) {
-    return ReadUpTo(out, SkipOpen(position), ",)");
-}
-
-void GetValue(std::string *out) {
-    pNewDesc = GetArgValue(out, pNewDesc);
-    if (*pNewDesc) pNewDesc++;
-}
-
-const char *GetArgValues(std::string *out, const char *position) {
-    return ReadUpTo(out, SkipOpen(position), ")");
-}
-
-// A ')' behind a backslash that was itself escaped is text as well.
-void GetValues(std::string *out) {
-    out->clear();
-    for (pNewDesc = SkipOpen(pNewDesc); *pNewDesc && *pNewDesc != ')'; pNewDesc++) {
-        if (*pNewDesc == '\\' && !*++pNewDesc) return;
-        *out += *pNewDesc;
-        if (*pNewDesc == '\\' && pNewDesc[1] == ')') *out += *++pNewDesc;
-    }
-    if (*pNewDesc) pNewDesc++;
-}
-
-const char *GetSavedArgValues(char **text, const char *position) {
-    std::string value;
-    position = GetArgValues(&value, position);
-    *text = SaveStr_(value.c_str());
-    return position;
-}
-
-void GetSavedValues(char **text) {
-    pNewDesc = GetSavedArgValues(text, pNewDesc);
-    if (*pNewDesc) pNewDesc++;
-}
-
-int GetNumber() {
-    pNewDesc = SkipOpen(pNewDesc);
-    int number = atoi(pNewDesc);
-    while (isdigit(static_cast<unsigned char>(*pNewDesc))) pNewDesc++;
-    if (*pNewDesc && strchr(",()", *pNewDesc)) pNewDesc++;
-    return number;
-}
-
-const char *GetWord(std::string *out, const char *position) {
-    const char *start = position = XmtSkipSpace(position);
-    while (IsWordChar(*position)) position++;
-    out->assign(start, position);
-    return position;
-}
-
-char *GetDesc(char end, int flKeep) {
-    const char ends[] = {end, '\0'};
-    std::string text;
-    pNewDesc = ReadUpTo(&text, pNewDesc, ends);
-    if (*pNewDesc && flKeep) text += end;
-    if (*pNewDesc) pNewDesc++;
-    GetDescLen = static_cast<int>(text.size());
-    return SaveStr_(text.c_str());
-}
-
-char GetEscapedValue(char ch) {
-    switch (ch) {
-    case 'n': return '\n';
-    case 'r': return '\r';
-    case 't': return '\t';
-    default: return ch; // every other character stands for itself
-    }
-}
-
-int GetArgCount(const char *position) {
-    std::string value;
-    if (*position == '(' && position[1] == ')') return 0;
-    int count = 1;
-    for (position = GetArgValue(&value, position); *position == ','; count++)
-        position = ReadUpTo(&value, position + 1, ",)");
-    return count;
-}
-
-// The argument's place in the text: its start, and its length by *length; npos if there is none.
-static size_t FindArg(const char *name, const char *text, size_t *length) {
-    std::string word, value;
-    for (const char *in = text; *(in = XmtSkipSpace(in));) {
-        const char *start = in;
-        in = GetWord(&word, in);
-        if (in == start) {
-            in++;
-            continue;
-        }
-        if (*in == '(') in = ReadUpTo(&value, in, ")");
-        if (*in == ')' && in != start + word.size()) in++;
-        *length = static_cast<size_t>(in - start);
-        if (word == name) return static_cast<size_t>(start - text);
-    }
-    return std::string::npos;
-}
-
-bool CopyArg(const char *name, const char *text, std::string *out) {
-    size_t length, place = name && *name && text ? FindArg(name, text, &length) : std::string::npos;
-    if (out) out->clear();
-    if (place == std::string::npos) return false;
-    if (out) out->assign(text + place, length);
-    return true;
-}
-
-bool StripArg(const char *name, std::string *text, std::string *out) {
-    size_t length, place = name && *name ? FindArg(name, text->c_str(), &length) : std::string::npos;
-    if (out) out->clear();
-    if (place == std::string::npos) return false;
-    if (out) out->assign(*text, place, length);
-    text->erase(place, length);
-    return true;
-}
-
-// ---- tokens
-
-char XmtGetTokenBuf[XMT_TOKEN_SIZE];
-char *szXmtTokenIn;
-char chXmtTokenDel;
-static const char *XmtIn; // read position; szXmtTokenIn follows it when a call ends normally
-
-void XmtSetTokenBuf(const char *text) {
-    XmtIn = text;
-    szXmtTokenIn = const_cast<char *>(text);
-}
-
-char *XmtGetToken(const char *in, const char *delims) {
-    if (in && in != pTokenLine) XmtIn = in;
-    TokenScan scan = {XmtIn, XmtGetTokenBuf, XMT_TOKEN_SIZE, '\0', in == pTokenLine};
-    int result = ScanToken(&scan, delims);
-    XmtIn = scan.position;
-    chXmtTokenDel = scan.del;
-    if (result != SCAN_LINE) szXmtTokenIn = const_cast<char *>(XmtIn);
-    return result == SCAN_TOKEN ? XmtGetTokenBuf : nullptr;
-}
-
-int XmtFindToken(const char *token, const char *list) {
-    return FindToken(token, list);
-}
-
-// Delimiters in front are passed before the scan, so that del tells of the token's own end.
-char *XmtStrTok(XmtTokenRecord *record, const char *text, const char *delims) {
-    if (text) record->position = text;
-    if (record->position && !strchr(delims, '\\')) record->position += strspn(record->position, delims);
-    TokenScan scan = {record->position, record->buffer, XMT_STRTOK_SIZE, '\0', false};
-    int result = ScanToken(&scan, delims);
-    record->position = scan.position;
-    record->del = scan.del;
-    return result == SCAN_TOKEN ? record->buffer : nullptr;
-}
-
-char *XmtSaveStr(const char *format, ...) {
-    va_list args;
-    va_start(args, format);
-    int length = vsnprintf(nullptr, 0, format, args);
-    va_end(args);
-    if (length < 0) length = 0;
-    auto text = static_cast<char *>(GetMem(static_cast<size_t>(length) + 1));
-    if (!text) XmtSysError("%s", OutOfMem);
-    va_start(args, format);
-    vsnprintf(text, static_cast<size_t>(length) + 1, format, args);
-    va_end(args);
-    return text;
-}
-
-char *XmtSaveStr_(const char *text) {
-    return XmtSaveStr("%s", text ? text : "");
-}
-
-void XmtFreeStr(char *text) {
-    PutMem(text);
-}
-
-// ---- macros
-
-// The rest of the line behind the number, its blank included, becomes the body.
-static void DefineMacro() {
-    int number = atoi(pNewDesc);
-    for (int digits = number <= 9 ? 1 : 2; digits > 0 && *pNewDesc; digits--) pNewDesc++;
-    char *body = GetDesc('\n', 0);
-    if (number >= 0 && number < XMT_MACROS) std::swap(body, Macro[number]);
-    PutMem(body);
-}
-
-// The body is copied even if it is read as it stands: it may define its own number anew.
-void PushMacro() {
-    int number = GetNumber();
-    const char *body = number >= 0 && number < XMT_MACROS ? Macro[number] : nullptr;
-    if (!body || MacI == XMT_CALLS || CallsLeft <= 0) return;
-    CallsLeft--;
-    std::string text, arguments;
-    if (pNewDesc[-1] == '(') {
-        GetValues(&arguments);
-        ExpandMacro(&text, body, arguments.c_str());
-        body = text.c_str();
-    }
-    Mac[MacI] = {pNewDesc, SaveStr_(body)};
-    pNewDesc = Mac[MacI++].text;
-}
-
-void PopMacro() {
-    while (!*pNewDesc && MacI > MacBase) {
-        pNewDesc = Mac[--MacI].back;
-        PutMem(Mac[MacI].text);
-    }
-}
-
-struct Expansion {
-    std::string *out;
-    const char *arguments; // not yet taken
-    int count;             // saved values
-    char values[XMT_SAVED_VALUES][XMT_SAVED_VALUE_SIZE];
-};
-
-// Text up to the end character, which is consumed, with its escapes translated.
-static std::string TakeText(const char **position, char end) {
-    std::string text;
-    const char *in = *position;
-    for (; *in && *in != end; in++) {
-        if (*in != '\\')
-            text += *in;
-        else if (in[1])
-            text += GetEscapedValue(*++in);
-    }
-    *position = *in ? in + 1 : in;
-    return text;
-}
-
-static void SaveValue(Expansion *expansion, const std::string &text) {
-    if (expansion->count == XMT_SAVED_VALUES) return;
-    snprintf(expansion->values[expansion->count++], XMT_SAVED_VALUE_SIZE, "%s", text.c_str());
-}
-
-// Behind an '&' that means something: where the body goes on, otherwise null.
-static const char *ExpandValue(Expansion *expansion, const char *in) {
-    if (*in == '*') {
-        SaveValue(expansion, TakeText(&expansion->arguments, ','));
-        return in + 1;
-    }
-    if (*in == '\'') {
-        SaveValue(expansion, TakeText(&++in, '\''));
-        return in;
-    }
-    if (*in < '0' || *in > '9' || expansion->count == 0) return nullptr;
-    if (*in - '0' < expansion->count) *expansion->out += expansion->values[*in - '0'];
-    return in + 1;
-}
-
-void ExpandMacro(std::string *out, const char *body, const char *arguments) {
-    Expansion expansion = {};
-    expansion.out = out;
-    expansion.arguments = arguments;
-    out->clear();
-    while (*body) {
-        const char *next = *body == '&' ? ExpandValue(&expansion, body + 1) : nullptr;
-        if (next) {
-            body = next;
-        } else if (*body == '*') {
-            *out += TakeText(&expansion.arguments, ',');
-            body++;
-        } else {
-            if (*body == '\\' && body[1]) body++;
-            *out += *body++;
-        }
-    }
-}
+static int Blocks; // open
 
 // ---- statements
 
 // Reads a text of its own: the calls that it leaves open end with it.
 static void ReadText(const char *text, Widget parent) {
     XmtCursor cursor(text);
-    int base = MacBase;
-    MacBase = MacI;
+    XmtMacroLevel level;
     XmtNewObjectWP(parent);
-    while (MacI > MacBase) PutMem(Mac[--MacI].text);
-    MacBase = base;
 }
 
 void XmtNewObject(const char *parent, XmtHandler handler, int firstId, const char *text) {
@@ -347,7 +33,7 @@ void XmtNewObject(const char *parent, XmtHandler handler, int firstId, const cha
     XmtObjectData *object = parent && *parent ? XmtFindObject(parent) : nullptr;
     Widget widget = object ? object->widget : AppWin;
     if (!text || (parent && !widget)) return;
-    if (MacI == 0) CallsLeft = XMT_CALLS_ALL;
+    XmtRenewCalls();
     ReadText(text, widget);
 }
 
@@ -355,8 +41,7 @@ static void IncludeFile(Widget parent) {
     static const char word[] = "include";
     if (strncmp(pNewDesc, word, sizeof word - 1) != 0 || !pNewDesc[sizeof word - 1]) return;
     const char *name = XmtGetToken(pNewDesc + sizeof word, " \n\t");
-    if (!name || Blocks >= XMT_BLOCKS || CallsLeft <= 0) return;
-    CallsLeft--;
+    if (!name || Blocks >= XMT_BLOCKS || !XmtTakeCall()) return;
     char *text = GetSavedFileContent(name, nullptr);
     if (!text) return;
     Blocks++;
@@ -391,7 +76,7 @@ static void EndKey(Level *level, std::string *key) {
 static void ReadStatementChar(Level *level, std::string *key, char ch) {
     switch (ch) {
     case '{': ReadBlock(level->object); break;
-    case '.': DefineMacro(); break;
+    case '.': XmtDefineMacro(); break;
     case '*': PushMacro(); break;
     case '#': ReadComment(level->parent); break;
     case '(':

@@ -2,11 +2,12 @@
 #include "xmt/XmtNewArgs.h"
 
 #include "common/MemMgr.h"
-#include "xmt/XmtColor.h"
-#include "xmt/XmtEvent.h"
-#include "xmt/XmtNew.h"
-#include "xmt/XmtNewTab.h"
-#include "xmt/XmtUtils.h"
+#include "xmt/XmtDisplay.h"
+#include "xmt/XmtMacro.h"
+#include "xmt/XmtPixmap.h"
+#include "xmt/XmtStore.h"
+#include "xmt/XmtToken.h"
+#include "xmt/XmtValue.h"
 
 #include <cctype>
 #include <cstdlib>
@@ -16,11 +17,7 @@
 int flHideObject;
 int flDefaultTabGroup;
 int flNoTraversal;
-int flNewColorSet;
-Pixel NewObjectColor[XMT_COLOURS];
-intptr_t XmtPixBg = -1;
 XtTranslations XmtDummyKeyXlations;
-const char *IconPath;
 
 enum { ARG_MACRO_DEPTH = 20, ARG_MACROS = 200 };
 static int MacroDepth; // uses ".N" within the body of another
@@ -433,35 +430,13 @@ void XmtFillInfo(XmtInfo *info, int mode) {
 
 // ---- colours
 
-const XmtColourKey XmtColourKeys[] = {
-    {"bg", "background", XMT_BG},
-    {"fg", "foreground", XMT_FG},
-    {"bo", "borderColor", XMT_BORDER},
-    {"st", "topShadowColor", XMT_TOP},
-    {"sb", "bottomShadowColor", XMT_BOTTOM},
-    {"se", "selectColor", XMT_BOTTOM},
-    {"sa", "armColor", XMT_BOTTOM},
-    {"hi", "highlightColor", XMT_HIGHLIGHT},
-    {"rr", "troughColor", XMT_HIGHLIGHT},
-    {"", nullptr, 0},
-};
-
-static const XmtColourKey *FindColourKey(const char *text) {
-    const XmtColourKey *row = XmtColourKeys;
-    while (row->resource && strncmp(text, row->key, 2) != 0) row++;
-    return row->resource ? row : nullptr;
-}
-
-// key colour; the colour's name may hold blanks
+// key colour
 static void AddColour(XmtInfo *info, const char *item) {
-    char flSuccess;
-    item = XmtSkipSpace(item);
-    const XmtColourKey *row = FindColourKey(item);
+    Pixel pixel;
+    const XmtColourKey *row = XmtReadColour(item, &pixel);
     if (!row) return;
-    Pixel pixel = GenColor(item + 2, row->place == XMT_BG, &flSuccess);
     XmtAddArg(info, row->resource, static_cast<XtArgVal>(pixel));
-    info->colours[row->place] = NewObjectColor[row->place] = pixel;
-    if (row->place == XMT_BG) XmtPixBg = static_cast<intptr_t>(pixel);
+    info->colours[row->place] = pixel;
 }
 
 // Runs add over the items up to the ')', which is not consumed.
@@ -615,73 +590,6 @@ const char *AttachObject(XmtInfo *info, const char *position) {
     return *position ? position + 1 : position;
 }
 
-// ---- callbacks
-
-constexpr char pCBKeys[] = ",me,ml,pe,pi,ps,a,c,m,fg,fl,sb,ss,sm,sd,se,pu,pd,D,A,t,h,i,e,s,";
-enum { CB_ENTER = 1, CB_LEAVE = 2, CB_PICTURE = 5 }; // keys up to here go to other functions
-
-// ORDER pCBKeys, from 1
-static const char *const pCBMKeys[] = {
-    nullptr,
-    nullptr,
-    nullptr,
-    "exposeCallback",
-    "inputCallback",
-    "resizeCallback",
-    "activateCallback",
-    "modifyVerifyCallback",
-    "motionVerifyCallback",
-    "focusCallback",
-    "losingFocusCallback",
-    "browseSelectionCallback",
-    "singleSelectionCallback",
-    "multipleSelectionCallback",
-    "defaultActionCallback",
-    "extendedSelectionCallback",
-    "popupCallback",
-    "popdownCallback",
-    "disarmCallback",
-    "armCallback",
-    "traversalCallback",
-    "helpCallback",
-    "inputCallback",
-    "exposeCallback",
-    "resizeCallback",
-};
-
-// ORDER pCBKeys, from 1. A list's events come with XmtCR_UNKNOWN all the same.
-const int CBR[] = {
-    XmtCR_CREATE,  XmtCR_ENTER,        XmtCR_LEAVE,
-    XmtCR_EXPOSE,  XmtCR_INPUT,        XmtCR_RESIZE,
-    XmtCR_DEFAULT, XmtCR_CHANGED,      XmtCR_MOTION,
-    XmtCR_FOCUS,   XmtCR_LOSING_FOCUS, XmtCR_DEFAULT,
-    XmtCR_DEFAULT, XmtCR_DEFAULT,      XmtCR_DEFAULT,
-    XmtCR_DEFAULT, XmtCR_MAP,          XmtCR_UNMAP,
-    XmtCR_DISARM,  XmtCR_ARM,          XmtCR_OBSCURED_TRAVERSAL,
-    XmtCR_HELP,    XmtCR_INPUT,        XmtCR_EXPOSE,
-    XmtCR_RESIZE,
-};
-static_assert(std::size(CBR) == XmtCountWords(pCBKeys) + 1);
-static_assert(std::size(pCBMKeys) == std::size(CBR));
-
-static void Connect(XmtObjectData *object, int key) {
-    const char *resource = pCBMKeys[key];
-    if (key == CB_ENTER)
-        XtAddEventHandler(object->widget, EnterWindowMask, 0, XmtEnter, object);
-    else if (key == CB_LEAVE)
-        XtAddEventHandler(object->widget, LeaveWindowMask, 0, XmtLeave, object);
-    else if (XtHasCallbacks(object->widget, resource) != XtCallbackNoList)
-        XtAddCallback(object->widget, resource, key <= CB_PICTURE ? XmtPictureEventHandler : XmtEventHandler,
-                      object);
-}
-
-void SetCallBack(XmtObjectData *object, const char *keys) {
-    XmtTokenRecord tokens = {};
-    if (!keys || !object->widget) return;
-    for (char *key = XmtStrTok(&tokens, keys, ",)"); key; key = XmtStrTok(&tokens, nullptr, ",)"))
-        if (int n = XmtFindToken(key, pCBKeys)) Connect(object, n);
-}
-
 // ---- compounds
 
 // Copies to the general text up to and with the next ')'.
@@ -809,7 +717,7 @@ static void AskForSide(GetList *list, const char *item) {
 static void AskForColour(GetList *list, const char *item) {
     static const char keys[] = ",bg,fg,hi,bo,st,sb,";
     std::string key(item, strnlen(item, 2));
-    const XmtColourKey *row = FindColourKey(item);
+    const XmtColourKey *row = XmtFindColourKey(item);
     if (row && XmtFindToken(key.c_str(), keys)) AskFor(list, row->resource);
 }
 

@@ -6,13 +6,12 @@
 #pragma once
 
 #include "xmt/Xmt.h"
+#include "xmt/XmtColor.h"
 
 #include <string>
 
 enum { XMT_ARGS = 40, XMT_SLOTS = 10 };
 
-// Places of the colours read.
-enum XmtColourPlace { XMT_BG, XMT_FG, XMT_BORDER, XMT_TOP, XMT_BOTTOM, XMT_HIGHLIGHT, XMT_COLOURS };
 // Modes of XmtFillInfo.
 enum { XMT_FILL_RAW_LABEL = 1, XMT_FILL_KEEP = 4, XMT_FILL_NESTED = 8, XMT_FILL_NO_TRAVERSAL = 16 };
 // Flags of GenDesc; the low four bits are the slot.
@@ -44,22 +43,10 @@ struct XmtInfo {
     Pixel colours[XMT_COLOURS] = {};
 };
 
-extern int flHideObject;                  // set by H; read and cleared by the statement loop
-extern int flDefaultTabGroup;             // no object is a tab group of its own; set for the items of lists
-extern int flNoTraversal;                 // menus: no keyboard traversal
-extern int flNewColorSet;                 // a new group of colours begins (XmtColor.h)
-extern Pixel NewObjectColor[XMT_COLOURS]; // of the object read last
-extern intptr_t XmtPixBg;                 // its background, -1 for none
+extern int flHideObject;      // set by H; read and cleared by the statement loop
+extern int flDefaultTabGroup; // no object is a tab group of its own; set for the items of lists
+extern int flNoTraversal;     // menus: no keyboard traversal
 extern XtTranslations XmtDummyKeyXlations;
-extern const char *IconPath; // folder of images, null: names are relative to the current directory
-extern const char pCBKeys[]; // ",me,ml,..."
-struct XmtColourKey {
-    char key[3];
-    const char *resource;
-    int place; // XmtColourPlace
-};
-extern const XmtColourKey XmtColourKeys[]; // ends with a null resource
-extern const int CBR[];                    // reason of each key, from 1
 
 // What stands behind an argument's letters: ways of reading it.
 enum XmtArgKind {
@@ -123,9 +110,6 @@ const char *XmtGetArgLabel(const char *unused, XmtInfo *info, const char *positi
 // Behind "c(" and "A(": the lists' items as resources; the position behind the ')'.
 const char *FillColor(XmtInfo *info, const char *position);
 const char *AttachObject(XmtInfo *info, const char *position);
-// Connects the object by callback keys "a,c"; a key that is unknown, or whose callback the widget does not
-// have, is passed over.
-void SetCallBack(XmtObjectData *object, const char *keys);
 // Reading back: a name and the letters of resources, as "wqn s p". XmtGetInfo lists them, the n-th with the
 // address of the n-th value; XmtGetArgs reads each into its word, which must be there, and gives the first.
 void XmtGetInfo(XmtInfo *info, const char *description, XtArgVal *values);

@@ -2,12 +2,14 @@
 #include "xmt/XmtNewBuild.h"
 
 #include "common/MemMgr.h"
+#include "xmt/XmtCallback.h"
+#include "xmt/XmtCopy.h"
 #include "xmt/XmtEvent.h"
-#include "xmt/XmtMsg.h"
-#include "xmt/XmtNew.h"
 #include "xmt/XmtNewTab.h"
+#include "xmt/XmtStore.h"
 #include "xmt/XmtString.h"
 #include "xmt/XmtUtils.h"
+#include "xmt/XmtValue.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -34,24 +36,11 @@ int flCreateCallback;
 
 // ---- texts
 
-bool XmtValues::Next() {
-    if (!position) return false;
-    position = GetArgValue(&value, position);
-    position = *position == ',' ? position + 1 : nullptr;
-    return true;
-}
-
 // What stands between the first '(' and the last ')' of an argument.
 static std::string ArgText(const std::string &argument) {
     size_t from = argument.find('('), to = argument.rfind(')');
     if (from == argument.npos || to == argument.npos || to < from) return "";
     return argument.substr(from + 1, to - from - 1);
-}
-
-void XmtReplaceText(char **field, const char *text) {
-    char *copy = XmtSaveStr_(text);
-    XmtFreeStr(*field);
-    *field = copy;
 }
 
 bool XmtTakeArg(XmtInfo *info, const char *name, std::string *value) {
@@ -69,16 +58,6 @@ bool XmtPeekArg(const XmtInfo *info, const char *name, int slot, std::string *va
     if (!flFound) flFound = info->slots[slot] && CopyArg(name, info->slots[slot], &argument);
     if (flFound) *value = ArgText(argument);
     return flFound;
-}
-
-std::string XmtDropEscapes(const std::string &text, bool flControl) {
-    std::string plain;
-    for (size_t i = 0; i < text.size(); i++) {
-        bool flEscaped = text[i] == '\\' && i + 1 < text.size();
-        if (flEscaped) i++;
-        plain += flEscaped && flControl ? GetEscapedValue(text[i]) : text[i];
-    }
-    return plain;
 }
 
 static std::string Numbered(const char *name, const char *tail, int n) {
@@ -244,7 +223,7 @@ static XmtObjectData *Register(XmtInfo *info, int type, Widget widget) {
 }
 
 static void Connect(XmtObjectData *object, const XmtInfo *info, const char *callback) {
-    if (callback) XtAddCallback(object->widget, callback, XmtEventHandler, object);
+    if (callback) XmtConnect(object, callback);
     if (object->type == XmtPasswd) SetCallBack(object, "c");
     if (!info->callbacks.empty()) SetCallBack(object, info->callbacks.c_str());
 }
@@ -499,7 +478,7 @@ static void FinishType(Compound *c) {
     case XmtRadioBox: FinishRadioBox(c); break;
     case XmtListBut: FinishOptionMenu(c); break;
     case XmtCreatedListBut: FinishCreatedList(c); break;
-    case XmtToggleBut: XtAddCallback(control, XmNvalueChangedCallback, XmtEventHandler, c->object); break;
+    case XmtToggleBut: XmtConnect(c->object, XmNvalueChangedCallback); break;
     case XmtText:
     case XmtPasswd: FinishText(c); break;
     default: break; // nothing more to do

@@ -83,22 +83,11 @@ void XmtSelectIcon(XmtObjectData *object, int n);
 
 // ---- what the creators of compounds share
 
-// Steps through a comma list as the argument readers see it; lives in its loop. A null or empty list has no
-// value, "a," has two.
-struct XmtValues {
-    explicit XmtValues(const char *list) : position(list && *list ? list : nullptr) {}
-    bool Next(); // false at the end
-    const char *position;
-    std::string value;
-};
 // Takes an argument out of the general text: its value, without the parenthesis, goes to value. False if it
 // is not there.
 bool XmtTakeArg(XmtInfo *info, const char *name, std::string *value);
 // The same, looked up in the general text first and then in a slot, and left there.
 bool XmtPeekArg(const XmtInfo *info, const char *name, int slot, std::string *value);
-// Takes one level of backslashes off; n, r and t behind one become what they stand for if flControl is set.
-std::string XmtDropEscapes(const std::string &text, bool flControl);
-void XmtReplaceText(char **field, const char *text); // puts a managed copy in place of a managed text
 // Keys and buttons as the text says, behind or before what the widget does by itself. An empty text is
 // ignored.
 void XmtAddTranslations(Widget widget, const char *text, bool flOverride);

@@ -2,13 +2,14 @@
 #include "xmt/XmtNewTab.h"
 
 #include "common/MemMgr.h"
-#include "common/utils.h"
+#include "xmt/XmtCallback.h"
 #include "xmt/XmtColor.h"
+#include "xmt/XmtCopy.h"
+#include "xmt/XmtDisplay.h"
 #include "xmt/XmtEvent.h"
-#include "xmt/XmtMsg.h"
-#include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
-#include "xmt/XmtUtils.h"
+#include "xmt/XmtStore.h"
+#include "xmt/XmtValue.h"
 
 #include <algorithm>
 #include <cctype>
@@ -606,53 +607,7 @@ Widget XmtNewListBox(Widget parent, intptr_t flMulti) {
     return form;
 }
 
-// ---- images
-
-// The server's copy of an image that is replaced may be on a label: it stays.
-static ImageRecord *EnterImage(const char *name, const ImageRecord *image) {
-    ImageRecord *old = static_cast<ImageRecord *>(FindHashNode(XmtPixmaps, HashText(name)));
-    if (old && old->Image) XDestroyImage(old->Image);
-    if (old)
-        *old = *image;
-    else
-        old = static_cast<ImageRecord *>(PushHashNode(XmtPixmaps, HashText(name), image, sizeof *image));
-    return old;
-}
-
-static ImageRecord *KeepImage(const char *name, ImageRecord *image) {
-    if (image->Pixmap) return EnterImage(name, image);
-    if (image->Image) XDestroyImage(image->Image);
-    return nullptr;
-}
-
-static ImageRecord *LoadImage(const char *name, const char *file) {
-    bool flAlone = !IconPath || file[0] == '\\' || file[0] == '/';
-    char *text = flAlone ? GetSavedFileContent(file, nullptr) : GetSavedFileContent(IconPath, file);
-    if (!text) return nullptr;
-    ImageRecord image = {};
-    XmtCreatePixmap(text, static_cast<size_t>(SavedFileSize), &image);
-    PutMem(text);
-    return KeepImage(name, &image);
-}
-
-static ImageRecord *ReadImage(const char *name) {
-    ImageRecord image = {};
-    pNewDesc = XmtCreatePixmap(pNewDesc, strlen(pNewDesc), &image);
-    return KeepImage(name, &image);
-}
-
-ImageRecord *XmtNewImage(const char *file) {
-    if (!AppDisplay) return nullptr;
-    if (file) return *file ? LoadImage(file, file) : nullptr;
-    std::string name;
-    pNewDesc = GetWord(&name, pNewDesc);
-    pNewDesc += strspn(pNewDesc, " \t\r\n");
-    if (*pNewDesc == '!') return ReadImage(name.c_str());
-    std::string path(pNewDesc, strcspn(pNewDesc, ";"));
-    pNewDesc += path.size();
-    if (*pNewDesc) pNewDesc++;
-    return LoadImage(name.c_str(), path.c_str());
-}
+// ---- labels
 
 Widget XmtNewPixmapLabel(Widget parent) {
     XmtInfo info;

@@ -97,9 +97,5 @@ void XmtAddDrawTranslations(Widget area); // with Tab leading on
 // label if it has one. Slot 3 is the list's. Uses: pNewDesc, WB1.
 Widget XmtNewListBox(Widget parent, intptr_t flMulti);
 
-// Loads an image and enters it in XmtPixmaps under its name: the entry, or null. With a file, that is the
-// name. With null reads a name at the cursor, and behind it image data that start with '!', or a file up to
-// ';'. Files are looked for in IconPath. An entry that was there is replaced in place; its pixmap lives on.
-ImageRecord *XmtNewImage(const char *file);
 // A label that shows the bitmap file named by t(...), read at the cursor.
 Widget XmtNewPixmapLabel(Widget parent);

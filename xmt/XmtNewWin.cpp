@@ -3,12 +3,15 @@
 
 #include "common/MemMgr.h"
 #include "common/utils.h"
+#include "xmt/XmtCallback.h"
 #include "xmt/XmtColor.h"
-#include "xmt/XmtEvent.h"
-#include "xmt/XmtNew.h"
+#include "xmt/XmtCopy.h"
+#include "xmt/XmtDisplay.h"
 #include "xmt/XmtNewBuild.h"
+#include "xmt/XmtStore.h"
 #include "xmt/XmtString.h"
-#include "xmt/XmtUtils.h"
+#include "xmt/XmtToken.h"
+#include "xmt/XmtValue.h"
 
 #include <cctype>
 #include <cstring>
@@ -131,11 +134,11 @@ static bool IsMessageBox(int type) {
 
 static void ConnectDialog(XmtObjectData *object, int buttons) {
     Widget widget = object->widget;
-    XtAddCallback(widget, XmNokCallback, XmtEventHandler, object);
-    XtAddCallback(widget, XmNcancelCallback, XmtEventHandler, object);
-    XtAddCallback(widget, XmNhelpCallback, XmtEventHandler, object);
+    XmtConnect(object, XmNokCallback);
+    XmtConnect(object, XmNcancelCallback);
+    XmtConnect(object, XmNhelpCallback);
     if (buttons < 3 || IsMessageBox(object->type)) return; // a message box has no apply button
-    XtAddCallback(widget, XmNapplyCallback, XmtEventHandler, object);
+    XmtConnect(object, XmNapplyCallback);
     XtManageChild(XmSelectionBoxGetChild(widget, XmDIALOG_APPLY_BUTTON));
 }
 

@@ -1,9 +1,12 @@
 // Images in XPM, GIF and XBM to pixmaps, and their merging in a picture.
 #include "xmt/XmtPixmap.h"
 
+#include "common/MemMgr.h"
+#include "common/utils.h"
 #include "xmt/XmtColor.h"
-#include "xmt/XmtEvent.h"
-#include "xmt/XmtNewArgs.h"
+#include "xmt/XmtDisplay.h"
+#include "xmt/XmtStore.h"
+#include "xmt/XmtValue.h"
 #include "xmt/gif.h"
 
 #include <cctype>
@@ -16,6 +19,7 @@
 
 enum { NO_SPECIAL_BITS = 8 }; // an image of fewer bits a pixel has no transparent and background values
 
+const char *IconPath;
 int flSetColorNone;
 int XmtOfflineBits = 32;
 
@@ -361,4 +365,52 @@ const char *XmtCreatePixmap(const char *text, size_t size, ImageRecord *record) 
     if (BeginsWith(text, "/* XPM */")) end = XmtLoadXPM(text, size, record, 0);
     if (record->Image != nullptr) record->Pixmap = CopyToPixmap(record->Image);
     return end;
+}
+
+// ---- named images
+
+// The server's copy of an image that is replaced may be on a label: it stays.
+static ImageRecord *EnterImage(const char *name, const ImageRecord *image) {
+    ImageRecord *old = static_cast<ImageRecord *>(FindHashNode(XmtPixmaps, HashText(name)));
+    if (old && old->Image) XDestroyImage(old->Image);
+    if (old)
+        *old = *image;
+    else
+        old = static_cast<ImageRecord *>(PushHashNode(XmtPixmaps, HashText(name), image, sizeof *image));
+    return old;
+}
+
+static ImageRecord *KeepImage(const char *name, ImageRecord *image) {
+    if (image->Pixmap) return EnterImage(name, image);
+    if (image->Image) XDestroyImage(image->Image);
+    return nullptr;
+}
+
+static ImageRecord *LoadImage(const char *name, const char *file) {
+    bool flAlone = !IconPath || file[0] == '\\' || file[0] == '/';
+    char *text = flAlone ? GetSavedFileContent(file, nullptr) : GetSavedFileContent(IconPath, file);
+    if (!text) return nullptr;
+    ImageRecord image = {};
+    XmtCreatePixmap(text, static_cast<size_t>(SavedFileSize), &image);
+    PutMem(text);
+    return KeepImage(name, &image);
+}
+
+static ImageRecord *ReadImage(const char *name) {
+    ImageRecord image = {};
+    pNewDesc = XmtCreatePixmap(pNewDesc, strlen(pNewDesc), &image);
+    return KeepImage(name, &image);
+}
+
+ImageRecord *XmtNewImage(const char *file) {
+    if (!AppDisplay) return nullptr;
+    if (file) return *file ? LoadImage(file, file) : nullptr;
+    std::string name;
+    pNewDesc = GetWord(&name, pNewDesc);
+    pNewDesc += strspn(pNewDesc, " \t\r\n");
+    if (*pNewDesc == '!') return ReadImage(name.c_str());
+    std::string path(pNewDesc, strcspn(pNewDesc, ";"));
+    pNewDesc += path.size();
+    if (*pNewDesc) pNewDesc++;
+    return LoadImage(name.c_str(), path.c_str());
 }

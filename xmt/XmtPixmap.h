@@ -26,6 +26,7 @@ struct ImageRecord {
     XImage *Image;
     ::Pixmap Pixmap;
 };
+extern const char *IconPath; // folder of images, null: names are relative to the current directory
 // Read for a picture: transparency is kept. Otherwise transparent pixels get XmtPixBg, if there is one.
 extern int flSetColorNone;
 // Bits per pixel of images that are made without a display, so that the readers work without one: 8, 16, 24,
@@ -52,3 +53,7 @@ void XmtCopyImage(XImage *source, XImage *destination, int x, int y, Pixel backg
 // An image of the screen's depth with its own data, all 0; null if a side is below 1, above the limits, or
 // memory exhausted. width and height in pixels. Owns: XDestroyImage.
 XImage *XmtMakeImage(int width, int height);
+// Loads an image and enters it in XmtPixmaps under its name: the entry, or null. With a file, that is the
+// name. With null reads a name at the cursor, and behind it image data that start with '!', or a file up to
+// ';'. Files are looked for in IconPath. An entry that was there is replaced in place; its pixmap lives on.
+ImageRecord *XmtNewImage(const char *file);

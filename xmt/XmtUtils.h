@@ -1,4 +1,4 @@
-// The object store, and the accessors by which the program works on objects by name.
+// The accessors by which the program works on objects by name.
 //
 // An unknown name, an empty one or null does nothing and yields 0: a description may leave objects out. So
 // does an object of a kind that the operation does not fit, such as a position for a label. "list" means one
@@ -13,34 +13,10 @@
 
 #include "common/Hash.h"
 #include "xmt/Xmt.h"
+#include "xmt/XmtStore.h"
 
 #include <string>
 
-extern HashTable *XmtTable;   // name: XmtObjectData
-extern HashTable *XmtObjects; // widget: XmtObjectData *
-extern HashTable *XmtPixmaps; // image name: ImageRecord
-extern HashTable *XmtImages;  // nothing stores into it
-extern HashTable *XmtFonts;   // font name: font and list (XmtColor)
-
-void XmtInitStore();                            // makes the tables once
-XmtObjectData *XmtFindObject(const char *name); // null if unknown
-XmtObjectData *XmtFindWidget(Widget widget);    // the record of a widget, or null
-
-// Where a widget or gadget draws, 0 for null and before it is realized.
-Window XmtGetWindow(Widget widget);
-// An event of the object: name, id, widget and application data, the rest 0.
-XmtCallData XmtNewCallData(const XmtObjectData *object, intptr_t reason);
-// Replaces the managed text in a value field by a copy, or by null. text may be the old one.
-void XmtKeepText(intptr_t *field, const char *text);
-
-Widget XmtGetWidget(const char *name);
-// Set one resource and update the display.
-void XmtSetXmValue(const char *name, const char *resource, XtArgVal value);
-void XmtSetXmValueW(Widget widget, const char *resource, XtArgVal value);
-// One resource, widened from its own size with its own sign; what Motif copies (compound strings, the text of
-// a field) is the caller's to release. A null widget yields 0.
-XtArgVal XmtGetXmValue(const char *name, const char *resource);
-XtArgVal XmtGetXmValueW(Widget widget, const char *resource);
 // "name arguments". Labels are left alone; the list L(...) of a list box replaces its items, without
 // ...NoUpdate. Uses: pNewDesc, and puts it back.
 void XmtSetArgs(const char *description);

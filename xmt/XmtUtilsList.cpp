@@ -1,9 +1,12 @@
 // Lists, option lists, radio boxes and toggles of objects by their names.
 #include "xmt/XmtUtils.h"
 
-#include "xmt/XmtNew.h"
+#include "xmt/XmtCopy.h"
+#include "xmt/XmtNewArgs.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtString.h"
+#include "xmt/XmtToken.h"
+#include "xmt/XmtValue.h"
 
 #include <algorithm>
 #include <cstring>

@@ -3,11 +3,11 @@
 
 #include "common/utils.h"
 #include "xmt/XmtColor.h"
-#include "xmt/XmtEvent.h"
-#include "xmt/XmtNew.h"
+#include "xmt/XmtCopy.h"
+#include "xmt/XmtDisplay.h"
 #include "xmt/XmtNewArgs.h"
 #include "xmt/XmtString.h"
-#include "xmt/XmtValidate.h"
+#include "xmt/XmtValue.h"
 
 #include <algorithm>
 #include <cctype>

@@ -351,16 +351,6 @@ int XmtValidateEntry(const char *typed, const char *candidate, const char *forma
     return ENTRY_OK;
 }
 
-std::string XmtInsertEscape(const char *text) {
-    std::string out;
-    for (; *text != '\0'; text++) {
-        if (strchr("(),;<>", *text) != nullptr) out += '\\';
-        out += *text;
-        if (*text == '\\' && text[1] != '\0') out += *++text;
-    }
-    return out;
-}
-
 // ---- text objects
 
 // A change of a text, its places made sure to lie in the old text.

@@ -33,9 +33,6 @@ enum { XMT_CANDIDATE = 512 }; // a text field's real limit: no candidate of this
 int XmtValidateEntry(const char *typed, const char *candidate, const char *format);
 // Posts the first line of text 25_number with the character as its argument.
 void PostValidateErrMsg(int number, char ch);
-// Puts a backslash before ( ) , ; < >; an existing one and the character behind it stay.
-std::string XmtInsertEscape(const char *text);
-
 // What XmtProcessFormat does for XmtText and XmtPasswd: the handler on activation, the check on changes, with
 // the text before the change as data->value. A change that would make the text as long as XMT_CANDIDATE is
 // checked as if the old text stayed.

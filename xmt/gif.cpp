@@ -2,7 +2,6 @@
 #include "xmt/gif.h"
 
 #include "xmt/XmtColor.h"
-#include "xmt/XmtNewArgs.h"
 
 #include <cstdio>
 #include <cstring>

@@ -2,6 +2,7 @@
 
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Report.h"
+#include "xmt/XmtCallback.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewArgs.h"
 
