@@ -53,7 +53,7 @@ enum XmtType {
 // Marks an object that takes no number of its own: part of a compound, of a menu bar, a shell.
 enum { XMT_AUX = 128, XMT_TYPE_MASK = 127 };
 
-// Why a handler is called. ORDER XmtReason: CBR (XmtCallback) holds the same numbers.
+// Why a handler is called; CBR (XmtCallback) tells it for each callback key.
 enum XmtReason {
     XmtCR_CREATE,
     XmtCR_DEFAULT,

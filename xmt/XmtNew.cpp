@@ -121,81 +121,84 @@ static Widget NewImage(intptr_t) {
     return nullptr;
 }
 
-static constexpr XmtKeyRow SimpleRow(int type, const char *callback = nullptr, bool flParent = false) {
-    return {{.apt = XmtNewSimpleObject}, type, XMT_KIND_APT, callback, flParent};
+static constexpr XmtKeyRow SimpleRow(const char *key, int type, const char *callback = nullptr,
+                                     bool flParent = false) {
+    return {key, {.apt = XmtNewSimpleObject}, type, XMT_KIND_APT, callback, flParent};
 }
 
-static constexpr XmtKeyRow CompoundRow(int type, const char *letters = "") {
-    return {{.pat = XmtBuildObject}, type, XMT_KIND_PAT, letters, false};
+static constexpr XmtKeyRow CompoundRow(const char *key, int type, const char *letters = "") {
+    return {key, {.pat = XmtBuildObject}, type, XMT_KIND_PAT, letters, false};
 }
 
-static constexpr XmtKeyRow WindowRow(char letter) {
-    return {{.a = XmtNewMainWindow}, letter, XMT_KIND_A, nullptr, true};
+static constexpr XmtKeyRow WindowRow(const char *key, char letter) {
+    return {key, {.a = XmtNewMainWindow}, letter, XMT_KIND_A, nullptr, true};
 }
 
-static constexpr XmtKeyRow ParentFirstRow(Widget (*create)(Widget, intptr_t), int first) {
-    return {{.pa = create}, first, XMT_KIND_PA, nullptr, false};
+static constexpr XmtKeyRow ParentFirstRow(const char *key, Widget (*create)(Widget, intptr_t), int first) {
+    return {key, {.pa = create}, first, XMT_KIND_PA, nullptr, false};
 }
 
-static constexpr XmtKeyRow ParentRow(Widget (*create)(Widget)) {
-    return {{.p = create}, 0, XMT_KIND_P, nullptr, false};
+static constexpr XmtKeyRow ParentRow(const char *key, Widget (*create)(Widget)) {
+    return {key, {.p = create}, 0, XMT_KIND_P, nullptr, false};
 }
 
-static constexpr XmtKeyRow StatementRow(int kind, bool flParent = false) {
-    return {{.a = nullptr}, 0, kind, nullptr, flParent};
+static constexpr XmtKeyRow StatementRow(const char *key, int kind, bool flParent = false) {
+    return {key, {.a = nullptr}, 0, kind, nullptr, flParent};
 }
 
 // ORDER ObjKeys
-const XmtKeyRow Objs[] = {
-    StatementRow(XMT_KIND_ID),
-    WindowRow('M'),
-    WindowRow('P'),
-    WindowRow('B'),
-    WindowRow('R'),
-    WindowRow('F'),
-    WindowRow('\0'),
-    ParentFirstRow(XmtNewPromptDialog, XmtDataEntryDialog),
-    ParentFirstRow(XmtNewPromptDialog, XmtWarnDialog),
-    ParentFirstRow(XmtNewPromptDialog, XmtFileDialog),
-    ParentFirstRow(XmtNewPromptDialog, XmtInfoDialog),
-    ParentFirstRow(XmtNewPromptDialog, XmtmessageDialog),
-    SimpleRow(XmtBBDialog, nullptr, true),
-    SimpleRow(XmtFormDialog, nullptr, true),
-    CompoundRow(XmtDraw),
-    SimpleRow(XmtDialogShell, nullptr, true),
-    SimpleRow(XmtPushBut, "activateCallback"),
-    CompoundRow(XmtRadioBox, "Lt"),
-    CompoundRow(XmtListBut, "mLp"),
-    CompoundRow(XmtCreatedListBut, "mLp"),
-    CompoundRow(XmtToggleBut),
-    CompoundRow(XmtButtonBox, "Lp"),
-    CompoundRow(XmtButtonBox),
-    CompoundRow(XmtScrolledArea),
-    SimpleRow(XmtBoard),
-    ParentFirstRow(XmtNewListBox, 0),
-    ParentFirstRow(XmtNewListBox, 1),
-    ParentRow(XmtNewMenuBar),
-    ParentRow(XmtNewMenuBarButton),
-    ParentRow(XmtNewMenuBarMenu),
-    SimpleRow(XmtSeperator),
-    CompoundRow(XmtText),
-    CompoundRow(XmtPasswd),
-    SimpleRow(XmtLabel),
-    SimpleRow(XmtForm),
-    ParentFirstRow(XmtNewTabForm, XmtForm),
-    ParentFirstRow(XmtNewTabForm, XmtBox),
-    ParentRow(XmtNewTabIcon),
-    ParentRow(XmtNewTabIconW),
-    SimpleRow(XmtPanedBox),
-    ParentRow(XmtNewPicture),
-    {{.a = NewImage}, 0, XMT_KIND_A, nullptr, false},
-    StatementRow(XMT_KIND_PARENT, true),
-    StatementRow(XMT_KIND_ID),
-    StatementRow(XMT_KIND_SELECT),
-    StatementRow(XMT_KIND_CHANGE),
+constexpr XmtKeyRow Objs[] = {
+    StatementRow("", XMT_KIND_ID),
+    WindowRow("WM", 'M'),
+    WindowRow("WP", 'P'),
+    WindowRow("WB", 'B'),
+    WindowRow("WR", 'R'),
+    WindowRow("WF", 'F'),
+    WindowRow("W", '\0'),
+    ParentFirstRow("DE", XmtNewPromptDialog, XmtDataEntryDialog),
+    ParentFirstRow("DW", XmtNewPromptDialog, XmtWarnDialog),
+    ParentFirstRow("Df", XmtNewPromptDialog, XmtFileDialog),
+    ParentFirstRow("DI", XmtNewPromptDialog, XmtInfoDialog),
+    ParentFirstRow("DM", XmtNewPromptDialog, XmtmessageDialog),
+    SimpleRow("DB", XmtBBDialog, nullptr, true),
+    SimpleRow("DF", XmtFormDialog, nullptr, true),
+    CompoundRow("DR", XmtDraw),
+    SimpleRow("D", XmtDialogShell, nullptr, true),
+    SimpleRow("bp", XmtPushBut, "activateCallback"),
+    CompoundRow("br", XmtRadioBox, "Lt"),
+    CompoundRow("bl", XmtListBut, "mLp"),
+    CompoundRow("bL", XmtCreatedListBut, "mLp"),
+    CompoundRow("bt", XmtToggleBut),
+    CompoundRow("bb", XmtButtonBox, "Lp"),
+    CompoundRow("B", XmtButtonBox),
+    CompoundRow("S", XmtScrolledArea),
+    SimpleRow("BB", XmtBoard),
+    ParentFirstRow("Bl", XmtNewListBox, 0),
+    ParentFirstRow("Blm", XmtNewListBox, 1),
+    ParentRow("M", XmtNewMenuBar),
+    ParentRow("Mb", XmtNewMenuBarButton),
+    ParentRow("Mm", XmtNewMenuBarMenu),
+    SimpleRow("s", XmtSeperator),
+    CompoundRow("t", XmtText),
+    CompoundRow("tp", XmtPasswd),
+    SimpleRow("l", XmtLabel),
+    SimpleRow("F", XmtForm),
+    ParentFirstRow("T", XmtNewTabForm, XmtForm),
+    ParentFirstRow("TB", XmtNewTabForm, XmtBox),
+    ParentRow("TI", XmtNewTabIcon),
+    ParentRow("TW", XmtNewTabIconW),
+    SimpleRow("P", XmtPanedBox),
+    ParentRow("PI", XmtNewPicture),
+    {"i", {.a = NewImage}, 0, XMT_KIND_A, nullptr, false},
+    StatementRow("P(", XMT_KIND_PARENT, true),
+    StatementRow("id(", XMT_KIND_ID),
+    StatementRow("O", XMT_KIND_SELECT),
+    StatementRow("OS", XMT_KIND_CHANGE),
 };
 
 static_assert(std::size(Objs) == XMT_KEYS && XmtCountWords(ObjKeys) + 1 == XMT_KEYS);
+static_assert(XmtMisplacedRow(Objs, ObjKeys) == XMT_IN_PLACE,
+              "a row of Objs stands elsewhere than its key in ObjKeys");
 
 const XmtKeyRow *pXmtObjs = Objs;
 

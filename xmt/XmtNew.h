@@ -48,6 +48,7 @@ union XmtCreator {
     Widget (*pat)(Widget parent, int type, const char *letters);
 };
 struct XmtKeyRow {
+    const char *key; // the word of ObjKeys
     XmtCreator create;
     intptr_t first;
     int kind; // XmtKind

@@ -80,6 +80,7 @@ enum XmtArgKind {
     XMT_ARG_DIALOG_TYPE
 };
 struct XmtArgRow {
+    const char *key; // the word in a description
     XmtArgKind kind;
     const char *resource;
     const char *second; // the second resource; of XMT_ARG_LETTER the letters, as "s3a1"
