@@ -17,7 +17,7 @@
 
 #include <string_view>
 
-enum { // operators; ORDER FilterOp
+enum { // operators
     OP_NONE = 0,
     OP_AND = 1,
     OP_OR = 2,

@@ -92,11 +92,13 @@ static std::string ChooseLanguage(const char *table, const char *value) {
 // The English catalogue that served for the language table, while pDrvCoreDB still holds it.
 static DbTHandle *pTableDB;
 
-// Owns: record 999_1 of the English catalogue; null if there is nothing to ask.
+enum { TABLE_SET = 999, TABLE_TEXT = 1 };
+
+// Owns: the table record of the English catalogue; null if there is nothing to ask.
 static char *FetchTable() {
     if (!pDrvCoreDB) pDrvCoreDB = pTableDB = DbTOpen("en_US/CoreString", 5);
     if (!pDrvCoreDB) return nullptr;
-    char *table = NlsFetchString(pDrvCoreDB, nullptr, 0, NLS_FETCH_NUMBER, 999, 1);
+    char *table = NlsFetchString(pDrvCoreDB, nullptr, 0, NLS_FETCH_NUMBER, TABLE_SET, TABLE_TEXT);
     if (strcmp(table, ErrorText) != 0) return table;
     PutMem(table);
     return nullptr;

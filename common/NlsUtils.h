@@ -57,7 +57,7 @@ char *CheckForRedirect(char *text, size_t capacity);
 // one letter each ("s", "ii", "c", "L" for %Lg, "f", "x"); fewer at the end are allowed, %n and * never. The
 // integer letters i, d, u, x, X, o stand for each other, and so do the floating ones. A text that does not
 // fit comes back unformatted. The arguments are const char* (null as ""), int (i and c), double and long
-// double. For a catalogue text: NlsFmt(NlsText(pDrvCoreDB, 25, 1003).c_str(), "ii", min, max).
+// double. For a catalogue text: NlsFmt(NlsText(handle, SET, TEXT).c_str(), "ii", min, max).
 std::string NlsFmt(const char *text, const char *signature, ...);
 // Fetches set_number as a plain C++ text, at most 2047 characters.
 std::string NlsText(DbTHandle *handle, int set, int number);

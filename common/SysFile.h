@@ -1,5 +1,5 @@
-// Files are created, moved and removed by the host's commands, so that the command log shows it. Such a command
-// runs in mode 2 of SysCmd: its failure ends the program with status 1.
+// Files are created, moved and removed by the host's commands, so that the command log shows it. Such a
+// command runs in mode 2 of SysCmd: its failure ends the program with status 1.
 #pragma once
 
 // The paths may hold any character: they are quoted here. Each command is logged and shows as a dot, but mv.

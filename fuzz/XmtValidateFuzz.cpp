@@ -2,10 +2,10 @@
 // three bytes are the places of the change. Checked as what it is and as a change of a plain and of a masked
 // field.
 #include "xmt/XmtValidate.h"
-#include "xmt/XmtValue.h"
 
 #include "common/MemMgr.h"
 #include "menu/MenuEntry.h"
+#include "xmt/XmtValue.h"
 
 #include <cstdint>
 #include <cstdio>

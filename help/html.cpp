@@ -68,6 +68,7 @@ static constexpr EntityTables Entities = CountEntities(HTMLKeys);
 const unsigned char *const HTMLChars = Entities.codes;
 const unsigned char *const HTMLKeySizes = Entities.sizes;
 
+// ORDER HtmlKey
 constexpr char HtmlKeys[] =
     ",p,/p,b,/b,font,/font,a,/a,tr,/tr,br,table,fitab,/table,td,/td,h1,h2,h3,h4,h5,h6,"
     "/h1,/h2,/h3,/h4,/h5,/h6,ol,/ol,li,/li,div,/div,img,";

@@ -1,7 +1,7 @@
 // The types of queues: a printing model and a connection make one.
 #pragma once
 
-enum {                    // QueueType
+enum {                    // ORDER QueueType
     QUEUE_PRINTER_HOST,   // workstation to printer over TCP/IP
     QUEUE_SERVER,         // workstation to print server
     QUEUE_PRINTER_DEVICE, // workstation to printer on a local device

@@ -25,6 +25,7 @@ enum {
     CONFIG_NO_PRINTER = 114,
     CONFIG_UNKNOWN = 115
 };
+// ORDER OPTION_
 enum { OPTION_TRAY2 = 1, OPTION_NO_GUI, OPTION_BEG_BANNER, OPTION_END_BANNER, OPTION_DEFAULT };
 
 static constexpr char PrinterFile[] = "77yyprinters";

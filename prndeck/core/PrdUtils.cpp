@@ -60,7 +60,7 @@ void InitUser() {
 
 // ---- Words
 
-// ORDER of the list: the enum counts its positions.
+// The enum counts the positions of the list.
 static constexpr char Words[] = ",update,-tty,-wiz,-nd,-help,-d,-v,";
 enum { WORD_UPDATE = 1, WORD_TTY, WORD_WIZ, WORD_ND, WORD_HELP, WORD_D, WORD_V };
 

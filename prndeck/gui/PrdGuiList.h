@@ -3,7 +3,7 @@
 
 #include <string>
 
-// ORDER aFieldSize
+// ORDER FIELD_
 enum { FIELD_HOST, FIELD_NAME, FIELD_ADDRESS, FIELD_HWADR, FIELD_DESCRIPTION, FIELD_COUNT };
 extern const int aFieldSize[FIELD_COUNT]; // width of a column in characters
 

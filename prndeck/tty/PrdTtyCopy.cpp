@@ -80,7 +80,6 @@ int CloneQueTty(TextMenu *, TextMenuItem *) {
     return 0;
 }
 
-
 int InitCloneQueMenu(TextMenu *menu) {
     PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
     snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, SET_TTY, TTY_COPY_MODEL).c_str(),

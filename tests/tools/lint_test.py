@@ -24,6 +24,8 @@ BREACHES = {
     "a room above": ("low/Base.h", '#include "high/Use.h"\n', "low/Base.h:1: includes high/Use.h: low/ does not stand on high/"),
     "a floor above": ("low/Base.h", '\n#include "low/Mid.h"\n', "low/Base.h:2: includes Mid, which lies on a floor above Base"),
     "no floor": ("low/New.cpp", '#include "low/Base.h"\n', "low/New.cpp:1: New has no floor in CONTRIBUTING.md"),
+    "the queue tool": ("siblings/Tool.cpp", '#include "high/Use.h"\n',
+                       "siblings/Tool.cpp:1: includes high/Use.h: siblings/ does not stand on high/"),
     "a test": ("high/Use.h", '#include "tests/lib/Term.h"\n',
                "high/Use.h:1: includes tests/lib/Term.h of a folder that nothing stands on"),
     "a lone tag": ("low/Base.h", "int a; // ORDER Alone\n", "low/Base.h:1: ORDER Alone stands nowhere else"),
