@@ -8,6 +8,7 @@
 #include <cctype>
 #include <cerrno>
 #include <climits>
+#include <csignal>
 #include <cstdarg>
 #include <cstdlib>
 #include <cstring>
@@ -544,6 +545,16 @@ void PutLogMsg(const char *format, ...) {
 }
 
 // ---- The process and its host
+
+// The next file that is opened takes the number of a closed standard stream: screens would be written into
+// it, and lines read from it. An ignored SIGCHLD, which is inherited, would make each command look failed.
+void InitProcess() {
+    int file;
+    do file = open("/dev/null", O_RDWR);
+    while (file >= 0 && file <= STDERR_FILENO);
+    if (file > STDERR_FILENO) close(file);
+    signal(SIGCHLD, SIG_DFL);
+}
 
 char *GetEnv(const char *name) {
     const char *value = getenv(name);

@@ -136,6 +136,9 @@ bool TestLogFile(const char *path);
 
 // ---- The process and its host
 
+// Makes good what the parent left: closed standard streams, an ignored SIGCHLD. The first step of every
+// program.
+void InitProcess();
 // Owns: the result; null if there is no such variable, no name.
 [[nodiscard]] char *GetEnv(const char *name);
 [[nodiscard]] char *GetHostname();

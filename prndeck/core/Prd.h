@@ -14,8 +14,6 @@ extern int flHelpOnly; // the help window is the whole application
 
 enum { FACE_ANY, FACE_TTY, FACE_HELP }; // what the words ask for
 
-// Makes good what the parent left: closed standard streams, ignored signals.
-void InitProcess();
 // Finds the tool directory from the name the program was started with. Sets pToolPath, pLogPath and AppDir.
 void InitToolPath(const char *argv0);
 // Opens each of the three catalogues that isn't open.

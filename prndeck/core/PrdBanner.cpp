@@ -12,7 +12,6 @@
 #include <cstring>
 #include <string_view>
 
-static constexpr char LineKeys[] = ",.h1,.h2,.h3,";
 static constexpr char UnseenChars[] = " \t\r\n";
 
 const int aBannerFontSize[BANNER_SIZES] = {8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40};
@@ -28,23 +27,12 @@ void SetBannerRow(BannerRow *row, std::string_view title, int size) {
     row->size = size;
 }
 
-static void ReadBannerLine(std::string_view line, BannerRow rows[BANNER_ROWS]) {
-    size_t first = line.find(' ');
-    size_t second = first == line.npos ? first : line.find(' ', first + 1);
-    if (second == line.npos) return;
-    int row = FindToken(std::string(line.substr(0, first)).c_str(), LineKeys);
-    if (row < 1 || row > BANNER_ROWS) return;
-    int size = FindToken(std::string(line.substr(first + 1, second - first - 1)).c_str(), pBannerFontSizes);
-    SetBannerRow(&rows[row - 1], line.substr(second + 1), std::clamp(size - 1, 0, BANNER_SIZES - 1));
-}
-
 void ReadBannerText(const char *text, BannerRow rows[BANNER_ROWS]) {
     for (int i = 0; i < BANNER_ROWS; i++) SetBannerRow(&rows[i], "", BANNER_DEFAULT_SIZE);
     std::string_view rest(text ? text : "");
-    while (!rest.empty()) {
-        std::string_view line = rest.substr(0, rest.find('\n'));
-        ReadBannerLine(line, rows);
-        rest.remove_prefix(std::min(line.size() + 1, rest.size()));
+    for (BannerTextLine line; TakeBannerLine(rest, &line);) {
+        int size = FindToken(std::string(line.size).c_str(), pBannerFontSizes);
+        SetBannerRow(&rows[line.row], line.title, std::max(size - 1, 0));
     }
 }
 

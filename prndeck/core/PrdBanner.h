@@ -1,16 +1,13 @@
-// Banner titles: the text that goes to prnqtool and stands in its database.
-//
-// A banner text has up to three lines, one for each title that isn't empty, with the font size in points:
-//
-//     .h1 20 Print room
-//     .h3 12 second floor
+// Banner titles: the text that goes to prnqtool and stands in its database (BannerText.h), as rows to fill
+// in.
 #pragma once
+
+#include "print/BannerText.h"
 
 #include <string>
 #include <string_view>
 
 enum {
-    BANNER_ROWS = 3,
     BANNER_SIZES = 17,       // 8 to 40 points in steps of 2
     BANNER_DEFAULT_SIZE = 6, // index of 20 points
     BANNER_TITLE = 256,      // bytes of a title's buffer; the entry check admits 80 characters

@@ -30,16 +30,6 @@ int flWiz;
 int flDiscOff;
 int flHelpOnly;
 
-// The next file that is opened takes the number of a closed standard stream: the menus would be written into
-// it, and lines read from it. An ignored SIGCHLD, which is inherited, would make each command look failed.
-void InitProcess() {
-    int file;
-    do file = open("/dev/null", O_RDWR);
-    while (file >= 0 && file <= STDERR_FILENO);
-    if (file > STDERR_FILENO) close(file);
-    signal(SIGCHLD, SIG_DFL);
-}
-
 void InitToolPath(const char *argv0) {
     pToolPath = GetToolPath(argv0);
     if (!pToolPath) pToolPath = SaveStr_("."); // the current directory has gone

@@ -1,7 +1,7 @@
 // The PostScript of the banner page.
 #include "siblings/lib/BannerPage.h"
 
-#include "siblings/lib/CupsBanner.h"
+#include "siblings/lib/Utf8.h"
 
 #include <cstdio>
 #include <cstring>
@@ -57,7 +57,7 @@ std::string BannerPage(std::string_view lines) {
 static std::string Line(std::string_view text, int points) {
     std::string escaped;
     char octal[8];
-    for (char byte : CupsText(text, TEXT_MAX)) {
+    for (char byte : CleanUtf8(text, TEXT_MAX)) {
         unsigned code = (unsigned char)byte;
         if (code >= ' ' && code < 127) {
             if (strchr("()\\", byte)) escaped += '\\';

@@ -213,6 +213,10 @@ Ran RunChild(const std::vector<std::string> &words) {
     return ran;
 }
 
+bool Succeeded(const Ran &ran) {
+    return ran.flStarted && !ran.flTimedOut && ran.status == 0;
+}
+
 std::string ComplaintOf(const Ran &ran) {
     if (ran.flTimedOut) return "the scheduler doesn't answer";
     std::string line = ran.errors.substr(0, ran.errors.find('\n'));

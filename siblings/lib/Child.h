@@ -18,6 +18,9 @@ struct Ran {
     std::string errors; // standard error, without the notes that something is deprecated
 };
 
+// It ran to its end and answered 0.
+bool Succeeded(const Ran &ran);
+
 // Path of a host program in PATH, or in the usual directories, or empty.
 std::string FindProgram(const std::string &name);
 

@@ -2,10 +2,10 @@
 #include "siblings/lib/CupsJobs.h"
 
 #include "siblings/lib/Child.h"
-#include "siblings/lib/CupsBanner.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Records.h"
 #include "siblings/lib/Spool.h"
+#include "siblings/lib/Utf8.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -21,7 +21,7 @@ enum { REFRESH_SECONDS = 60, TITLE_MAX = 240 };
 using Words = std::vector<std::string>;
 
 static std::string ErrorOf(const Ran &ran) {
-    return ran.flStarted && !ran.flTimedOut && ran.status == 0 ? "" : ComplaintOf(ran);
+    return Succeeded(ran) ? "" : ComplaintOf(ran);
 }
 
 // ---- Commands
@@ -53,7 +53,7 @@ std::string CupsJobs(std::vector<CupsJob> &jobs) {
 }
 
 std::string CupsSend(const CupsPrint &print, long &number) {
-    Words words = {"lp", "-d", print.queue, "-t", CupsText(print.title, TITLE_MAX)};
+    Words words = {"lp", "-d", print.queue, "-t", CleanUtf8(print.title, TITLE_MAX)};
     // The banner page is the queue's, so it takes a second word to leave it out.
     if (print.flRaw) words.insert(words.end(), {"-o", "raw", "-o", "job-sheets=none,none"});
     words.push_back("--");

@@ -7,13 +7,15 @@
 #include "siblings/lib/Child.h"
 #include "siblings/lib/CupsBanner.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Ppd.h"
+#include "siblings/lib/Utf8.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
 #include <unistd.h>
 
-enum { PPD_MAX = 4 * 1024 * 1024, TITLE_MAX = 240 }; // a name at the scheduler holds 255 bytes
+enum { TITLE_MAX = 240 }; // a name at the scheduler holds 255 bytes
 
 using Words = std::vector<std::string>;
 
@@ -24,7 +26,7 @@ static const char BannerLetters[] = "abc"; // the scheduler's templates take no 
 static std::string RunAdmin(Words words) {
     words.insert(words.begin(), "lpadmin");
     Ran ran = RunChild(words);
-    return ran.flStarted && !ran.flTimedOut && ran.status == 0 ? "" : ComplaintOf(ran);
+    return Succeeded(ran) ? "" : ComplaintOf(ran);
 }
 
 // ---- Lists
@@ -75,7 +77,7 @@ static void AddBanner(Words &words, const Queue &queue, const Titles &titles) {
         bool flTitle = !titles[row].text.empty();
         std::string letter(1, BannerLetters[row]);
         AddOption(words, "prnq-h" + letter + "-default",
-                  flTitle ? CupsText(titles[row].text, TITLE_MAX) : "-");
+                  flTitle ? CleanUtf8(titles[row].text, TITLE_MAX) : "-");
         AddOption(words, "prnq-s" + letter + "-default", std::to_string(flTitle ? titles[row].size : 0));
     }
 }
@@ -85,18 +87,19 @@ static std::string PpdPath(const Queue &queue) {
 }
 
 static void AddPpd(Words &words, const Queue &queue) {
-    std::string ppdText;
+    std::string_view ppdText;
     words.insert(words.end(), {"-P", PpdPath(queue)});
-    if (!queue.flFeatures || !ReadWholeFile(PpdPath(queue), PPD_MAX, ppdText).empty()) return;
+    if (!queue.flFeatures || !ReadPpdFile(queue.ppd, ppdText).empty()) return;
     for (const std::string &setting : OfferedSettings(queue.settings, ppdText))
         words.insert(words.end(), {"-o", setting});
 }
 
 // The model's name as the list of printers shows it.
 static std::string ModelOf(const Queue &queue) {
-    std::string ppdText, model;
-    if (ReadWholeFile(PpdPath(queue), PPD_MAX, ppdText).empty()) model = PpdText(ppdText, "ModelName");
-    return CupsText(model.empty() ? queue.ppd : model, 127);
+    std::string_view ppdText;
+    std::string model;
+    if (ReadPpdFile(queue.ppd, ppdText).empty()) model = PpdText(ppdText, "ModelName");
+    return CleanUtf8(model.empty() ? queue.ppd : model, 127);
 }
 
 static Words TargetWords(const Queue &queue, const std::string &name) {
@@ -106,7 +109,7 @@ static Words TargetWords(const Queue &queue, const std::string &name) {
     return {"-p", name,
             "-v", uri,
             "-D", ModelOf(queue),
-            "-L", CupsText(queue.printer, 255),
+            "-L", CleanUtf8(queue.printer, 255),
             "-o", "printer-is-shared=false",
             "-o", "printer-error-policy=retry-job"};
 }

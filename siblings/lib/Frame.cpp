@@ -17,13 +17,6 @@ enum { BACKSTOP = 30 }; // seconds that a run may last beyond the limit for its 
 
 const char ToolVersion[] = PRN_VERSION;
 
-static void OpenStandardStreams() {
-    int file;
-    do file = open("/dev/null", O_RDWR);
-    while (file >= 0 && file <= 2);
-    if (file > 2) close(file);
-}
-
 static void EndRun(int) {
     static const char text[] = ": gave up: the host doesn't answer\n";
     if (write(2, my_name, strlen(my_name)) < 0 || write(2, text, sizeof text - 1) < 0) _exit(2);
@@ -32,9 +25,8 @@ static void EndRun(int) {
 
 void BeginProgram(const char *name) {
     my_name = name;
-    OpenStandardStreams();
+    InitProcess();
     signal(SIGPIPE, SIG_IGN);
-    signal(SIGCHLD, SIG_DFL); // where a parent left it ignored no child could be waited for
     umask(022);
 }
 

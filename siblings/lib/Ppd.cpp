@@ -210,3 +210,15 @@ std::vector<const PpdRule *> BrokenRules(const Ppd &ppd, size_t limit, size_t &c
     count = told.size();
     return broken;
 }
+
+std::string ReadPpdFile(const std::string &name, std::string_view &text) {
+    static std::string lastName, lastText;
+    if (name.empty() || name != lastName) {
+        lastName.clear();
+        std::string error = ReadWholeFile("ppd/" + name, PPD_MAX, lastText);
+        if (!error.empty()) return error;
+        lastName = name;
+    }
+    text = lastText;
+    return "";
+}

@@ -51,3 +51,7 @@ void ReadPpdText(std::string_view text, Ppd &ppd);
 // The rules that the present choices break, each once although files tell most of them from both sides; at
 // most limit of them, and in count how many there are.
 std::vector<const PpdRule *> BrokenRules(const Ppd &ppd, size_t limit, size_t &count);
+
+// The text of a file in "ppd", read once in a run: a change asks for it several times. Answers an empty text,
+// or what is wrong with the file. The text holds until the next call.
+std::string ReadPpdFile(const std::string &name, std::string_view &text);

@@ -2,6 +2,7 @@
 #include "siblings/lib/Queue.h"
 
 #include "common/Words.h"
+#include "print/BannerText.h"
 #include "siblings/lib/Ppd.h"
 
 #include <algorithm>
@@ -173,14 +174,11 @@ std::string QueueUri(const Queue &queue) {
 
 Titles ReadTitles(std::string_view banner) {
     Titles titles;
-    for (std::string_view line; TakePlainLine(banner, line);) {
-        size_t first = line.find(' '), second = line.find(' ', first == line.npos ? first : first + 1);
-        if (second == line.npos || !line.starts_with(".h") || first != 3) continue;
-        size_t row = (size_t)(line[2] - '1');
-        int size = atoi(std::string(line.substr(first + 1, second - first - 1)).c_str());
-        if (row >= titles.size() || size < 1 || size > BANNER_SIZE_MAX) continue;
-        bool flBlank = line.find_first_not_of(" \t", second) == line.npos;
-        if (!flBlank) titles[row] = {std::string(line.substr(second + 1)), size};
+    for (BannerTextLine line; TakeBannerLine(banner, &line);) {
+        int size = atoi(std::string(line.size).c_str());
+        bool flBlank = line.title.find_first_not_of(" \t") == line.title.npos;
+        if (size < 1 || size > BANNER_SIZE_MAX || flBlank) continue;
+        titles[static_cast<size_t>(line.row)] = {std::string(line.title), size};
     }
     return titles;
 }

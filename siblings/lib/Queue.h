@@ -5,6 +5,7 @@
 // in words for the user.
 #pragma once
 
+#include "print/BannerText.h"
 #include "print/MainUtils.h"
 
 #include <array>
@@ -19,7 +20,6 @@ enum { // Widths of the queue records, without the final NUL.
     QUEUE_PPD_MAX = 41,
     SETTINGS_MAX = 60000, // a record holds 65533 bytes of key and data
     BANNER_MAX = 4095,
-    BANNER_LINES = 3,
 };
 
 struct Queue {
@@ -41,7 +41,7 @@ struct Title {
     std::string text; // empty: no line
     int size = 0;     // points
 };
-using Titles = std::array<Title, BANNER_LINES>;
+using Titles = std::array<Title, BANNER_ROWS>;
 
 // A new queue's name: letters, digits, "_" and "-", not led by "-", and not one that the tool needs for
 // itself.

@@ -3,8 +3,8 @@
 
 #include "common/utils.h"
 #include "print/prnoutbase.h"
-#include "siblings/lib/CupsBanner.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Utf8.h"
 
 #include <algorithm>
 #include <cctype>
@@ -206,7 +206,7 @@ static std::string OneWord(std::string text) {
 
 std::string TicketText(const JobTicket &ticket, std::string_view data) {
     std::string text = "H " + OneWord(ticket.host) + "\nP " + OneWord(ticket.user) + "\n";
-    text += "J " + CupsText(ticket.title, TICKET_TITLE_MAX) + "\n";
+    text += "J " + CleanUtf8(ticket.title, TICKET_TITLE_MAX) + "\n";
     text += "f" + std::string(data) + "\nQ " + OneWord(ticket.queue) + "\n";
     return text + (ticket.flRaw ? "R\n" : "");
 }

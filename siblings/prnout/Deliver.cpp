@@ -1,9 +1,9 @@
 // Connections, the two protocols and devices.
 #include "siblings/prnout/Deliver.h"
 
-#include "siblings/lib/CupsBanner.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Spool.h"
+#include "siblings/lib/Utf8.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -225,7 +225,7 @@ static std::string LpdWord(std::string text, size_t limit) {
 }
 
 static std::string LpdControl(const Delivery &job, const std::string &host, const std::string &data) {
-    std::string title = LpdWord(CupsText(job.title, LPD_TITLE), LPD_TITLE);
+    std::string title = LpdWord(CleanUtf8(job.title, LPD_TITLE), LPD_TITLE);
     return "H" + host + "\nP" + LpdWord(job.user, NAME_PART) + "\nJ" + title + "\nl" + data + "\nU" + data +
            "\nN" + title + "\n";
 }

@@ -5,6 +5,7 @@
 #include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Host.h"
+#include "siblings/lib/Ppd.h"
 #include "siblings/lib/Queue.h"
 #include "siblings/lib/Records.h"
 
@@ -119,8 +120,9 @@ static std::string ReadTarget(const Options &options, Queue &queue) {
 }
 
 static std::string CheckPpdFile(const Queue &queue) {
-    std::string content, error = CheckQueueTarget(queue);
-    return error.empty() ? ReadWholeFile("ppd/" + queue.ppd, 4 * 1024 * 1024, content) : error;
+    std::string_view text;
+    std::string error = CheckQueueTarget(queue);
+    return error.empty() ? ReadPpdFile(queue.ppd, text) : error;
 }
 
 static std::string CheckCase(const std::string &name) {
