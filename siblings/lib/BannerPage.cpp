@@ -58,7 +58,7 @@ static std::string Line(std::string_view text, int points) {
     std::string escaped;
     char octal[8];
     for (char byte : CleanUtf8(text, TEXT_MAX)) {
-        unsigned code = (unsigned char)byte;
+        unsigned code = static_cast<unsigned char>(byte);
         if (code >= ' ' && code < 127) {
             if (strchr("()\\", byte)) escaped += '\\';
             escaped += byte;

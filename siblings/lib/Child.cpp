@@ -27,7 +27,7 @@ static double RunStart; // 0: no command has run yet
 static double Now() {
     struct timespec now;
     clock_gettime(CLOCK_MONOTONIC, &now);
-    return (double)now.tv_sec + (double)now.tv_nsec / 1e9;
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) / 1e9;
 }
 
 std::string SetLogName(std::string_view name) {
@@ -56,7 +56,7 @@ void PutLog(std::string_view line) {
 
 void TellUser(std::string text) {
     for (char &byte : text)
-        if ((unsigned char)byte < ' ' || byte == 127) byte = '?';
+        if (static_cast<unsigned char>(byte) < ' ' || byte == 127) byte = '?';
     text.insert(0, std::string(my_name) + ": ");
     fprintf(stderr, "%s\n", text.c_str());
     PutLog(text);
@@ -117,14 +117,15 @@ static double ChildSeconds() {
     const char *limit = getenv("PRNQ_LIMIT");
     int seconds = limit ? atoi(limit) : 0;
     if (seconds < 1 || seconds > CHILD_LIMIT) seconds = CHILD_LIMIT;
-    return std::max(0.0, std::min((double)seconds, RunStart + (double)RUN_LIMIT - Now()));
+    return std::max(
+        0.0, std::min(static_cast<double>(seconds), RunStart + static_cast<double>(RUN_LIMIT) - Now()));
 }
 
 // Moves what a pipe holds into the text; false at its end.
 static bool Drain(int pipe, std::string &text) {
     char buffer[4096];
     ssize_t count = read(pipe, buffer, sizeof buffer);
-    if (count > 0 && text.size() < OUTPUT_MAX) text.append(buffer, (size_t)count);
+    if (count > 0 && text.size() < OUTPUT_MAX) text.append(buffer, static_cast<size_t>(count));
     return count > 0 || (count < 0 && (errno == EINTR || errno == EAGAIN));
 }
 
@@ -132,7 +133,7 @@ static bool Drain(int pipe, std::string &text) {
 static bool Collect(int out, int err, double end, Ran &ran) {
     struct pollfd files[2] = {{out, POLLIN, 0}, {err, POLLIN, 0}};
     while (files[0].fd >= 0 || files[1].fd >= 0) {
-        int left = (int)((end - Now()) * 1000);
+        int left = static_cast<int>((end - Now()) * 1000);
         if (left <= 0) return false;
         if (poll(files, 2, left) <= 0) continue;
         if (files[0].revents && !Drain(files[0].fd, ran.output)) files[0].fd = -1;

@@ -29,7 +29,7 @@ static const char TemplateLines[] =
     "({job-originating-user-name}  {printer-name}-{job-id}  {?job-name}) 14 Centered\n";
 
 static double Seconds(const struct timespec &time) {
-    return (double)time.tv_sec + (double)time.tv_nsec / 1e9;
+    return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
 
 static double Seconds(clockid_t clock) {
@@ -74,7 +74,8 @@ static double StartOf(pid_t pid) {
     const char *field = strrchr(text.c_str(), ')');
     for (int number = 2; field && number < STAT_START_TIME; number++) field = strchr(field + 1, ' ');
     if (!field) return 0;
-    return Seconds(CLOCK_REALTIME) - atof(uptime.c_str()) + atof(field) / (double)sysconf(_SC_CLK_TCK);
+    return Seconds(CLOCK_REALTIME) - atof(uptime.c_str()) +
+           atof(field) / static_cast<double>(sysconf(_SC_CLK_TCK));
 }
 
 // A banner is known if it is older than the scheduler, or than its socket, which it makes anew when it reads

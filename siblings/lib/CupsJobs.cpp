@@ -186,8 +186,8 @@ std::string CupsRefresh(const std::string &directory, const Words &queues, long 
     FileLock lock(directory + "/.refresh", REFRESH_SECONDS);
     std::vector<CupsJob> jobs;
     std::string error = CupsJobs(jobs);
-    waiting = (size_t)std::count_if(jobs.begin(), jobs.end(),
-                                    [&](const CupsJob &job) { return IsQueueOf(queues, job); });
+    waiting = static_cast<size_t>(
+        std::count_if(jobs.begin(), jobs.end(), [&](const CupsJob &job) { return IsQueueOf(queues, job); }));
     if (error.empty())
         error = ShowJobs(directory, queues, jobs, number, title);
     else

@@ -61,7 +61,7 @@ static void AddOption(Words &words, const std::string &option, const std::string
     std::string quoted;
     for (char byte : value) {
         if (byte == '"' || byte == '\\') quoted += '\\';
-        quoted += (unsigned char)byte < ' ' || byte == 127 ? ' ' : byte;
+        quoted += static_cast<unsigned char>(byte) < ' ' || byte == 127 ? ' ' : byte;
     }
     words.insert(words.end(), {"-o", option + "=\"" + quoted + "\""});
 }

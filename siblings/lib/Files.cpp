@@ -21,7 +21,7 @@ static bool ReadAll(int file, size_t limit, std::string &content) {
     ssize_t count;
     content.clear();
     while ((count = read(file, buffer, sizeof buffer)) > 0) {
-        content.append(buffer, (size_t)count);
+        content.append(buffer, static_cast<size_t>(count));
         if (content.size() > limit) {
             errno = EFBIG;
             return false;
@@ -48,7 +48,7 @@ bool WriteAll(int file, std::string_view content) {
         ssize_t count = write(file, content.data(), content.size());
         if (count < 0 && errno == EINTR) continue;
         if (count <= 0) return false;
-        content.remove_prefix((size_t)count);
+        content.remove_prefix(static_cast<size_t>(count));
     }
     return true;
 }

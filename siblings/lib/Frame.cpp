@@ -42,7 +42,7 @@ bool EnterToolDirectory() {
 
 void LimitRun() {
     signal(SIGALRM, EndRun);
-    alarm((unsigned)RUN_LIMIT + (unsigned)BACKSTOP);
+    alarm(static_cast<unsigned>(RUN_LIMIT) + static_cast<unsigned>(BACKSTOP));
 }
 
 int Complain(const std::string &error) {

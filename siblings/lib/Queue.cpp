@@ -16,7 +16,7 @@ enum { PORT_MAX = 65535, BANNER_SIZE_MAX = 400 };
 static const char ReservedPrefix[] = "_prnq_";
 
 static bool IsWordByte(char byte) {
-    return isalnum((unsigned char)byte) && (unsigned char)byte < 128;
+    return isalnum(static_cast<unsigned char>(byte)) && static_cast<unsigned char>(byte) < 128;
 }
 
 static bool HasOnly(std::string_view text, std::string_view others) {
@@ -41,20 +41,21 @@ std::string CheckQueueName(std::string_view name) {
 std::string CheckHostQueueName(std::string_view name) {
     bool flPlain = !name.empty() && name.size() <= 127 && name.front() != '-' &&
                    std::all_of(name.begin(), name.end(), [](char byte) {
-                       return (unsigned char)byte > ' ' && byte != '/' && byte != 127;
+                       return static_cast<unsigned char>(byte) > ' ' && byte != '/' && byte != 127;
                    });
     return flPlain ? "" : Wrong("queue name", name, "can't be the name of a queue");
 }
 
 bool DiffersByCase(std::string_view left, std::string_view right) {
     return left != right && left.size() == right.size() &&
-           std::equal(left.begin(), left.end(), right.begin(),
-                      [](char l, char r) { return tolower((unsigned char)l) == tolower((unsigned char)r); });
+           std::equal(left.begin(), left.end(), right.begin(), [](char l, char r) {
+               return tolower(static_cast<unsigned char>(l)) == tolower(static_cast<unsigned char>(r));
+           });
 }
 
 // HOST, HOST:PORT, an IPv6 address, or [ADDRESS]:PORT; port stays empty where none is told.
 static bool SplitHost(std::string_view host, std::string &name, std::string &port) {
-    size_t colons = (size_t)std::count(host.begin(), host.end(), ':');
+    size_t colons = static_cast<size_t>(std::count(host.begin(), host.end(), ':'));
     if (host.starts_with("[")) {
         size_t end = host.find(']');
         if (end == host.npos) return false;
@@ -101,7 +102,8 @@ static std::string CheckDevice(const std::string &device) {
     if (device.size() > QUEUE_PRINTER_MAX) return Wrong("device", device, "has more than 255 characters");
     if (device.front() != '/') return Wrong("device", device, "is no absolute path");
     for (char byte : device)
-        if ((unsigned char)byte <= ' ' || byte == 127) return Wrong("device", device, "holds a blank");
+        if (static_cast<unsigned char>(byte) <= ' ' || byte == 127)
+            return Wrong("device", device, "holds a blank");
     if (("/" + device + "/").find("/../") != std::string::npos)
         return Wrong("device", device, "leads through \"..\"");
     if (!stat(device.c_str(), &status) && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)))
@@ -113,7 +115,7 @@ static std::string CheckPpdName(const std::string &ppd) {
     if (ppd.empty()) return "the PPD file name is empty";
     if (ppd.size() > QUEUE_PPD_MAX) return Wrong("PPD file name", ppd, "has more than 41 characters");
     for (char byte : ppd)
-        if ((unsigned char)byte <= ' ' || byte == '/' || byte == 127)
+        if (static_cast<unsigned char>(byte) <= ' ' || byte == '/' || byte == 127)
             return Wrong("PPD file name", ppd, "must be a file name in \"ppd\", without a blank");
     return ppd == "." || ppd == ".." ? Wrong("PPD file name", ppd, "is a directory") : "";
 }
@@ -141,8 +143,8 @@ static std::string EscapeUri(std::string_view path) {
             continue;
         }
         escaped += '%';
-        escaped += Digits[(unsigned char)byte >> 4];
-        escaped += Digits[(unsigned char)byte & 15];
+        escaped += Digits[static_cast<unsigned char>(byte) >> 4];
+        escaped += Digits[static_cast<unsigned char>(byte) & 15];
     }
     return escaped;
 }

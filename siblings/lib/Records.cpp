@@ -40,7 +40,7 @@ std::string RecordsOpen() {
         Handle->size = 0;
         return "";
     }
-    return IsDamaged((size_t)status.st_size)
+    return IsDamaged(static_cast<size_t>(status.st_size))
                ? std::string(Database) + " is damaged; move it away and add the queues again"
                : "";
 }
@@ -48,7 +48,7 @@ std::string RecordsOpen() {
 static std::string GetRecord(const std::string &key) {
     static char buffer[DBM_BUFFER];
     int size = DbmTGetRecord(Handle, key.c_str(), buffer, sizeof buffer);
-    return std::string(buffer, size > 0 ? (size_t)size : 0);
+    return std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0);
 }
 
 static std::string GetText(const std::string &key) {

@@ -124,8 +124,9 @@ bool IsOwnJob(std::string_view name) {
 
 bool IsJobName(std::string_view name) {
     return !name.empty() && name.size() <= JOB_NAME_MAX && name.front() != '.' &&
-           std::all_of(name.begin(), name.end(),
-                       [](char byte) { return (unsigned char)byte > ' ' && byte != 127 && byte != '/'; });
+           std::all_of(name.begin(), name.end(), [](char byte) {
+               return static_cast<unsigned char>(byte) > ' ' && byte != 127 && byte != '/';
+           });
 }
 
 // ---- The list
@@ -186,21 +187,22 @@ std::string SpoolStatus(const std::string &directory, std::string_view text) {
 std::string UserName() {
     const struct passwd *entry = getpwuid(getuid());
     return entry && entry->pw_name && *entry->pw_name ? entry->pw_name
-                                                      : "uid" + std::to_string((long)getuid());
+                                                      : "uid" + std::to_string(static_cast<long>(getuid()));
 }
 
 std::string HostName() {
     char name[256] = "";
     if (gethostname(name, sizeof name - 1)) return "localhost";
     std::string host = name;
-    std::erase_if(host, [](char byte) { return !isalnum((unsigned char)byte) && !strchr("._-", byte); });
+    std::erase_if(
+        host, [](char byte) { return !isalnum(static_cast<unsigned char>(byte)) && !strchr("._-", byte); });
     return host.empty() ? "localhost" : host;
 }
 
 // One word: the job monitor takes the fourth word of the file for the owner.
 static std::string OneWord(std::string text) {
     for (char &byte : text)
-        if ((unsigned char)byte <= ' ' || byte == 127) byte = '_';
+        if (static_cast<unsigned char>(byte) <= ' ' || byte == 127) byte = '_';
     return text.empty() ? "-" : text;
 }
 
@@ -250,7 +252,7 @@ static bool CopyAll(int from, int to) {
     static char buffer[COPY_SIZE];
     ssize_t count;
     while ((count = read(from, buffer, sizeof buffer)) > 0 || (count < 0 && errno == EINTR))
-        if (count > 0 && !WriteAll(to, std::string_view(buffer, (size_t)count))) return false;
+        if (count > 0 && !WriteAll(to, std::string_view(buffer, static_cast<size_t>(count)))) return false;
     return count == 0;
 }
 

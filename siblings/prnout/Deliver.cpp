@@ -83,7 +83,7 @@ static bool Put(Channel &channel, std::string_view bytes) {
         if (count < 0 && errno == EINTR) continue;
         int reason = count < 0 ? errno : 0;
         if (reason && !IsBusy(channel, reason)) return Fail(channel, strerror(reason));
-        if (count > 0) bytes.remove_prefix((size_t)count);
+        if (count > 0) bytes.remove_prefix(static_cast<size_t>(count));
         if (count > 0 && flBusy) ShowOpened(channel);
         flBusy = count <= 0;
         if (!flBusy) continue;
@@ -100,7 +100,7 @@ static bool PutData(Channel &channel) {
         ssize_t count = pread(channel.job->data, buffer, wanted, at);
         if (count < 0) return Fail(channel, strerror(errno));
         if (count == 0) return Fail(channel, Cut);
-        if (!Put(channel, std::string_view(buffer, (size_t)count))) return false;
+        if (!Put(channel, std::string_view(buffer, static_cast<size_t>(count)))) return false;
         at += count;
     }
     return true;
@@ -220,7 +220,7 @@ static bool Acknowledged(Channel &channel) {
 
 static std::string LpdWord(std::string text, size_t limit) {
     for (char &byte : text)
-        if ((unsigned char)byte < ' ' || byte == 127) byte = ' ';
+        if (static_cast<unsigned char>(byte) < ' ' || byte == 127) byte = ' ';
     return text.substr(0, limit);
 }
 

@@ -61,7 +61,9 @@ static void Pause(const char *variable, double seconds) {
     const char *told = getenv(variable);
     double wanted = told ? atof(told) : 0;
     if (wanted >= 0.01 && wanted < seconds) seconds = wanted;
-    struct timespec pause = {(time_t)seconds, (long)((seconds - (double)(time_t)seconds) * 1e9)};
+    struct timespec pause = {
+        static_cast<time_t>(seconds),
+        static_cast<long>((seconds - static_cast<double>(static_cast<time_t>(seconds))) * 1e9)};
     nanosleep(&pause, nullptr);
 }
 
@@ -215,7 +217,7 @@ static int Watch(const std::string &directory) {
     if (error.empty() && host.state == CUPS_DOWN) error = host.error;
     if (error.empty()) error = RecordsOpen();
     if (error.empty()) error = CupsRefresh(directory, CupsSharers(host, directory), 0, "", waiting);
-    if (error.empty()) return (int)waiting;
+    if (error.empty()) return static_cast<int>(waiting);
     SpoolStatus(directory, error + "\n");
     return -1;
 }

@@ -99,7 +99,8 @@ static void ReadValue(Reader &reader, std::string &value) {
 // "-x" without a queue in front takes one, or the word "all"; "-xl" takes all words that are left.
 static void ReadDeletion(Reader &reader, Options &options) {
     if (std::string(reader.command->word) == "-xl") {
-        options.queues.assign(reader.words.begin() + (std::ptrdiff_t)reader.at + 1, reader.words.end());
+        options.queues.assign(reader.words.begin() + static_cast<std::ptrdiff_t>(reader.at) + 1,
+                              reader.words.end());
         reader.at = reader.words.size();
         if (options.queues.empty()) reader.error = "option -xl needs a value";
         return;
