@@ -8,12 +8,11 @@
 //     static constexpr TextMenuItem NameRows[] = {{.key = NAME_FIRST, ...}, {.key = NAME_LAST, ...}, {}};
 //     constinit MenuTable<NAME_END> NameItems = MakeMenuTable<NAME_END, NameRows>();
 //
-// State formats name items in the same way: StateText<HideItems(1, NAME_LAST)> is the text "H1{1}".
+// State formats name items in the same way: StateText<NAME_END, HideItems(1, NAME_LAST)> is "H1{1}".
 #pragma once
 
 #include "menu/TextMenu.h"
 
-#include <concepts>
 #include <cstddef>
 #include <initializer_list>
 #include <iterator>
@@ -66,59 +65,67 @@ struct StateValues {
     }
 };
 
-// The text of one group. One that is too long does not compile.
+// The text of one group, whose targets are items of one table. One that is too long does not compile.
+template <typename Item>
 struct StateGroup {
     char text[STATE_GROUP_SIZE] = {};
     int length = 0;
+    int last = 0; // of the targets in the table
 
     consteval void Put(char ch) { text[length++] = ch; }
     consteval void PutNumber(int number) {
         if (number > 9) PutNumber(number / 10);
         Put(static_cast<char>('0' + number % 10));
     }
+    consteval void PutItem(Item item) {
+        PutNumber(item);
+        if (item > last) last = item;
+    }
 };
 
-// Targets are enumerators of one table.
 template <typename Item, typename... Items>
-requires std::is_enum_v<Item> &&(std::same_as<Item, Items> &&...) consteval StateGroup
-    MakeStateGroup(char operation, const StateValues &states, Item first, Items... more) {
-    StateGroup group;
+consteval StateGroup<Item> MakeStateGroup(char operation, const StateValues &states, Item first,
+                                          Items... more) {
+    static_assert(std::is_enum_v<Item>, "a state format names its items by their enumerators");
+    static_assert((std::is_same_v<Item, Items> && ...), "a state format names items of two tables");
+    StateGroup<Item> group;
     for (int i = 0; i < states.count; i++) {
         group.Put(i ? '|' : operation);
         group.PutNumber(states.values[i]);
     }
     group.Put('{');
-    group.PutNumber(first);
-    ((group.Put(','), group.PutNumber(more)), ...);
+    group.PutItem(first);
+    ((group.Put(','), group.PutItem(more)), ...);
     group.Put('}');
     return group;
 }
 
 // H: the items are hidden for these values of the pick, and shown for all others.
 template <typename... Items>
-consteval StateGroup HideItems(const StateValues &states, Items... items) {
+consteval auto HideItems(const StateValues &states, Items... items) {
     return MakeStateGroup('H', states, items...);
 }
 // P: for these values the items' own formats run, then their callbacks.
 template <typename... Items>
-consteval StateGroup ProcessItems(const StateValues &states, Items... items) {
+consteval auto ProcessItems(const StateValues &states, Items... items) {
     return MakeStateGroup('P', states, items...);
 }
 
-template <StateGroup... Groups>
+template <auto End, StateGroup<decltype(End)>... Groups>
 struct StateTextOf {
+    static_assert(((Groups.last < End) && ...), "a state format names an item that no row has");
     char text[(Groups.length + ...) + sizeof...(Groups)] = {};
 
     consteval StateTextOf() {
         size_t at = 0;
-        for (const StateGroup &group : {Groups...}) {
+        for (const auto &group : {Groups...}) {
             if (at) text[at++] = ' ';
             for (int i = 0; i < group.length; i++) text[at++] = group.text[i];
         }
     }
 };
-template <StateGroup... Groups>
-inline constexpr StateTextOf<Groups...> StateTexts;
-// The format of the groups, as ProcessStateFormat reads it.
-template <StateGroup... Groups>
-inline constexpr const char *StateText = StateTexts<Groups...>.text;
+template <auto End, StateGroup<decltype(End)>... Groups>
+inline constexpr StateTextOf<End, Groups...> StateTexts;
+// The format of the groups, as ProcessStateFormat reads it, for the table that ends with this enumerator.
+template <auto End, StateGroup<decltype(End)>... Groups>
+inline constexpr const char *StateText = StateTexts<End, Groups...>.text;

@@ -141,7 +141,7 @@ TEST(MenuState, HidesAndShowsChoices) {
 }
 
 TEST(StateText, MakesFormatsFromEnumerators) {
-    enum Item { FIRST, SECOND, LAST = 123 };
-    const char *format = StateText<HideItems(10, LAST, SECOND), ProcessItems({0, 1, 12}, FIRST)>;
+    enum Item { FIRST, SECOND, LAST = 123, END };
+    const char *format = StateText<END, HideItems(10, LAST, SECOND), ProcessItems({0, 1, 12}, FIRST)>;
     EXPECT_STREQ(format, "H10{123,1} P0|1|12{0}");
 }
