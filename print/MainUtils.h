@@ -33,8 +33,7 @@ static_assert(std::is_trivial_v<QueRecord>);
 extern int flToolCfg; // CFG_ bits; writer: SetConfigFlags
 
 // 1 if the queue has a record, read into *record with its settings; else 0, and *record is as it was.
-// Fields are cut at their widths, missing numbers are 0.
-// Uses: Line, the token state.
+// Fields are cut at their widths and at a token's length, missing numbers are 0. Uses: Line.
 int GetQueDbEntry(QueRecord *record, const char *name);
 
 // Writes the main record and, if there is one, the settings record; 1 if all was written.

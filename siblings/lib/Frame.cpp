@@ -30,14 +30,17 @@ void BeginProgram(const char *name) {
     umask(022);
 }
 
-bool EnterToolDirectory() {
+bool FindToolDirectory() {
     char *path = realpath("/proc/self/exe", nullptr);
     char *slash = path ? strrchr(path, '/') : nullptr;
     if (slash) slash[slash == path] = '\0';
-    if (slash) pToolPath = SaveStr_(path);
-    bool flEntered = slash && !chdir(path);
+    pToolPath = SaveStr_(slash ? path : ".");
     free(path);
-    return flEntered;
+    return slash;
+}
+
+bool EnterToolDirectory() {
+    return FindToolDirectory() && !chdir(pToolPath);
 }
 
 void LimitRun() {

@@ -9,8 +9,10 @@ extern const char ToolVersion[]; // of the family, without a name
 // and puts signals and mode mask in order.
 void BeginProgram(const char *name);
 
-// Makes the program's own directory the current one, whatever link or PATH it was started by, and sets
-// pToolPath. False if that can't be done.
+// Sets pToolPath to the program's own directory, whatever link or PATH it was started by; to "." and false if
+// that can't be told.
+bool FindToolDirectory();
+// The same, and makes it the current one. False if that can't be done.
 bool EnterToolDirectory();
 
 // Ends the run, with status 1, some time after the limit for its commands: the last resort against anything

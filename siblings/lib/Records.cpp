@@ -6,8 +6,6 @@
 #include "siblings/lib/Files.h"
 
 #include <algorithm>
-#include <cstdlib>
-#include <cstring>
 #include <sys/stat.h>
 
 enum { DATABASE_MODE = 0666 };

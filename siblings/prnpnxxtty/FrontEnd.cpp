@@ -9,6 +9,7 @@
 #include "menu/TextMenu.h"
 #include "print/MainUtils.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Frame.h"
 #include "siblings/lib/Ppd.h"
 #include "siblings/lib/Queue.h"
 #include "siblings/prnpnxxtty/Dialogue.h"
@@ -16,7 +17,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <cstdlib>
 #include <string>
 
 struct Arguments {
@@ -115,14 +115,6 @@ static std::string FindModel(const Arguments &arguments, std::string &path, std:
 }
 
 // ---- The program
-
-static void FindToolDirectory() {
-    char *path = realpath("/proc/self/exe", nullptr);
-    std::string directory = path ? path : "./";
-    free(path);
-    directory.resize(directory.rfind('/'));
-    pToolPath = SaveStr_(directory.c_str());
-}
 
 // The menu that called clears the screen as soon as this program ends, so the user is asked to have read.
 static int Refuse(const std::string &error, bool flTty) {
