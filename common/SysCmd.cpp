@@ -278,7 +278,7 @@ void InitSysCmdList() {
 // ---- One command
 
 int TestCmd(int row) {
-    return row >= 2 && row < CMD_END && ComList[row].path != nullptr;
+    return row >= 2 && row < CMD_END && ComList[row].path;
 }
 
 // Path, name: the command as the shell finds it.

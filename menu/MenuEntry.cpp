@@ -57,7 +57,7 @@ static int IsDigit(char ch) {
 
 int getMinMax(const char *range, int *minimum) {
     *minimum = 0;
-    if (range == nullptr) return 0;
+    if (!range) return 0;
     const char *at = range;
     if (*at != '\0' && !IsDigit(*at)) at++;
     *minimum = ParseInt(at, &at);
@@ -236,7 +236,7 @@ static int CheckInteger(EntryCheck *check) {
     EntryRange range = ReadRange(check);
     EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check->entry, set.minus);
-    if (bad != nullptr || end == start) return RefuseDigit(bad != nullptr ? *bad : *start);
+    if (bad || end == start) return RefuseDigit(bad ? *bad : *start);
     if (range.max == 0) return CHECK_ON;
     if (number < range.min || number > range.max)
         return RefuseEntry(ENTRY_RANGE, NlsFmt(pErrIntRange, "ii", range.min, range.max));
@@ -262,8 +262,7 @@ static int RefuseFloat(const EntryCheck *check) {
     if (*bad != '\0')
         return RefuseEntry(ENTRY_CHARACTER, NlsFmt(EntryText(TXT_FLOAT_CHARACTER).c_str(), "c", *bad));
     const char *point = strchr(check->in, '.');
-    if (point != nullptr && strchr(point + 1, '.') != nullptr)
-        return RefuseEntry(ENTRY_RANGE, EntryText(TXT_ONE_POINT));
+    if (point && strchr(point + 1, '.')) return RefuseEntry(ENTRY_RANGE, EntryText(TXT_ONE_POINT));
     if (check->in[strspn(check->in, ".")] == '\0') return RefuseDigit(*check->in);
     return CHECK_ON;
 }
@@ -302,7 +301,7 @@ static int CheckLongFloat(EntryCheck *check) {
     }
     EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check->entry, set.minus);
-    if (bad != nullptr) {
+    if (bad) {
         PostMsg("Invalid character '%c'\nThis text may contain \"0123456789.\"", *bad);
         return ENTRY_CHARACTER;
     }
@@ -355,7 +354,7 @@ static int CheckElement(EntryCheck *check) {
 }
 
 static void FetchRangeTexts() {
-    if (pErrIntRange != nullptr) return;
+    if (pErrIntRange) return;
     pErrIntRange = NlsFetchString(pDrvCoreDB, nullptr, 0, NLS_FETCH_NUMBER, NLS_TTY_SET, TXT_INT_RANGE);
     pErrFloatRange = NlsFetchString(pDrvCoreDB, nullptr, 0, NLS_FETCH_NUMBER, NLS_TTY_SET, TXT_FLOAT_RANGE);
     pErrLongRange = NlsFetchString(pDrvCoreDB, nullptr, 0, NLS_FETCH_NUMBER, NLS_TTY_SET, TXT_LONG_RANGE);
@@ -363,8 +362,8 @@ static void FetchRangeTexts() {
 
 int ValidateEntry(const char *entry, const char *format) {
     FetchRangeTexts();
-    if (format == nullptr) return ENTRY_OK;
-    std::string entryCopy = entry != nullptr ? entry : "";
+    if (!format) return ENTRY_OK;
+    std::string entryCopy = entry ? entry : "";
     std::string formatCopy = format;
     EntryCheck check;
     check.entry = entryCopy.c_str();
@@ -379,7 +378,7 @@ int ValidateEntry(const char *entry, const char *format) {
 
 char *ValidateEntryLen(const char *text, const char *range) {
     EntryRange limits = {LENGTH_DEFAULT, LENGTH_DEFAULT};
-    if (range != nullptr) limits.max = getMinMax(range, &limits.min);
+    if (range) limits.max = getMinMax(range, &limits.min);
     if (IsLengthInRange(text, limits)) return nullptr;
     std::string message = GetLengthMessage(limits);
     snprintf(NlsBuf, sizeof NlsBuf, "%s", message.c_str());
@@ -388,13 +387,13 @@ char *ValidateEntryLen(const char *text, const char *range) {
 
 int ValidateEntryDigit(const char *text) {
     const char *bad = FindBadDigit(text, "");
-    return bad != nullptr ? static_cast<unsigned char>(*bad) : 0;
+    return bad ? static_cast<unsigned char>(*bad) : 0;
 }
 
 int ValidateEntryTty(const char *text, const char *range) {
     int bad = ValidateEntryDigit(text); // before the message reads a line over a text in LineBuf
     const char *message = ValidateEntryLen(text, range);
-    if (message != nullptr) return RefuseEntry(ENTRY_LENGTH, message);
+    if (message) return RefuseEntry(ENTRY_LENGTH, message);
     return bad != 0 ? RefuseDigit(static_cast<char>(bad)) : ENTRY_OK;
 }
 

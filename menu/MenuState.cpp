@@ -43,10 +43,10 @@ static TextMenuItem *GetMenuItem(TextMenu *menu, int index) {
 // ---- choices
 
 char *GetChoice(const TextMenuItem *item, intptr_t index, char *token) {
-    if (item->choices == nullptr || index < 0) return nullptr;
+    if (!item->choices || index < 0) return nullptr;
     char *position = nullptr;
     char *choice = GetTokenD(item->choices, ",", &position, token);
-    while (choice != nullptr && index-- > 0) choice = GetTokenD(nullptr, ",", &position, token);
+    while (choice && index-- > 0) choice = GetTokenD(nullptr, ",", &position, token);
     return choice;
 }
 
@@ -54,7 +54,7 @@ char *GetChoice(const TextMenuItem *item, intptr_t index, char *token) {
 // character.
 static char *FindChoice(TextMenuItem *item, int index) {
     char *at = item->choices;
-    if (at == nullptr || index < 0) return nullptr;
+    if (!at || index < 0) return nullptr;
     for (;;) {
         at += strspn(at, ",");
         if (*at == '\0' || index-- == 0) break;
@@ -68,15 +68,15 @@ const char *FetchCurrentChoice(TextMenuItem *item) {
     char token[TOKEN_SIZE];
     const char *choice = GetChoice(item, item->value.i, token);
     PutMem(item->current);
-    item->current = choice != nullptr ? SaveStr_(choice) : nullptr;
+    item->current = choice ? SaveStr_(choice) : nullptr;
     return item->current;
 }
 
 void UpdateStateSelection(TextMenuItem *item) {
-    int count = item->choices != nullptr ? GetTokenCount(item->choices, ",") : 0;
+    int count = item->choices ? GetTokenCount(item->choices, ",") : 0;
     const char *choice = FetchCurrentChoice(item);
     // A bit set has no next choice to move to.
-    for (int i = 0; i < count && item->type == ITEM_PICK && choice != nullptr && choice[0] == ' '; i++) {
+    for (int i = 0; i < count && item->type == ITEM_PICK && choice && choice[0] == ' '; i++) {
         item->previous = item->value.i;
         item->value.i = (item->value.i + 1) % count;
         choice = FetchCurrentChoice(item);
@@ -85,14 +85,14 @@ void UpdateStateSelection(TextMenuItem *item) {
 
 void HideStateSelection(TextMenuItem *item, int choice) {
     char *marker = FindChoice(item, choice);
-    if (marker == nullptr) return;
+    if (!marker) return;
     *marker = ' ';
     UpdateStateSelection(item);
 }
 
 void ShowStateSelection(TextMenuItem *item, int choice) {
     char *marker = FindChoice(item, choice);
-    if (marker != nullptr) *marker = '_';
+    if (marker) *marker = '_';
 }
 
 // ---- state formats
@@ -121,7 +121,7 @@ static void ProcessTarget(TextMenu *menu, int index) {
     char ended = chTokenDel;
     ProcessStateFormat(menu, index);
     TextMenuItem *item = GetMenuItem(menu, index);
-    if (item != nullptr && item->callback != nullptr) item->callback(menu, item);
+    if (item && item->callback) item->callback(menu, item);
     SetTokenBuf(in);
     chTokenDel = ended;
 }
@@ -130,9 +130,8 @@ static void ProcessTarget(TextMenu *menu, int index) {
 // number has no meaning for an item whose value is an address.
 static int SaveTarget(const StateGroup *group, TextMenuItem *item) {
     char *token = GetToken(nullptr, FormatDelims);
-    if (token == nullptr) return 0;
-    if (item == nullptr || item->type == ITEM_SUBMENU || item->type == ITEM_REQUIRED ||
-        item->type == ITEM_OPTIONAL)
+    if (!token) return 0;
+    if (!item || item->type == ITEM_SUBMENU || item->type == ITEM_REQUIRED || item->type == ITEM_OPTIONAL)
         return 1;
     if (group->flMatch) {
         item->saved = item->value.i;
@@ -150,20 +149,20 @@ static int SaveTarget(const StateGroup *group, TextMenuItem *item) {
 
 // The token just read names a target. 0 if the format is malformed here.
 static int ProcessGroupTarget(const StateGroup *group, const char *token) {
-    if (strchr("HNPS", group->operation) == nullptr) return 1; // no operation: its targets are read over
+    if (!strchr("HNPS", group->operation)) return 1; // no operation: its targets are read over
     const char *end;
     int index = ParseInt(token, &end);
     if (!IsDigit(token[0]) || *end != '\0') return 0;
     TextMenuItem *item = GetMenuItem(group->menu, index);
     switch (group->operation) {
     case 'H':
-        if (item != nullptr) item->state = group->flMatch ? STATE_HIDDEN : STATE_NORMAL;
+        if (item) item->state = group->flMatch ? STATE_HIDDEN : STATE_NORMAL;
         return 1;
     case 'N':
-        if (item != nullptr) item->state = group->flMatch ? STATE_DISABLED : STATE_NORMAL;
+        if (item) item->state = group->flMatch ? STATE_DISABLED : STATE_NORMAL;
         return 1;
     case 'P':
-        if (item != nullptr && group->flMatch) ProcessTarget(group->menu, index);
+        if (item && group->flMatch) ProcessTarget(group->menu, index);
         return 1;
     default: return SaveTarget(group, item);
     }
@@ -173,21 +172,21 @@ static int ProcessGroupTarget(const StateGroup *group, const char *token) {
 static int ProcessGroup(const StateGroup *group) {
     do {
         char *token = GetToken(nullptr, FormatDelims);
-        if (token == nullptr || !ProcessGroupTarget(group, token)) return 0;
+        if (!token || !ProcessGroupTarget(group, token)) return 0;
     } while (chTokenDel == ',' || chTokenDel == '.' || chTokenDel == '{');
     return chTokenDel != '\0';
 }
 
 void ProcessStateFormat(TextMenu *menu, int index) {
     TextMenuItem *item = GetMenuItem(menu, index);
-    if (item == nullptr || item->format == nullptr || item->state != STATE_NORMAL) return;
+    if (!item || !item->format || item->state != STATE_NORMAL) return;
     if (item->type != ITEM_PICK && item->type != ITEM_BITS) return; // a format of another language
     if (IsFormatActive(menu, index)) return;
     ActiveFormats[ActiveFormatCnt++] = {menu, index};
     char *head = GetToken(item->format, FormatDelims);
-    while (head != nullptr) {
+    while (head) {
         item = GetMenuItem(menu, index); // a callback may have moved or cut the table
-        if (item == nullptr) break;
+        if (!item) break;
         StateGroup group = {menu, head[0], TestFormatState(head + 1, item->value.i)};
         if (!ProcessGroup(&group)) break;
         head = GetToken(nullptr, FormatDelims);
@@ -217,7 +216,7 @@ int TestState(TextMenu *menu, const char *operand, int index) {
     if (operand[0] == '+' || operand[0] == '-') target += index;
     if (target < 0 || target > INT_MAX) return 0;
     TextMenuItem *item = GetMenuItem(menu, static_cast<int>(target));
-    if (item == nullptr || !TestItemValue(item, value)) return 0;
+    if (!item || !TestItemValue(item, value)) return 0;
     return item->state == STATE_NORMAL ? 1 : 2;
 }
 
@@ -288,19 +287,19 @@ int TestStateCondition(TextMenu *menu, const char *condition, int index) {
 }
 
 int TestStateCondition(TextMenu *menu, int mode, int index) {
-    if (pCondition == nullptr) return 0;
+    if (!pCondition) return 0;
     return mode == CONDITION_GROUP ? TestConditionGroup(menu, index) : TestConditionOperand(menu, index);
 }
 
 TextMenu *ValidateMenu(TextMenu *menu, int index) {
     TextMenuItem *item = GetMenuItem(menu, index);
-    if (item == nullptr || item->type != ITEM_SUBMENU || item->state != STATE_NORMAL) return nullptr;
-    if (item->format == nullptr) return item->value.m;
-    if (item->value.ma == nullptr) return nullptr;
+    if (!item || item->type != ITEM_SUBMENU || item->state != STATE_NORMAL) return nullptr;
+    if (!item->format) return item->value.m;
+    if (!item->value.ma) return nullptr;
     char token[TOKEN_SIZE];
     char *position = nullptr;
     char *condition = GetTokenD(item->format, ",", &position, token);
-    for (int i = 0; condition != nullptr; i++) {
+    for (int i = 0; condition; i++) {
         if (TestStateCondition(menu, condition, index)) return item->value.ma[i];
         condition = GetTokenD(nullptr, ",", &position, token);
     }

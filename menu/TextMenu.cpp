@@ -45,7 +45,7 @@ static std::string MenuText(int number) {
 }
 
 static void CallMenu(TextMenu *menu, MenuCall call) {
-    if (call != nullptr) call(menu);
+    if (call) call(menu);
 }
 
 static int IsTextItem(const TextMenuItem *item) {
@@ -64,12 +64,12 @@ static const char *GetLabel(const TextMenuItem *item) {
 
 int CountMenuItems(const TextMenu *menu) {
     int count = 0;
-    while (menu->items[count].text != nullptr) count++;
+    while (menu->items[count].text) count++;
     return count;
 }
 
 TextMenuItem *FindTextMenuItem(TextMenu *menu, int type) {
-    for (TextMenuItem *item = menu->items; item->text != nullptr; item++)
+    for (TextMenuItem *item = menu->items; item->text; item++)
         if (item->type == type) return item;
     return nullptr;
 }
@@ -77,10 +77,10 @@ TextMenuItem *FindTextMenuItem(TextMenu *menu, int type) {
 // ---- values
 
 void SetItemText(TextMenuItem *item, const char *text) {
-    if (item->value.s == nullptr) item->value.s = static_cast<char *>(GetMem(MENU_TEXT_SIZE));
-    if (item->value.s == nullptr) SysError("%s", OutOfMem);
+    if (!item->value.s) item->value.s = static_cast<char *>(GetMem(MENU_TEXT_SIZE));
+    if (!item->value.s) SysError("%s", OutOfMem);
     if (text == item->value.s) return;
-    if (text == nullptr) text = "";
+    if (!text) text = "";
     size_t length = strnlen(text, MENU_TEXT_SIZE - 1);
     memmove(item->value.s, text, length);
     item->value.s[length] = '\0';
@@ -89,7 +89,7 @@ void SetItemText(TextMenuItem *item, const char *text) {
 // The item is found anew for each step: the format may run callbacks, which may move the table.
 static void InitChoices(TextMenu *menu, int index) {
     TextMenuItem *item = &menu->items[index];
-    item->count = item->choices != nullptr ? GetTokenCount(item->choices, ",") : 0;
+    item->count = item->choices ? GetTokenCount(item->choices, ",") : 0;
     if (item->type == ITEM_PICK)
         item->value = item->initial;
     else if (item->value.i == 0)
@@ -125,7 +125,7 @@ static void InitItemNumber(TextMenuItem *item, int *number) {
 int InitMenu(TextMenu *menu) {
     int longest = 0;
     int number = 0;
-    for (int i = 0; menu->items[i].text != nullptr; i++) {
+    for (int i = 0; menu->items[i].text; i++) {
         menu->items[i].length = static_cast<int>(strlen(menu->items[i].text));
         longest = std::max(longest, menu->items[i].length);
         InitItemNumber(&menu->items[i], &number);
@@ -135,7 +135,7 @@ int InitMenu(TextMenu *menu) {
 }
 
 void FreeMenu(TextMenu *menu) {
-    for (TextMenuItem *item = menu->items; item->text != nullptr; item++) {
+    for (TextMenuItem *item = menu->items; item->text; item++) {
         PutMem(item->current);
         item->current = nullptr;
         if (!IsTextItem(item)) continue;
@@ -148,12 +148,12 @@ void FreeMenu(TextMenu *menu) {
 
 // Length of the title's first line.
 static int MeasureTitle(const TextMenu *menu) {
-    if (menu->title == nullptr) return 0;
+    if (!menu->title) return 0;
     return static_cast<int>(strcspn(menu->title + strspn(menu->title, "\r\n"), "\r\n"));
 }
 
 static void PrintTitle(const TextMenu *menu, int length) {
-    const char *title = menu->title != nullptr ? menu->title : "";
+    const char *title = menu->title ? menu->title : "";
     int room = std::max(0, MENU_WIDTH - length);
     switch (menu->titleMode) {
     case TITLE_CENTRE: printf("\f\n%*s%s\n\n", room / 2, "", title); break;
@@ -175,7 +175,7 @@ static std::string GetItemKey(const TextMenuItem *item) {
 
 static void PrintPickValue(TextMenuItem *item) {
     const char *choice = FetchCurrentChoice(item);
-    if (choice == nullptr || choice[0] == ' ') {
+    if (!choice || choice[0] == ' ') {
         fputs(" [ ]", stdout);
         return;
     }
@@ -203,7 +203,7 @@ static void PrintItemValue(TextMenuItem *item, int longest) {
     case ITEM_BITS: PrintBitsValue(item); break;
     case ITEM_INTEGER: printf(" [%i]", static_cast<int>(item->value.i)); break;
     case ITEM_FLOAT: printf(" [%.3f]", static_cast<double>(item->value.f)); break;
-    default: printf(" [%s]", item->value.s != nullptr ? item->value.s : ""); break;
+    default: printf(" [%s]", item->value.s ? item->value.s : ""); break;
     }
 }
 
@@ -245,7 +245,7 @@ static void PrintBarCell(BarRow *row, const TextMenuItem *item) {
 TextMenuItem *PrintMenuBarItem(TextMenuItem *bar, int type, int *index, int *number) {
     BarRow row = StartBarRow(bar);
     TextMenuItem *item = bar;
-    while (item[1].text != nullptr) {
+    while (item[1].text) {
         item++;
         (*index)++;
         if (item->type > ITEM_BAR) (*number)++;
@@ -271,8 +271,8 @@ static int PrintMenuItem(TextMenu *menu, int *index, int longest, int *number) {
     if (item->state == STATE_HIDDEN) return 0;
     if (item->type == ITEM_SUBMENU) {
         const TextMenu *submenu = ValidateMenu(menu, *index);
-        if (submenu == nullptr) return 0;
-        PrintLabel(item, submenu->title != nullptr ? submenu->title : "");
+        if (!submenu) return 0;
+        PrintLabel(item, submenu->title ? submenu->title : "");
     } else if (item->type == ITEM_BAR) {
         PrintMenuBarItem(item, ITEM_BAR, index, number);
     } else {
@@ -299,7 +299,7 @@ int PrintMenu(TextMenu *menu, int longest, int titleLength) {
     PrintTitle(menu, titleLength);
     int number = 0;
     int index = 0;
-    for (; menu->items[index].text != nullptr; index++) {
+    for (; menu->items[index].text; index++) {
         if (menu->items[index].type > ITEM_BAR) number++;
         if (PrintMenuItem(menu, &index, longest, &number))
             printf("\n%s", (menu->flags & MENU_DENSE) ? "" : "\n");
@@ -317,7 +317,7 @@ static void ShowHelp() {
 // 1 if the menu is written and the file closed without an error; the user has been told otherwise.
 static int StoreMenuFile(TextMenu *menu, const char *path) {
     pOut = OpenFile(nullptr, path, "wt", ERR_WARN);
-    if (pOut == nullptr) return 0;
+    if (!pOut) return 0;
     StoreMenu(menu);
     int flBad = ferror(pOut);
     flBad |= fclose(pOut);
@@ -328,14 +328,14 @@ static int StoreMenuFile(TextMenu *menu, const char *path) {
 
 static void StoreMenuAs(TextMenu *menu) {
     fputs("Enter the settings file name: ", stdout);
-    if (Gets(LineBuf, LINEBUF_SIZE) == nullptr) return;
+    if (!Gets(LineBuf, LINEBUF_SIZE)) return;
     std::string path = LineBuf;
     if (ValidateEntry(path.c_str(), SettingsNameFormat) == ENTRY_OK) StoreMenuFile(menu, path.c_str());
 }
 
 static int FindLetterItem(TextMenu *menu, int count, int letter) {
     if (letter == 0) return 0;
-    for (int i = 0; i < count && menu->items[i].text != nullptr; i++) {
+    for (int i = 0; i < count && menu->items[i].text; i++) {
         const TextMenuItem *item = &menu->items[i];
         if (IsLetterItem(item) && item->state == STATE_NORMAL && tolower(item->number) == letter)
             return i + 1;
@@ -344,7 +344,7 @@ static int FindLetterItem(TextMenu *menu, int count, int letter) {
 }
 
 static int FindNumberItem(TextMenu *menu, int count, int number) {
-    for (int i = 0; i < count && menu->items[i].text != nullptr; i++) {
+    for (int i = 0; i < count && menu->items[i].text; i++) {
         const TextMenuItem *item = &menu->items[i];
         if (item->type <= ITEM_BAR || IsLetterItem(item) || item->state != STATE_NORMAL) continue;
         if (item->number == number) return i + 1;
@@ -379,9 +379,9 @@ int FindSelection(TextMenu *menu, int count) {
 }
 
 int TestNames(TextMenu *menu) {
-    for (const TextMenuItem *item = menu->items; item->text != nullptr; item++) {
+    for (const TextMenuItem *item = menu->items; item->text; item++) {
         if (item->type != ITEM_REQUIRED || item->state == STATE_HIDDEN) continue;
-        if (item->value.s != nullptr && item->value.s[0] != '\0') continue;
+        if (item->value.s && item->value.s[0] != '\0') continue;
         fputs(MenuText(TXT_NAMES_MISSING).c_str(), stdout);
         Gets(LineBuf, LINEBUF_SIZE);
         return 0;
@@ -393,20 +393,20 @@ int TestNames(TextMenu *menu) {
 static int ProcessAction(TextMenu *menu, int index) {
     if (menu->items[index].type == ITEM_APPLY && !TestNames(menu)) return 0;
     ItemCall callback = menu->items[index].callback;
-    return callback == nullptr || callback(menu, &menu->items[index]) == 0;
+    return !callback || callback(menu, &menu->items[index]) == 0;
 }
 
 // Type 8. The menu's own init follows even when no submenu was there to run.
 static int ProcessSubmenu(TextMenu *menu, int index) {
     TextMenu *submenu = ValidateMenu(menu, index);
-    if (submenu != nullptr) RunMenu(submenu, nullptr, 1);
+    if (submenu) RunMenu(submenu, nullptr, 1);
     CallMenu(menu, menu->initCallback);
     return 0;
 }
 
 static int IsVisibleChoice(const TextMenuItem *item, intptr_t choice) {
     char token[TOKEN_SIZE];
-    return GetChoice(item, choice, token) != nullptr && token[0] != ' ';
+    return GetChoice(item, choice, token) && token[0] != ' ';
 }
 
 // The choice that the option names, else the next visible one behind it or behind the present value; -1 for
@@ -432,7 +432,7 @@ static int ProcessPick(TextMenu *menu, int index, const char *option) {
     item->value.i = choice;
     ItemCall callback = item->callback;
     ProcessStateFormat(menu, index);
-    if (callback != nullptr) callback(menu, &menu->items[index]);
+    if (callback) callback(menu, &menu->items[index]);
     return 1;
 }
 
@@ -452,13 +452,13 @@ static int ProcessEntry(TextMenu *menu, int index, const char *option) {
     TextMenuItem *item = &menu->items[index];
     std::string entry = option;
     if (entry.empty()) {
-        printf("%s: ", item->prompt != nullptr ? item->prompt : GetLabel(item));
-        if (Gets(LineBuf, LINEBUF_SIZE) == nullptr || LineBuf[0] == '\0') return 0;
+        printf("%s: ", item->prompt ? item->prompt : GetLabel(item));
+        if (!Gets(LineBuf, LINEBUF_SIZE) || LineBuf[0] == '\0') return 0;
         entry = LineBuf;
     }
     if (ValidateEntry(entry.c_str(), item->format) != ENTRY_OK) return 0;
     SetEntry(item, entry.c_str());
-    if (item->callback != nullptr) item->callback(menu, item);
+    if (item->callback) item->callback(menu, item);
     return 1;
 }
 
@@ -481,16 +481,15 @@ int ProcessSelection(TextMenu *menu, int index, const char *option) {
 // ---- the run loop
 
 static int AskLeave(const TextMenu *menu) {
-    if (menu->parent == nullptr)
-        return PromptYN("%s", NlsFmt(MenuText(TXT_LEAVE).c_str(), "s", my_name).c_str());
-    const char *parent = menu->parent->title != nullptr ? menu->parent->title : "";
+    if (!menu->parent) return PromptYN("%s", NlsFmt(MenuText(TXT_LEAVE).c_str(), "s", my_name).c_str());
+    const char *parent = menu->parent->title ? menu->parent->title : "";
     return PromptYN("%s", NlsFmt(MenuText(TXT_RETURN_TO).c_str(), "s", parent).c_str());
 }
 
 // An empty line. Without an exit prompt the exit callback runs at once; with one, changes are asked about
 // first.
 static int LeaveMenu(TextMenu *menu, int flChanged) {
-    if (menu->exitPrompt == nullptr) {
+    if (!menu->exitPrompt) {
         CallMenu(menu, menu->exitCallback);
     } else if (flChanged && PromptYN("%s", menu->exitPrompt)) {
         if (!TestNames(menu)) return RUN_ON;
@@ -503,7 +502,7 @@ static int LeaveMenu(TextMenu *menu, int flChanged) {
         return RUN_ON;
     }
     FreeMenu(menu);
-    if (menu->parent == nullptr) puts("");
+    if (!menu->parent) puts("");
     fflush(stdout);
     return RUN_ENDED;
 }
@@ -523,7 +522,7 @@ static int SelectItem(TextMenu *menu, int index, int *longest, int *flChanged) {
 static int LoadMenuFile(TextMenu *menu, const char *path) {
     if (!OpenInputFile(path, ERR_WARN)) {
         TextMenuItem *cancel = FindTextMenuItem(menu, ITEM_CANCEL);
-        if (cancel != nullptr && cancel->callback != nullptr) cancel->callback(menu, cancel);
+        if (cancel && cancel->callback) cancel->callback(menu, cancel);
         return 0;
     }
     LoadMenu(menu);
@@ -534,7 +533,7 @@ static int LoadMenuFile(TextMenu *menu, const char *path) {
 // Shows the menu and acts on one line.
 static int RunMenuOnce(TextMenu *menu, int *longest, int *flChanged) {
     int count = PrintMenu(menu, *longest, MeasureTitle(menu));
-    if (Gets(LineBuf, LINEBUF_SIZE) == nullptr) SysError("%s", MenuText(TXT_READING_INPUT).c_str());
+    if (!Gets(LineBuf, LINEBUF_SIZE)) SysError("%s", MenuText(TXT_READING_INPUT).c_str());
     if (LineBuf[0] == '\0' && !(menu->flags & MENU_NO_LEAVE)) return LeaveMenu(menu, *flChanged);
     int selected = FindSelection(menu, count);
     if (selected == 0) return RUN_ON;
@@ -547,7 +546,7 @@ int RunMenu(TextMenu *menu, const char *settings, int flInteract) {
     int flChanged = 0;
     CallMenu(menu, menu->initCallback);
     int longest = InitMenu(menu);
-    if (settings != nullptr && !LoadMenuFile(menu, settings)) return 0;
+    if (settings && !LoadMenuFile(menu, settings)) return 0;
     if (!flInteract) {
         CallMenu(menu, menu->exitCallback);
         return 0;

@@ -29,7 +29,7 @@ static int IsStoredType(int type) {
 static void StoreItem(const TextMenuItem *item, int index) {
     switch (item->type) { // the types without a value have no line
     case ITEM_REQUIRED:
-    case ITEM_OPTIONAL: fprintf(pOut, "%i[%s]", index, item->value.s != nullptr ? item->value.s : ""); break;
+    case ITEM_OPTIONAL: fprintf(pOut, "%i[%s]", index, item->value.s ? item->value.s : ""); break;
     case ITEM_PICK:
     case ITEM_INTEGER: fprintf(pOut, "%i[%i]", index, static_cast<int>(item->value.i)); break;
     case ITEM_FLOAT: fprintf(pOut, "%i[%.3f]", index, static_cast<double>(item->value.f)); break;
@@ -39,12 +39,12 @@ static void StoreItem(const TextMenuItem *item, int index) {
 }
 
 static void StoreMenuLevel(TextMenu *menu, int depth) {
-    for (int i = 0; menu->items[i].text != nullptr; i++) StoreItem(&menu->items[i], i);
+    for (int i = 0; menu->items[i].text; i++) StoreItem(&menu->items[i], i);
     if (depth >= MENU_DEPTH_MAX) return; // menus that contain each other
-    for (int i = 0; menu->items[i].text != nullptr; i++) {
+    for (int i = 0; menu->items[i].text; i++) {
         if (menu->items[i].type != ITEM_SUBMENU) continue;
         TextMenu *submenu = ValidateMenu(menu, i);
-        if (submenu == nullptr) continue;
+        if (!submenu) continue;
         fprintf(pOut, "%i{\n", i);
         StoreMenuLevel(submenu, depth + 1);
         fputs("}\n", pOut);
@@ -52,7 +52,7 @@ static void StoreMenuLevel(TextMenu *menu, int depth) {
 }
 
 void StoreMenu(TextMenu *menu) {
-    if (pOut != nullptr) StoreMenuLevel(menu, 1);
+    if (pOut) StoreMenuLevel(menu, 1);
 }
 
 static int ParseSettingsLine(const char *line, SettingsLine *parsed) {
@@ -68,7 +68,7 @@ static int ParseSettingsLine(const char *line, SettingsLine *parsed) {
     parsed->value[length] = '\0';
     // The last bracket: a text may hold blanks and brackets of its own.
     const char *close = strrchr(line, ']');
-    parsed->flState = close != nullptr && sscanf(close + 1, "%9i %9i", &parsed->type, &parsed->state) == 2;
+    parsed->flState = close && sscanf(close + 1, "%9i %9i", &parsed->type, &parsed->state) == 2;
     return 1;
 }
 
@@ -78,7 +78,7 @@ static void LoadItemValue(TextMenuItem *item, const char *value) {
     switch (item->type) { // only the stored types come here
     case ITEM_PICK:
         // A callback uses the value as an index: only choices that are there.
-        if (GetChoice(item, number, choice) != nullptr) item->value.i = number;
+        if (GetChoice(item, number, choice)) item->value.i = number;
         break;
     case ITEM_REQUIRED:
     case ITEM_OPTIONAL: SetItemText(item, value); break;
@@ -122,7 +122,7 @@ static void LoadMenuLevel(TextMenu *menu, int depth) {
     while (GetFileLine()) {
         if (LineBuf[0] == '}') {
             TextMenuItem *apply = FindTextMenuItem(menu, ITEM_APPLY);
-            if (apply != nullptr && apply->callback != nullptr) apply->callback(menu, apply);
+            if (apply && apply->callback) apply->callback(menu, apply);
             return;
         }
         if (!ParseSettingsLine(LineBuf, &parsed)) continue;
@@ -131,7 +131,7 @@ static void LoadMenuLevel(TextMenu *menu, int depth) {
             continue;
         }
         TextMenu *submenu = depth < MENU_DEPTH_MAX ? ValidateMenu(menu, parsed.index) : nullptr;
-        if (submenu != nullptr)
+        if (submenu)
             LoadMenuLevel(submenu, depth + 1);
         else
             SkipMenuBlock();

@@ -45,7 +45,7 @@ int PromptYN(const char *format, ...) {
     va_end(args);
     do {
         fputs(question.c_str(), stdout);
-        if (Gets(LineBuf, LINEBUF_SIZE) == nullptr) return 0;
+        if (!Gets(LineBuf, LINEBUF_SIZE)) return 0;
     } while (LineBuf[0] != 'y' && LineBuf[0] != 'n');
     return LineBuf[0] == 'y';
 }
@@ -55,8 +55,8 @@ int PromptYN(const char *format, ...) {
 char *PromptUser(const char *prompt, char *buffer, size_t capacity) {
     fputs(prompt, stdout);
     char line[PROMPT_LINE];
-    if (Gets(line, buffer != nullptr ? PROMPT_LINE : PROMPT_COPY) == nullptr) line[0] = '\0';
-    if (buffer == nullptr) return SaveStr_(line);
+    if (!Gets(line, buffer ? PROMPT_LINE : PROMPT_COPY)) line[0] = '\0';
+    if (!buffer) return SaveStr_(line);
     if (capacity > 0) snprintf(buffer, capacity, "%s", line);
     return buffer;
 }
