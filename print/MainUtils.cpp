@@ -8,6 +8,7 @@
 #include "common/Words.h"
 #include "common/utils.h"
 #include "print/QueFormat.h"
+#include "print/Told.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -21,6 +22,7 @@ static constexpr char QueWordDelims[] = " :\t\n";
 static constexpr char ConfigDelims[] = " \t\r\n";
 
 int flToolCfg;
+char *pQueListTold;
 
 static void SetField(char *field, size_t width, std::string_view value) {
     size_t count = value.copy(field, width - 1);
@@ -144,12 +146,19 @@ int TestConfigFlag(const char *file) {
 
 // ---- Queue lists
 
+static void SetQueListTold(const std::string &told) {
+    PutMem(pQueListTold);
+    pQueListTold = told.empty() ? nullptr : SaveStr_(told.c_str());
+}
+
 char *GetQueList() {
+    ToldEar ear;
     ResponseNode *lines = GetCmdResponse(CMD_QUIET, nullptr, "%s/prnqtool -LQ", ShArg(pToolPath).c_str());
     std::string names;
     for (ResponseNode *line = lines; line; line = line->next)
         if (const char *name = GetToken(line->text, QueWordDelims)) names += std::string(",") + name;
     FreeResponseList(lines);
+    SetQueListTold(ear.Text());
     if (names.empty()) return nullptr;
     char *list = SaveStr_(names.c_str());
     SortTokens(list, ',', 1);

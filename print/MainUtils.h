@@ -30,7 +30,8 @@ struct QueRecord {
 };
 static_assert(std::is_trivial_v<QueRecord>);
 
-extern int flToolCfg; // CFG_ bits; writer: SetConfigFlags
+extern char *pQueListTold; // why the last list isn't whole, in the tool's words, or null; writer: GetQueList
+extern int flToolCfg;      // CFG_ bits; writer: SetConfigFlags
 
 // 1 if the queue has a record, read into *record with its settings; else 0, and *record is as it was.
 // Fields are cut at their widths and at a token's length, missing numbers are 0. Uses: Line.
@@ -55,7 +56,7 @@ void SetConfigFlags();
 int TestConfigFlag(const char *file);
 
 // All queues of the host, from prnqtool: ",q1,q2", sorted; null if there is none. Owns: the result.
-// Uses: the token state.
+// Uses: the token state, pQueListTold.
 [[nodiscard]] char *GetQueList();
 // The family's queues, " q1 q2": those of the database and of "77yyprinters" that the host knows too; null if
 // there is none. Owns: the result. Uses: the token state, pIn, LineBuf.

@@ -61,9 +61,11 @@ void PutBannerFile(const char *text) {
     DeleteFile(pToolPath, BannerFile);
 }
 
-void PutDefaultBanner(const char *text) {
-    RunQueLine(MakeDefaultBannerLine(*text));
+std::string PutDefaultBanner(const char *text) {
+    std::string told;
+    RunQueLine(MakeDefaultBannerLine(*text), &told);
     DeleteFile(pToolPath, BannerFile);
+    return told;
 }
 
 // ---- What a model allows

@@ -33,8 +33,8 @@ std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]);
 // the file.
 void PutBannerFile(const char *text);
 // With a text: the line that makes ".bsettings" the system's default; without: the line that clears the
-// default. Runs it and removes the file, since a default is no queue's own banner.
-void PutDefaultBanner(const char *text);
+// default. Runs it and removes the file, since a default is no queue's own banner. What prnqtool told of it.
+std::string PutDefaultBanner(const char *text);
 
 // What a model allows, as the lists of models say.
 enum { BANNER_UNSAID = -1 }; // no list says anything: it stays as it is

@@ -6,6 +6,7 @@
 #include "common/Words.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
+#include "print/Told.h"
 
 #include <string_view>
 
@@ -101,8 +102,11 @@ std::string MakeFeatureLine(const char *ppdFile, int flBanner) {
            ShArg(std::string(pToolPath) + "/ppd/" + ppdFile);
 }
 
-int RunQueLine(const std::string &line) {
-    return SysCmd(CMD_LINE, 0, "%s", line.c_str());
+int RunQueLine(const std::string &line, std::string *told) {
+    ToldEar ear;
+    int status = SysCmd(CMD_LINE, 0, "%s", line.c_str());
+    *told = ear.Text();
+    return status;
 }
 
 static int GetPlaceKind(const QueRecord *record) {

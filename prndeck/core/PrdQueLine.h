@@ -41,8 +41,9 @@ std::string MakeDefaultBannerLine(int flSet);
 // The front end's own dialogue on the terminal, for the features of a model.
 std::string MakeFeatureLine(const char *ppdFile, int flBanner);
 
-// Runs a line with its output thrown away: 0, or a number of errno.
-int RunQueLine(const std::string &line);
+// Runs a line with its output thrown away: 0, or a number of errno. *told is what prnqtool complained or
+// warned of, a line each, for the face to show; empty if it did as it was told.
+int RunQueLine(const std::string &line, std::string *told);
 
 // Where a stored queue prints, as it is shown. A queue is of one kind: with a remote queue (a print server's,
 // or through LPD), else on a local device or at a host.

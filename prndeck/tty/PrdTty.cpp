@@ -10,6 +10,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <unistd.h>
 
 QueRecord MPS_tty;
 char pModifyQueName[QUE_NAME];
@@ -24,6 +25,10 @@ std::string AskTty(int prompt) {
 }
 
 int AskQueueTty(int prompt, const char *what, char *name) {
+    if (ExistingTarvoPrinterCnt == 0 && pQueListTold) {
+        ShowToldTty(pQueListTold);
+        return 0;
+    }
     if (ExistingTarvoPrinterCnt == 0) {
         PostMsg("There have been no queues created yet. Use the Add queue menu selection first.\n");
         return 0;
@@ -51,8 +56,19 @@ int TestHostTty(const char *host) {
     return 0;
 }
 
+void ShowToldTty(const std::string &told) {
+    if (told.empty()) return;
+    if (isatty(STDIN_FILENO))
+        PostMsg("%s\n", told.c_str());
+    else
+        printf("%s\n", told.c_str());
+}
+
 void RunQueLineTty(const std::string &line) {
-    if (RunQueLine(line) != STATUS_LPSCHED) return;
+    std::string told;
+    int status = RunQueLine(line, &told);
+    ShowToldTty(told);
+    if (status != STATUS_LPSCHED) return;
     PutMem(PromptUser("Error stopping lpsched.  See README for details.", nullptr, 0));
     SysCmd(CMD_LPSCHED, 1, "%s", "");
 }

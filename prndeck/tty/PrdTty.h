@@ -158,6 +158,8 @@ int AskQueueTty(int prompt, const char *what, char *name);
 int TestHostTty(const char *host);
 // Runs a line; if lpsched failed to stop, tells the user and starts it again.
 void RunQueLineTty(const std::string &line);
+// Shows what prnqtool told, if anything: a terminal waits for a line behind it, input from elsewhere goes on.
+void ShowToldTty(const std::string &told);
 // The text of an item, empty if it has none.
 const char *GetItemText(const TextMenuItem *items, int index);
 int GetItemChoice(const TextMenuItem *items, int index);

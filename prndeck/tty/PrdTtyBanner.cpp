@@ -7,6 +7,7 @@
 #include "menu/MenuText.h"
 #include "print/MainUtils.h"
 #include "print/QueFormat.h"
+#include "prndeck/tty/PrdTty.h"
 
 #include <cstdio>
 
@@ -130,7 +131,7 @@ int SaveBannerInfoTty(TextMenu *menu, TextMenuItem *) {
     std::string text = GetBannerItems(menu->items);
     snprintf(BannerLine, sizeof BannerLine, "%s", text.c_str());
     PutBannerFile(BannerLine);
-    if (menu->items[BM_AS_DEFAULT].value.i) PutDefaultBanner(BannerLine);
+    if (menu->items[BM_AS_DEFAULT].value.i) ShowToldTty(PutDefaultBanner(BannerLine));
     return 0;
 }
 

@@ -84,7 +84,7 @@ int CloneQueTty(TextMenu *, TextMenuItem *) {
 int InitCloneQueMenu(TextMenu *menu) {
     PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
     snprintf(ModelLabel, sizeof ModelLabel, "%s%s", NlsText(pDrvCoreDB, SET_TTY, TTY_COPY_MODEL).c_str(),
-             GetModelName(PrinterModelTty).c_str());
+             PrinterModelTty ? GetModelName(PrinterModelTty).c_str() : MPS_tty.ppdFile);
     QueChoice choice = GetQueChoice(MPS_tty.type);
     menu->items[COPY_PRINTING_MODEL].initial.i = choice.printingModel;
     menu->items[COPY_CONNECTION].initial.i = choice.connection;

@@ -5,6 +5,7 @@
 #include "common/SysCmd.h"
 #include "common/Words.h"
 #include "common/utils.h"
+#include "print/MainUtils.h"
 
 #include <cstring>
 #include <string>
@@ -16,6 +17,7 @@ static constexpr char NameDelims[] = " \t,\n";
 
 static void DeleteQueueTty(const std::string &name) {
     if (!pExistingPrinterList || !strstr(pExistingPrinterList, name.c_str())) {
+        if (pQueListTold) return ShowToldTty(pQueListTold);
         PostMsg("\"%s\" is not an existing queue.", name.c_str());
         return;
     }

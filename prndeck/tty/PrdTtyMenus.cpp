@@ -78,7 +78,6 @@ static void InitTables() {
     pTtyHtmlTitle = PRN_FAMILY " Administration Help";
     for (TextMenu *menu : {&MainMenu, &AddPrinterMenu, &ModifyQueMenu, &CloneQueMenu}) FillMenuTexts(menu);
     MainMenuItems[MAIN_DUMP].state = STATE_HIDDEN;
-    MainMenu.title = SaveStr("%s %s", FamilyText(TTY_TITLE).c_str(), PRN_VERSION);
 }
 
 // ---- Queue lists
@@ -121,11 +120,21 @@ static void TestRoot() {
     exit_app(1);
 }
 
+// Behind the name and the version: why the lists below aren't whole.
+static void SetMainTitle() {
+    static char *title;
+    PutMem(title);
+    std::string name = FamilyText(TTY_TITLE) + " " + PRN_VERSION;
+    title = pQueListTold ? SaveStr("%s\n%s", name.c_str(), pQueListTold) : SaveStr_(name.c_str());
+    MainMenu.title = title;
+}
+
 int InitMainMenu(TextMenu *) {
     TestRoot();
     if (!pQueList) RefreshLists();
     MainMenuItems[MAIN_QUEUES].text = pExistingPrinterList ? pExistingPrinterList : "";
     InitTables();
+    SetMainTitle();
     return 0;
 }
 

@@ -130,7 +130,8 @@ static void SetPlaceLabels(const QuePlace &place) {
 static void SetQueLabels(const char *name) {
     bool server = MPS_tty.type == QUEUE_SERVER;
     SetQueLabel(MOD_NAME, TTY_QUEUE, name);
-    SetQueLabel(MOD_MODEL, TTY_MODEL, GetModelName(PrinterModelTty).c_str());
+    SetQueLabel(MOD_MODEL, TTY_MODEL,
+                PrinterModelTty ? GetModelName(PrinterModelTty).c_str() : MPS_tty.ppdFile);
     SetQueLabel(MOD_PRINTING_MODEL, TTY_PRINTING_MODEL,
                 server ? "workstation to print server" : "workstation to printer");
     SetQueLabel(MOD_CONNECTION, TTY_CONNECTION, IsDeviceType(MPS_tty.type) ? "local device" : "TCP/IP");
@@ -163,6 +164,8 @@ int ApplyModifySettingsTty(TextMenu *menu, TextMenuItem *) {
     MPS_tty.banner = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_BANNER));
     MPS_tty.isDefault = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_DEFAULT));
     QueOptions options = {MPS_tty.features, MPS_tty.banner, MPS_tty.userInterface, MPS_tty.isDefault};
-    RunQueLine(MakeModifyLine(pModifyQueName, options, 1));
+    std::string told;
+    RunQueLine(MakeModifyLine(pModifyQueName, options, 1), &told);
+    ShowToldTty(told);
     return 0;
 }

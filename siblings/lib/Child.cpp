@@ -3,6 +3,7 @@
 
 #include "common/SysCmd.h"
 #include "common/utils.h"
+#include "print/Told.h"
 
 #include <algorithm>
 #include <cctype>
@@ -57,6 +58,7 @@ void PutLog(std::string_view line) {
 void TellUser(std::string text) {
     for (char &byte : text)
         if (static_cast<unsigned char>(byte) < ' ' || byte == 127) byte = '?';
+    TellCaller(text);
     text.insert(0, std::string(my_name) + ": ");
     fprintf(stderr, "%s\n", text.c_str());
     PutLog(text);

@@ -40,6 +40,7 @@ std::string ComplaintOf(const Ran &ran);
 std::string SetLogName(std::string_view name);
 void PutLog(std::string_view line);
 
-// A line "PROGRAM: TEXT" on standard error and in the log. Control characters become "?": a value in the
-// text must not steer the terminal, nor forge a line of the log.
+// A line "PROGRAM: TEXT" on standard error and in the log; the text alone goes to the caller that listens
+// (Told.h). Control characters become "?": a value in the text must not steer the terminal, nor forge a line
+// of the log.
 void TellUser(std::string text);

@@ -4,6 +4,7 @@
 #include "common/MemMgr.h"
 #include "common/Version.h"
 #include "common/utils.h"
+#include "print/Told.h"
 #include "siblings/lib/Child.h"
 
 #include <csignal>
@@ -26,6 +27,7 @@ static void EndRun(int) {
 void BeginProgram(const char *name) {
     my_name = name;
     InitProcess();
+    FindToldEar();
     signal(SIGPIPE, SIG_IGN);
     umask(022);
 }

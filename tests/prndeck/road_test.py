@@ -104,8 +104,10 @@ class Road(unittest.TestCase):
         self.term.end()
         self.start()
         before = self.records()
-        self.assertEqual(self.add("late"), set())
-        self.assertIn("prnqtool: the scheduler isn't running", self.term.output)
+        for line in ("1", "1 late", "5 " + ADDRESS):
+            self.term.line(line, MENU)
+        self.term.line("15", "Press <Return> to continue")
+        self.assertEqual(self.do(("", MENU)), set())
         self.cups.start()
         self.assertEqual((self.records(), set(self.cups.queues())), (before, {"kept"}))
 

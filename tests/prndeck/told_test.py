@@ -1,0 +1,104 @@
+"""What the queue tool refuses reaches the person at the terminal, through the real programs: what is said, that a terminal
+waits for a line behind it and a pipe does not, and what stands afterwards."""
+import os
+import shutil
+import subprocess
+import tempfile
+import unittest
+
+from cups import Scheduler
+from term import Term
+from tooldir import read_records
+
+STAGE = os.path.join(os.environ["PRN_BUILD"], "stage")
+MENU = "Enter a selection or h for help: "
+RETURN = "Press <Return> to continue"
+GONE = "the scheduler isn't running"
+
+# How a new queue is asked for, and what the tool says of it.
+REFUSED = {
+    "a device that is a directory": (["1 new", "4", "6 /tmp"], 'device "/tmp" is a file or directory, no device'),
+    "a name like an option": (["1 -new", "5 localhost"], "option -new is unknown"),
+    "a name that differs by case": (["1 KEPT", "5 localhost"], 'queue name "KEPT" differs from queue "kept" by upper and lower case only'),
+}
+
+
+class Told(unittest.TestCase):
+    def setUp(self):
+        if os.geteuid() != 0:
+            self.skipTest("the menus need root")
+        self.tool = tempfile.mkdtemp(prefix="prntold.", dir="/tmp")
+        self.addCleanup(shutil.rmtree, self.tool)
+        os.chmod(self.tool, 0o755)
+        self.path = os.path.join(self.tool, "deck")
+        shutil.copytree(STAGE, self.path)
+        self.env = dict(os.environ, PRNQ_SPOOL=self.tool + "/spool", LANG="C", TERM="dumb")
+
+    def own_store(self):
+        with open(self.path + "/.pn_cfg", "w") as marker:
+            marker.write(",CUPS,StandAlone,\n")
+        done = subprocess.run([self.path + "/prnqtool", "kept", "-ppd", "tv_c410.ppd", "-pm", "wp", "-hn", "localhost"],
+                              env=self.env, capture_output=True, text=True)
+        self.assertEqual((done.returncode, done.stderr), (0, ""))
+
+    def pipe(self, *lines):
+        """A run with piped input: what it showed. The last line leaves it."""
+        run = subprocess.run([self.path + "/prndeck", "-tty"], cwd=self.path, env=self.env, input="\n".join(lines) + "\n",
+                             capture_output=True, encoding="latin-1", timeout=120)
+        self.assertEqual(run.returncode, 0, run.stdout[-500:])
+        return run.stdout
+
+    def start(self):
+        term = self.enterContext(Term([self.path + "/prndeck", "-tty"], cwd=self.path, env=self.env))
+        term.wait(MENU)
+        return term
+
+    def test_a_pipe_reads_it_and_goes_on(self):
+        self.own_store()
+        before = read_records(self.path + "/db/que.xdb")
+        for what, (lines, said) in REFUSED.items():
+            with self.subTest(what):
+                shown = self.pipe("1", *lines, "15", "6")
+                self.assertEqual(shown.count(said), 1, shown[-600:])
+                self.assertNotIn(RETURN, shown)
+                self.assertEqual(read_records(self.path + "/db/que.xdb"), before)
+
+    def test_a_terminal_waits(self):
+        self.own_store()
+        lines, said = REFUSED["a device that is a directory"]
+        term = self.start()
+        for line in ["1", *lines]:
+            term.line(line, MENU)
+        term.line("15", RETURN)
+        self.assertIn(said, term.output)
+        term.line("", MENU)
+        term.line("6")
+        self.assertEqual(term.end(), 0)
+
+    def test_nothing_is_said_where_nothing_is_refused(self):
+        self.own_store()
+        shown = self.pipe("1", "1 new", "5 localhost", "15", "2", "new", "6 2", "7", "4", "new", "y", "6")
+        self.assertNotIn("prnqtool", shown)
+        self.assertEqual(shown.count(RETURN), 0)
+        self.assertNotIn(b"new", b"".join(key.encode() for key in read_records(self.path + "/db/que.xdb")))
+
+    def test_a_scheduler_that_is_gone(self):
+        if Scheduler.missing():
+            self.skipTest(Scheduler.missing())
+        cups = self.enterContext(Scheduler())
+        self.env = cups.env(PRNQ_SPOOL=self.tool + "/spool", LANG="C", TERM="dumb")
+        self.pipe("1", "1 kept", "5 localhost", "15", "6")
+        cups.stop()
+        shown = self.pipe("2", "3", "4", "kept", "y", "1", "1 late", "5 localhost", "15", "6")
+        first, *rest = shown.split(MENU)
+        self.assertIn("\n" + GONE + "\n", first)  # below the title of the main menu
+        self.assertNotIn("no queues created yet", shown)
+        self.assertNotIn("is not an existing queue", shown)
+        for answer in (rest[0], rest[1], shown):
+            self.assertIn(GONE, answer)
+        cups.start()
+        self.assertEqual(set(cups.queues()), {"kept"})
+
+
+if __name__ == "__main__":
+    unittest.main()
