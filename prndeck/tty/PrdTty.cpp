@@ -7,7 +7,9 @@
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "print/PrdCommonUtils.h"
+#include "print/QueHost.h"
 
+#include <arpa/inet.h>
 #include <cstdio>
 #include <cstring>
 #include <unistd.h>
@@ -50,8 +52,18 @@ int AskQueueTty(int prompt, const char *what, char *name) {
     return 1;
 }
 
+// An IPv6 address needs no look-up, and what stands behind the host is the port.
+static bool IsKnownHost(const char *host) {
+    std::string name, port;
+    if (!SplitQueHost(host, name, port)) return false;
+    struct in6_addr address;
+    if (name.front() == '[')
+        return inet_pton(AF_INET6, name.substr(1, name.size() - 2).c_str(), &address) == 1;
+    return pGethostbyname(name.c_str()) != nullptr;
+}
+
 int TestHostTty(const char *host) {
-    if (pGethostbyname(host)) return 1;
+    if (IsKnownHost(host)) return 1;
     PostMsg("Unknown hostname %s", host);
     return 0;
 }

@@ -199,7 +199,9 @@ int SetupTty(TextMenu *menu, TextMenuItem *) {
 
 // ---- Apply
 
+// The menu may have been open for hours: others make queues as well.
 static int ConfirmName(const char *name) {
+    ReadQueLists();
     if (!pQueList || !FindToken(name, pQueList)) return 1;
     return PromptYN(
         "%s is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "

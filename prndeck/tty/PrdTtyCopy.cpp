@@ -98,7 +98,9 @@ int InitCloneQueMenu(TextMenu *menu) {
 
 // ---- Apply
 
+// The menu may have been open for hours: others make queues as well.
 static int ConfirmCopyName(const char *name) {
+    ReadQueLists();
     if (!pQueList || !FindToken(name, pQueList)) return 1;
     return PromptYN(
         "%s is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "

@@ -37,6 +37,9 @@ class Flows(unittest.TestCase):
                 ("5 localhost\n15\n", "<wp> <-lpd> <-hn> <localhost> <-psqn> <lp> <-fe> <-bp> <-ui>"),
                 ("4\n6 /dev/lp0\n14 2\n15\n", "<wp> <-d> <-lpd> <-dn> </dev/lp0> <-psqn> <lp> <-fe> <-bp> <-ui>"),
                 ("3\n7 127.0.0.1\n8 ps-1_\n9 1\n11 1\n15\n", "<wps> <-lpd> <-hn> <127.0.0.1> <-psqn> <ps-1_> <-fe>"),
+                # A port and an IPv6 address are looked up without what stands beside the host.
+                ("5 localhost:9101\n11 1\n15\n", "<wp> <-lpd> <-hn> <localhost:9101> <-psqn> <lp> <-fe> <-ui>"),
+                ("5 [::1]:515\n11 1\n15\n", "<wp> <-lpd> <-hn> <[::1]:515> <-psqn> <lp> <-fe> <-ui>"),
                 # The values of hidden items still count.
                 ("10\n5 localhost\n15\n", "<wp> <-lpd> <-hn> <localhost> <-psqn> <lp> <-bp> <-ui>"),
                 # A local device stays one while the printing model goes there and back; the model has no banner of
