@@ -155,10 +155,10 @@ std::string CupsReplace(const Queue &queue, const Titles &titles, bool &flTouche
     return RunAdmin(words);
 }
 
-std::string CupsModify(const Queue &queue, const Titles &titles) {
+std::string CupsModify(const Queue &queue, const Titles &titles, bool flPpd) {
     Words words = {"-p", queue.name}, plain = words;
     // The whole PPD file again: a setting that is no longer told goes back to the model's own.
-    if (!access(PpdPath(queue).c_str(), R_OK)) AddPpd(words, queue);
+    if (flPpd && !access(PpdPath(queue).c_str(), R_OK)) AddPpd(words, queue);
     AddBanner(words, queue, titles);
     std::string error = RunAdmin(words);
     if (!IsPpdComplaint(error)) return error;
@@ -179,6 +179,20 @@ std::string CupsDelete(const std::string &name) {
 
 std::string CupsSetDefault(const std::string &name) {
     return RunAdmin({"-d", name});
+}
+
+std::string CupsDefault() {
+    static constexpr std::string_view Lead = "system default destination: ";
+    Ran ran = RunChild({"lpstat", "-d"});
+    std::string_view line(ran.output);
+    if (!Succeeded(ran) || !line.starts_with(Lead)) return "";
+    line.remove_prefix(Lead.size());
+    return std::string(TakeUpTo(line, "\n"));
+}
+
+std::string CupsCancelAll(const std::string &name) {
+    Ran ran = RunChild({"cancel", "-a", name});
+    return Succeeded(ran) ? "" : ComplaintOf(ran);
 }
 
 // No command clears the default, but a default queue that is deleted takes it along.

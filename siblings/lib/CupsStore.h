@@ -28,9 +28,13 @@ std::string CupsAdd(const Queue &queue, const Titles &titles);
 std::string CupsReplace(const Queue &queue, const Titles &titles, bool &flTouched);
 
 // Settings and banner of an existing queue; where it prints stays.
-std::string CupsModify(const Queue &queue, const Titles &titles);
+// The PPD file goes along with flPpd only: it would bring back the model's own for all that was set at the
+// host.
+std::string CupsModify(const Queue &queue, const Titles &titles, bool flPpd);
 std::string CupsSetBanner(const Queue &queue, const Titles &titles);
 
 std::string CupsDelete(const std::string &name);
 std::string CupsSetDefault(const std::string &name);
+std::string CupsDefault(); // the host's default queue, whoever chose it; empty for none
+std::string CupsCancelAll(const std::string &name);
 std::string CupsClearDefault(); // no queue is the default then

@@ -3,6 +3,7 @@
 
 #include "common/Words.h"
 #include "print/BannerText.h"
+#include "print/QueHost.h"
 #include "siblings/lib/Ppd.h"
 
 #include <algorithm>
@@ -53,27 +54,6 @@ bool DiffersByCase(std::string_view left, std::string_view right) {
            });
 }
 
-// HOST, HOST:PORT, an IPv6 address, or [ADDRESS]:PORT; port stays empty where none is told.
-static bool SplitHost(std::string_view host, std::string &name, std::string &port) {
-    size_t colons = static_cast<size_t>(std::count(host.begin(), host.end(), ':'));
-    if (host.starts_with("[")) {
-        size_t end = host.find(']');
-        if (end == host.npos) return false;
-        name = host.substr(0, end + 1);
-        host.remove_prefix(end + 1);
-        if (!host.empty() && host.front() != ':') return false;
-        port = host.empty() ? "" : host.substr(1);
-        return host.empty() || !port.empty();
-    }
-    if (colons > 1) {
-        name = "[" + std::string(host) + "]";
-        return true;
-    }
-    name = host.substr(0, host.find(':'));
-    port = colons ? host.substr(host.find(':') + 1) : "";
-    return !name.empty() && (!colons || !port.empty());
-}
-
 static bool IsPort(const std::string &port) {
     bool flDigits = !port.empty() && port.size() <= 5 && port.find_first_not_of("0123456789") == port.npos;
     return flDigits && atoi(port.c_str()) >= 1 && atoi(port.c_str()) <= PORT_MAX;
@@ -84,7 +64,7 @@ static std::string CheckHost(const std::string &host) {
     if (host.empty()) return "the host name is empty";
     if (host.size() > QUEUE_PRINTER_MAX) return Wrong("host name", host, "has more than 255 characters");
     if (host == "0.0.0.0" || host == "255.255.255.255") return Wrong("host", host, "is no printer's address");
-    if (!SplitHost(host, name, port)) return Wrong("host name", host, "can't be read");
+    if (!SplitQueHost(host, name, port)) return Wrong("host name", host, "can't be read");
     bool flBrackets = name.front() == '[';
     std::string_view inside =
         flBrackets ? std::string_view(name).substr(1, name.size() - 2) : std::string_view(name);
@@ -106,8 +86,10 @@ static std::string CheckDevice(const std::string &device) {
             return Wrong("device", device, "holds a blank");
     if (("/" + device + "/").find("/../") != std::string::npos)
         return Wrong("device", device, "leads through \"..\"");
-    if (!stat(device.c_str(), &status) && (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)))
+    if (stat(device.c_str(), &status)) return "";
+    if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))
         return Wrong("device", device, "is a file or directory, no device");
+    if (S_ISBLK(status.st_mode)) return Wrong("device", device, "is a disk, no printer");
     return "";
 }
 
@@ -154,7 +136,7 @@ Target QueueTarget(const Queue &queue) {
     if (IsDeviceType(queue.type)) return {TARGET_DEVICE, "", "", queue.printer};
     bool flLpd = queue.type == QUEUE_SERVER || (queue.type == QUEUE_PRINTER_HOST && queue.flLpd);
     if (flLpd) target = {TARGET_LPD, "", "", queue.remote};
-    SplitHost(queue.printer, target.host, target.port);
+    SplitQueHost(queue.printer, target.host, target.port);
     if (target.host.starts_with('[')) target.host = target.host.substr(1, target.host.size() - 2);
     return target;
 }

@@ -184,6 +184,19 @@ std::string SpoolStatus(const std::string &directory, std::string_view text) {
 
 // ---- Tickets
 
+std::string SpoolRemoveQueue(const std::string &directory, const std::string &queue) {
+    struct stat status;
+    if (directory.empty() || lstat(directory.c_str(), &status)) return "";
+    std::string error = SpoolOpen(directory, false);
+    if (!error.empty()) return error;
+    for (const SpoolJob &job : SpoolJobs(directory)) {
+        JobTicket ticket;
+        bool flOurs = IsOwnJob(job.name) && ReadTicket(directory + "/" + job.control, ticket);
+        if (flOurs && ticket.queue == queue && error.empty()) error = SpoolRemove(directory, job);
+    }
+    return error;
+}
+
 std::string UserName() {
     const struct passwd *entry = getpwuid(getuid());
     return entry && entry->pw_name && *entry->pw_name ? entry->pw_name

@@ -53,6 +53,9 @@ std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int 
 // Takes the job's files and its line away. Without the files the line counts for nothing, so they go first.
 std::string SpoolRemove(const std::string &directory, const SpoolJob &job);
 
+// Removes the waiting jobs of one queue of the tool's own store; a directory that isn't there has none.
+std::string SpoolRemoveQueue(const std::string &directory, const std::string &queue);
+
 // Removes the data files that programs left which were killed while they copied.
 void SpoolSweep(const std::string &directory);
 

@@ -8,6 +8,7 @@
 #include "siblings/lib/Ppd.h"
 #include "siblings/lib/Queue.h"
 #include "siblings/lib/Records.h"
+#include "siblings/lib/Spool.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -141,7 +142,7 @@ static std::string CheckCase(const std::string &name) {
 static std::string FollowDefault(const std::string &before, const std::string &now, bool flAsked) {
     if ((before == now && !flAsked) || TheHost.state != CUPS_UP) return "";
     if (HostFind(TheHost, now) == PLACE_CUPS) return CupsSetDefault(now);
-    bool flOwned = !before.empty() && HostFind(TheHost, before) == PLACE_CUPS;
+    bool flOwned = !before.empty() && HostFind(TheHost, before) == PLACE_CUPS && CupsDefault() == before;
     return flOwned ? CupsClearDefault() : "";
 }
 
@@ -181,13 +182,25 @@ static void UndoPut(const Put &put) {
     FollowDefault(RecordsDefault(), put.before, false);
 }
 
+// The jobs that wait were meant for what was there before. The queue stands: a job that stays is no reason to
+// refuse.
+static void DropJobs(Place place, const Queue &queue) {
+    std::string error;
+    if (place == PLACE_CUPS) error = CupsCancelAll(queue.name);
+    if (place == PLACE_FILE && IsSound(queue)) error = SpoolRemoveQueue(SpoolDirectory(queue), queue.name);
+    if (!error.empty()) TellUser("warning: jobs of queue \"" + queue.name + "\" still wait: " + error);
+}
+
 static std::string FinishPut(Put &put) {
     std::string error = PrepareChange();
     if (!error.empty()) return error;
     error = PutOnHost(put);
     if (error.empty()) error = FollowDefault(put.before, RecordsDefault(), put.queue.flDefault);
     if (error.empty()) error = CommitChange();
-    if (error.empty()) return "";
+    if (error.empty()) {
+        if (put.flOnHost) DropJobs(put.place, put.place == PLACE_CUPS ? put.queue : put.old);
+        return "";
+    }
     UndoPut(put);
     DropChange();
     return "queue \"" + put.queue.name + "\" " + (put.flOnHost ? "not replaced: " : "not made: ") + error;
@@ -254,13 +267,14 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
     if (place == PLACE_FILE) FileStorePut(queue); // a device's spool directory goes by the user interface
     std::string error = PrepareChange();
     if (!error.empty()) return error;
-    if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner));
+    bool flPpd = queue.flFeatures != old.flFeatures || queue.settings != old.settings;
+    if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner), flPpd);
     bool flModified = error.empty();
     if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
     if (error.empty()) error = CommitChange();
     if (error.empty()) return "";
     if (flModified && place == PLACE_CUPS) {
-        CupsModify(old, TitlesOf(old, banner));
+        CupsModify(old, TitlesOf(old, banner), flPpd);
         FollowDefault(RecordsDefault(), before, false);
     }
     DropChange();
@@ -323,6 +337,15 @@ static void EditDeletion(const std::vector<std::string> &names, const std::vecto
     }
 }
 
+// Of the tool's own store, as they are before their records go.
+static std::vector<Queue> StoredQueues(const std::vector<std::string> &names) {
+    std::vector<Queue> queues;
+    Queue queue;
+    for (const std::string &name : names)
+        if (HostFind(TheHost, name) == PLACE_FILE && RecordsRead(name, queue)) queues.push_back(queue);
+    return queues;
+}
+
 static std::string DeleteQueues(const std::vector<std::string> &names) {
     std::vector<std::string> places;
     bool flFailed = false;
@@ -337,6 +360,7 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
     std::vector<std::string> hosted;
     for (const std::string &name : places)
         if (HostFind(TheHost, name) == PLACE_CUPS) hosted.push_back(name);
+    std::vector<Queue> stored = StoredQueues(places);
     EditDeletion(places, {});
     std::string error = places.empty() ? "" : PrepareChange();
     if (!error.empty()) return error;
@@ -348,6 +372,8 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
         if (error.empty()) error = RecordsPrepare();
     }
     if (error.empty() && !places.empty()) error = CommitChange();
+    if (error.empty())
+        for (const Queue &queue : stored) DropJobs(PLACE_FILE, queue);
     return !error.empty() || (!flFailed && kept.empty()) ? error : "not all queues were removed";
 }
 
@@ -419,7 +445,13 @@ static std::string SetBanner(const Options &options) {
 
 static std::string ListQueues() {
     std::string error = HostOpen(TheHost);
-    for (const std::string &name : HostQueues(TheHost)) printf("%s:\n", name.c_str());
+    for (const std::string &name : HostQueues(TheHost)) {
+        // Readers split the list there: such a name would be that of another queue.
+        if (name.find_first_of(",:") == name.npos)
+            printf("%s:\n", name.c_str());
+        else
+            PutLog("queue \"" + name + "\" left out of the list: its name can't stand there");
+    }
     if (error.empty() && TheHost.state == CUPS_DOWN && !TheHost.flStandAlone) error = TheHost.error;
     return error;
 }

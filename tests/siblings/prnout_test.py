@@ -403,19 +403,20 @@ class OnFile(Scenario, unittest.TestCase):
         self.idle("127.0.0.1:%d" % port)
         self.assertEqual(printer.count, 12)
 
-    def test_jobs_of_a_deleted_queue_are_held(self):
+    def test_jobs_go_with_their_queue(self):
+        """Two queues share a printer's directory; what waits for one goes when it is removed or replaced, not when that is refused."""
         port = free_port()
         here = "127.0.0.1:%d" % port
-        self.queue("q", port)
-        self.queue("q2", port)
-        self.out("-dq", self.tool.path + "/file.txt")
-        self.tool_run("q -x")
-        self.tool.write("other", b"other")
-        printer = self.printer(port=port)
-        self.out("-dq2", self.tool.path + "/other")
-        self.assertEqual(printer.wait(1), [b"other"])
-        self.assertTrue(until(lambda: 'queue "q" does not exist' in self.status(here)), self.status(here))
-        self.assertEqual(len(self.names(here)), 1)
+        for change, left in (("q -x", 1), ("q -ppd tv_b.ppd -pm psp -hn h2", 1), ("q -ppd none.ppd -pm psp -hn h2", 2)):
+            with self.subTest(change):
+                self.queue("q", port)
+                self.queue("q2", port)
+                for queue in ("q", "q2"):
+                    self.out("-d" + queue, self.tool.path + "/file.txt")
+                self.assertEqual(len(self.names(here)), 2)
+                self.tool_run(change, status=1 if "none.ppd" in change else 0)
+                self.assertEqual(len(self.names(here)), left)
+                self.remove("q2", "-")
 
     def test_no_way_out_of_the_spool(self):
         port = free_port()

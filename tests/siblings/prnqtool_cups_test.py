@@ -38,6 +38,48 @@ class OnScheduler(QueueTool, unittest.TestCase):
         return self.enterContext(FakePrinter(self.tool.path + "/got"))
 
 
+class Neighbours(OnScheduler):
+    """What others did at the scheduler, and what the tool leaves of it."""
+
+    def admin(self, *words):
+        done = self.cups.run("lpadmin", *words)
+        self.assertEqual(done.returncode, 0, done.stderr)
+
+    def test_a_change_of_switches_keeps_what_was_set_at_the_host(self):
+        self.tool.write(".settings", "PageSize=A4\n")
+        self.add("q", self.target + " -fe", ppd="tv_b.ppd")
+        self.admin("-p", "q", "-o", "PageSize=Letter")
+        self.tool_run("q -mq -ui -fe -fs .settings")
+        self.assertIn("*DefaultPageSize: Letter", self.cups.ppd("q"))
+        self.tool.write(".settings", "PageSize=A4\nDuplex=None\n")
+        self.tool_run("q -mq -ui -fe -fs .settings")
+        self.assertIn("*DefaultPageSize: A4", self.cups.ppd("q"))
+
+    def test_another_tools_default_stays(self):
+        self.add("q", self.target + " -d")
+        self.admin("-p", "foreign", "-E", "-v", "file:/dev/null")
+        self.admin("-d", "foreign")
+        self.tool_run("q -mq")
+        self.assertEqual(self.cups.default(), "foreign")
+
+    def test_names_that_would_split_the_list(self):
+        for name in ("a,b", "a:b", "a"):
+            self.admin("-p", name, "-E", "-v", "file:/dev/null")
+        self.assertEqual(self.tool_run("-LQ").stdout, "a:\n")
+
+    def test_jobs_go_with_the_printer_they_were_meant_for(self):
+        self.add("q")
+        self.add("other")
+        for queue in ("q", "other"):
+            self.lp(queue)
+        self.add("q", "-pm psp -hn no$name", status=1)
+        self.assertIn("q-1", self.cups.run("lpstat", "-o").stdout)
+        self.add("q", "-pm psp -hn h2")
+        waiting = self.cups.run("lpstat", "-o").stdout
+        self.assertNotIn("q-1", waiting)
+        self.assertIn("other-2", waiting)
+
+
 class Jobs(OnScheduler):
 
     def test_banner_page_and_firmware(self):
