@@ -18,6 +18,8 @@ printer 10.0.0.1 to 10.0.0.2
  1.3.6.1.2.1.2.4.0 gauge 4294967295 rw
  1.3.6.1.2.1.2.4.1 null
  reset 1.3.6.1.2.1.2.1.0 4 factory 6
+ at 1.3.6.1.2.1.2.2 otherid 100
+ at 1.3.6.1.2.1.2.4 error 100 readOnly
  size 700
 )";
 

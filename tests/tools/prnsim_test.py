@@ -65,6 +65,7 @@ FAULTS = [
     ("row", "model a\n table 1.3 1 integer, 2 text rw\n row 1 5\n", ":3: this row has 1 values, its table 2 columns"),
     ("knob", "all\n loss 101\n", ":2: bad value of loss: 101"),
     ("knob without value", "all\n delay\n", ":2: delay wants a value"),
+    ("at", "model a\n at 1.3.2 web on\n", ":2: web can't be had for one identifier"),
     ("nothing to remove", "model a\n remove 1.3.2\n", ":2: there is nothing at or below 1.3.2"),
     ("itself", 'include "bad.fleet"\n', ":1: more than 16 descriptions include each other"),
     ("damaged recording", 'model a\n recording "bad.fleet"\n', ":1: a line of a recording is OID|TYPE|VALUE"),
@@ -177,6 +178,17 @@ class Datagrams(unittest.TestCase):
                 wanted = 60 + draw(7, home, n, 2) * 30 / 1000000 + (300 if draw(7, home, n, 4) < 500000 else 0)
                 self.assertEqual(got[0][0], "10.71.1.40")
                 self.assertGreaterEqual(taken, wanted - 1, n)
+
+    def test_one_identifier_alone(self):
+        own = "  loss 0\n  at 1.3.6.1.2.1.43 error 100 genErr\n  at 1.3.6.1.2.1.43.16 error 0\n  at 1.3.6.1.2.1.1.5 loss 100\n"
+        inherited = "model deaf like tarvo-p210\n  at 1.3.6.1.2.1.1.5.0 loss 100\n  at 1.3.6.1.2.1.1.3.0 otherid 100\nprinter 10.71.1.50 like deaf\n  at 1.3.6.1.2.1.1.5.0 loss 0\n"
+        fates = [("10.71.1.11", NAME, "lost"), ("10.71.1.11", UPTIME, "sent"), ("10.71.1.11", RESET, "sent+error"),
+                 ("10.71.1.11", CONSOLE, "sent"), ("10.71.1.50", NAME, "sent"), ("10.71.1.50", UPTIME, "sent+otherid")]
+        for options, wanted in ((), [fate for *_, fate in fates]), (("-k", "loss 0"), ["sent", *[fate for *_, fate in fates][1:]]):
+            with Simulator(*options, text=HOUSE.replace("like tarvo-p340\n", "like tarvo-p340\n" + own) + inherited) as sim:
+                for address, name, fate in fates:
+                    sim.ask(address, get_message(name), answers=fate != "lost" or bool(options))
+                self.assertEqual([fields[7] for fields in sim.log()], wanted)
 
     def test_web_and_raw(self):
         with Simulator("-k", "loss 0", "-k", "reset-time 1500", text=HOUSE) as sim:

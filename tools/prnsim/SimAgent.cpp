@@ -29,8 +29,26 @@ uint32_t SimAgent::Number(const SimPrinter &printer, SimDraw draw) const {
     return SimDrawNumber(fleet.seed, printer.place->address, printer.requests, draw);
 }
 
+const SimSetting *SimAgent::KnobAt(const SimBlock *block, SimKnob knob) const {
+    if (!block || !flDecoded) return nullptr;
+    for (const SimAtKnob &at : block->at) {
+        if (at.knob != knob) continue;
+        for (size_t i = 0; i < request.count; i++)
+            if (SimIsBelow(request.bindings[i].name, at.top)) return &at.setting;
+    }
+    return nullptr;
+}
+
+const SimSetting &SimAgent::Knob(const SimPrinter &printer, SimKnob knob) const {
+    const SimSetting &whole = printer.Knob(knob);
+    if (whole.flForced) return whole;
+    const SimSetting *at = KnobAt(printer.place->own, knob);
+    if (!at) at = KnobAt(printer.place->model, knob);
+    return at ? *at : whole;
+}
+
 bool SimAgent::Draws(const SimPrinter &printer, SimKnob knob, SimDraw draw, SimAnswer *answer) const {
-    int64_t chance = printer.Knob(knob).first;
+    int64_t chance = Knob(printer, knob).first;
     if (chance == 0 || Number(printer, draw) >= chance) return false;
     answer->hits |= 1u << draw;
     return true;
@@ -87,7 +105,7 @@ void SimAgent::Serve(SimPrinter *printer, SimTime now, SimAnswer *answer) {
     status = SIM_NO_ERROR;
     index = 0;
     if (Draws(*printer, KNOB_ERROR, DRAW_ERROR, answer)) {
-        status = static_cast<int>(printer->Knob(KNOB_ERROR).second);
+        status = static_cast<int>(Knob(*printer, KNOB_ERROR).second);
         index = 1;
     } else if (request.pdu == SIM_SET) {
         Write(printer);
@@ -206,7 +224,7 @@ void SimAgent::Encode(const SimPrinter &printer, SimTime now, int32_t id) {
 void SimAgent::Spoil(const SimPrinter &printer, SimAnswer *answer) {
     if (Draws(printer, KNOB_LONG, DRAW_LONG, answer)) {
         spoilt = answer->bytes;
-        spoilt.resize(std::max(spoilt.size(), static_cast<size_t>(printer.Knob(KNOB_LONG).second)));
+        spoilt.resize(std::max(spoilt.size(), static_cast<size_t>(Knob(printer, KNOB_LONG).second)));
         answer->bytes = spoilt;
     }
     if (Draws(printer, KNOB_TRUNCATE, DRAW_TRUNCATE, answer))
@@ -220,11 +238,11 @@ void SimAgent::Spoil(const SimPrinter &printer, SimAnswer *answer) {
 }
 
 SimTime SimAgent::Delay(const SimPrinter &printer, SimAnswer *answer) const {
-    const SimSetting &knob = printer.Knob(KNOB_DELAY);
+    const SimSetting &knob = Knob(printer, KNOB_DELAY);
     SimTime delay = knob.first;
     if (knob.second > knob.first) delay += Number(printer, DRAW_DELAY) * (knob.second - knob.first) / 1000000;
     if (delay > 0) answer->hits |= 1u << DRAW_DELAY;
-    if (Draws(printer, KNOB_REORDER, DRAW_REORDER, answer)) delay += printer.Knob(KNOB_REORDER).second;
+    if (Draws(printer, KNOB_REORDER, DRAW_REORDER, answer)) delay += Knob(printer, KNOB_REORDER).second;
     return delay;
 }
 

@@ -72,6 +72,9 @@ public:
     static const SimValue *Look(const SimPrinter &printer, SimOidView name);
 
 private:
+    // The setting that holds for the request: that of an identifier in it before the printer's.
+    const SimSetting &Knob(const SimPrinter &printer, SimKnob knob) const;
+    const SimSetting *KnobAt(const SimBlock *block, SimKnob knob) const;
     bool Draws(const SimPrinter &printer, SimKnob knob, SimDraw draw, SimAnswer *answer) const;
     uint32_t Number(const SimPrinter &printer, SimDraw draw) const;
     SimFate Judge(const SimPrinter &printer, bool flGone, bool flBroadcast, SimAnswer *answer);

@@ -14,7 +14,8 @@
 #include <memory>
 #include <stdexcept>
 
-// ORDER SimKnob: the rows of the table in SimKnobs.cpp
+// ORDER SimKnob: the rows of the table in SimKnobs.cpp. Those up to KNOB_OTHERID, but foreign, can
+// stand behind `at`.
 enum SimKnob {
     KNOB_LOSS,
     KNOB_DELAY,
@@ -44,6 +45,7 @@ enum { DIES_NEVER = -1, DIES_BROADCAST = -2 }; // else the number of requests th
 // Units: chances in millionths, times in microseconds. Which field holds what stands in the table of knobs.
 struct SimSetting {
     bool flSet = false;
+    bool flForced = false; // by the command line: what the description says of single identifiers is void
     int64_t first = 0, second = 0;
     std::string text;
     std::vector<std::string> words;
@@ -52,9 +54,17 @@ struct SimSetting {
 };
 using SimKnobs = std::array<SimSetting, KNOB_COUNT>;
 
+// A knob for requests that name something at or below an identifier.
+struct SimAtKnob {
+    SimOid top;
+    SimKnob knob;
+    SimSetting setting;
+};
+
 struct SimBlock {
     std::vector<SimEntry> entries; // ascending by name, each name once
     SimKnobs knobs;                // of a printer's block: those in force; of a model's: those that were said
+    std::vector<SimAtKnob> at;     // the first that fits counts; a model's behind the printer's own
 };
 
 struct SimSubnet {
@@ -89,6 +99,11 @@ struct SimReadOptions {
 
 // Reads the files one behind the other as one description. Throws SimFault.
 std::unique_ptr<SimFleet> SimReadFleet(const std::vector<std::string> &files, const SimReadOptions &options);
+
+// True for an identifier at or below another one.
+inline bool SimIsBelow(SimOidView name, SimOidView top) {
+    return name.substr(0, top.size()) == top;
+}
 
 // The value that a printer has of this name by description, null if none; and the first name behind it.
 const SimEntry *SimFind(const SimPlaceOfPrinter &printer, SimOidView name);

@@ -132,15 +132,11 @@ struct KnobReader {
     }
 };
 
-static int FindKnob(const std::string &word) {
+int SimFindKnob(const std::string &word) {
     for (int i = 0; i < KNOB_COUNT; i++) {
         if (Rows[i].word == word) return i;
     }
     return -1;
-}
-
-bool SimIsKnob(const std::string &word) {
-    return FindKnob(word) >= 0;
 }
 
 static SimSetting DefaultSetting(int knob) {
@@ -151,7 +147,7 @@ static SimSetting DefaultSetting(int knob) {
 }
 
 std::string SimReadKnob(const std::vector<SimWord> &words, const SimResolver &resolver, SimKnobs *knobs) {
-    int knob = FindKnob(words[0].text);
+    int knob = SimFindKnob(words[0].text);
     if (knob < 0) return "no such knob: " + words[0].text;
     SimSetting setting = DefaultSetting(knob);
     KnobReader reader = {Rows[knob], words, resolver, &setting};

@@ -12,7 +12,7 @@ struct SimResolver {
     std::function<bool(const std::string &text, uint32_t *address)> address;
 };
 
-bool SimIsKnob(const std::string &word);
+int SimFindKnob(const std::string &word); // a SimKnob, -1 for another word
 // The words of the line, the knob's first, into its setting; returns what is wrong, or an empty text.
 std::string SimReadKnob(const std::vector<SimWord> &words, const SimResolver &resolver, SimKnobs *knobs);
 // What holds where nothing is said.

@@ -31,10 +31,6 @@ static constexpr TypeRow Types[] = {
     {.word = "null", .code = "5", .tag = SIM_NULL},
 };
 
-static bool IsBelow(SimOidView name, SimOidView top) {
-    return name.substr(0, top.size()) == top;
-}
-
 class FleetReader {
 public:
     FleetReader(SimFleet *into, const SimReadOptions &how) : fleet(into), options(how) {}
@@ -78,6 +74,7 @@ private:
     void Table(const Words &words);
     void Row(const Words &words);
     void Recording(const Words &words);
+    void At(const Words &words);
 
     void ValueLine(const Words &words);
     const TypeRow &Type(const SimWord &word) const;
@@ -135,6 +132,7 @@ const FleetReader::Statement FleetReader::Statements[] = {
     {"table", FOR_VALUES, 4, SIZE_MAX, &FleetReader::Table, "table OID COLUMN TYPE [rw ...], ..."},
     {"row", FOR_VALUES, 3, SIZE_MAX, &FleetReader::Row, "row INDEX VALUE ..."},
     {"recording", FOR_VALUES, 2, 2, &FleetReader::Recording, "recording \"FILE\""},
+    {"at", FOR_VALUES, 4, SIZE_MAX, &FleetReader::At, "at OID KNOB VALUE"},
 };
 
 // --- lines ---
@@ -168,7 +166,7 @@ void FleetReader::ReadLine(std::string_view text) {
     for (const Statement &statement : Statements) {
         if (statement.word == words[0].text) return RunStatement(statement, words);
     }
-    if (SimIsKnob(words[0].text)) return ReadKnobLine(words);
+    if (SimFindKnob(words[0].text) >= 0) return ReadKnobLine(words);
     ValueLine(words);
 }
 
@@ -185,6 +183,22 @@ void FleetReader::ReadKnobLine(const Words &words) {
     if (place == AT_TOP) Fail(words[0].text + " belongs into a block: all, model or printer");
     SimKnobs *knobs = place == IN_ALL ? &all : &block->knobs;
     if (std::string fault = SimReadKnob(words, Resolver(), knobs); !fault.empty()) Fail(fault);
+}
+
+// A line of the block stands in front of those that the block began with, and in the place of one for the
+// same.
+void FleetReader::At(const Words &words) {
+    SimAtKnob at = {OidOf(words[1]), KNOB_COUNT, {}};
+    int knob = SimFindKnob(words[2].text);
+    if (knob < 0 || knob > KNOB_OTHERID || knob == KNOB_FOREIGN)
+        Fail(words[2].text + " can't be had for one identifier");
+    SimKnobs knobs = {};
+    std::string fault = SimReadKnob({words.begin() + 2, words.end()}, Resolver(), &knobs);
+    if (!fault.empty()) Fail(fault);
+    at.knob = static_cast<SimKnob>(knob);
+    at.setting = std::move(knobs[at.knob]);
+    std::erase_if(block->at, [&](const auto &old) { return old.knob == at.knob && old.top == at.top; });
+    block->at.insert(block->at.begin(), std::move(at));
 }
 
 // --- statements of the file ---
@@ -211,7 +225,7 @@ void FleetReader::Name(const Words &words) {
     for (const Statement &statement : Statements) {
         if (statement.word == word) Fail(word + " is a statement");
     }
-    if (SimIsKnob(word)) Fail(word + " is a knob");
+    if (SimFindKnob(word) >= 0) Fail(word + " is a knob");
     if (!IsName(word)) Fail("a name has letters, digits, _ and -, and begins with a letter: " + word);
     SimOid oid = OidOf(words[2]);
     if (auto [at, flNew] = names.emplace(word, oid); !flNew && at->second != oid)
@@ -268,6 +282,7 @@ void FleetReader::Model(const Words &words) {
     block = &at->second;
     if (!other) return;
     block->knobs = other->knobs;
+    block->at = other->at;
     for (const SimEntry &inherited : other->entries)
         draft.emplace_hint(draft.end(), inherited.name, inherited);
 }
@@ -447,13 +462,13 @@ void FleetReader::Traits(const Words &words, size_t at, size_t end, SimValue *va
 void FleetReader::Remove(const Words &words) {
     SimOid top = OidOf(words[1]);
     bool flFound = false;
-    for (auto at = draft.lower_bound(top); at != draft.end() && IsBelow(at->first, top);) {
+    for (auto at = draft.lower_bound(top); at != draft.end() && SimIsBelow(at->first, top);) {
         flFound = flFound || !at->second.flRemoved;
         said.erase(at->first);
         at = draft.erase(at);
     }
     for (const SimEntry &inherited : base ? base->entries : std::vector<SimEntry>()) {
-        if (!IsBelow(inherited.name, top)) continue;
+        if (!SimIsBelow(inherited.name, top)) continue;
         draft[inherited.name] = {inherited.name, {}, true};
         flFound = true;
     }
@@ -464,9 +479,9 @@ void FleetReader::Writable(const Words &words) {
     SimOid top = OidOf(words[1]);
     bool flFound = false;
     for (const SimEntry &inherited : base ? base->entries : std::vector<SimEntry>()) {
-        if (IsBelow(inherited.name, top)) draft.emplace(inherited.name, inherited);
+        if (SimIsBelow(inherited.name, top)) draft.emplace(inherited.name, inherited);
     }
-    for (auto at = draft.lower_bound(top); at != draft.end() && IsBelow(at->first, top); ++at) {
+    for (auto at = draft.lower_bound(top); at != draft.end() && SimIsBelow(at->first, top); ++at) {
         if (at->second.flRemoved || at->second.value.flUptime) continue;
         Traits(words, 1, words.size(), &at->second.value);
         flFound = true;
@@ -562,6 +577,7 @@ void FleetReader::Force(const SimBlock *model, const SimKnobs &forced, SimBlock 
     for (size_t i = 0; i < KNOB_COUNT; i++) {
         if (forced[i].flSet) {
             own->knobs[i] = forced[i];
+            own->knobs[i].flForced = true;
         } else if (!own->knobs[i].flSet) {
             bool flModel = model && model->knobs[i].flSet;
             own->knobs[i] = flModel ? model->knobs[i] : all[i].flSet ? all[i] : SimDefaultKnobs()[i];
