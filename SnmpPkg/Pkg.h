@@ -14,9 +14,10 @@
 //
 // What came in is judged by Status of each variable, not by a result. Answers are matched to variables by the
 // name that they carry and by nothing else: neither the sender nor the request id is compared, so a late
-// answer still fills its variable. A package is valid after PKG_INIT only and must not be copied: its
-// pointers point into it. One exchange at a time; a callback must not start another one that uses the
-// discovered set.
+// answer still fills its variable. It also takes the receive of another one; so behind the last variable at
+// most as many more are received, until each has been answered or Timeout seconds are silent. A package is
+// valid after PKG_INIT only and must not be copied: its pointers point into it. One exchange at a time; a
+// callback must not start another one that uses the discovered set.
 #pragma once
 
 #include "SnmpPkg/Packet.h"
@@ -204,7 +205,8 @@ void DecodeVariables(PkgPacket *packet, SnmpPackage *package, uint32_t version);
 // Prolog and first binding; true if both could be read. Owns: as PkgDecodePacketProlog.
 bool DecodeVariable(PkgPacket *packet, SnmpPackage *package, PkgProlog *prolog);
 
-// Asks the host in Address for one variable after the other, then calls back if the filter passes.
+// Asks the host in Address for one variable after the other, receives what other answers left behind, then
+// calls back if the filter passes.
 void GetVariables(SnmpPackage *package, int timeout, const char *filter);
 // Walks a table row by row, calling back for each row whose first column came, and stops at the first that
 // has none, after PKG_TABLE_ROWS, or when a name has no room to grow. The names are those of the set-up again

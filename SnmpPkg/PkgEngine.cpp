@@ -33,29 +33,82 @@ static bool EncodeRequest(const SnmpPackage *package, PkgPacket *packet, int num
            PkgEncodePacketProlog(packet, package->Community, number + 1, package->Pdu);
 }
 
-// Whatever came counts as the answer that was waited for; only its names say what it fills.
-static void DecodeAnswer(SnmpPackage *package, PkgPacket *packet) {
+// What is still to come while a host is asked.
+struct PkgAsked {
+    uint64_t Open = 0; // 1 << number of each variable that was asked for and has no answer yet
+    int Others = 0;    // receives that a datagram naming another variable than the one waited for used up
+};
+static_assert(PKG_VARS <= 64);
+
+static uint64_t OpenBit(int number) {
+    return uint64_t{1} << number;
+}
+
+// The name of the first binding at Pos; false if there is none.
+static bool ReadFirstName(PkgPacket *packet, char *name, int capacity) {
+    PkgHeader list, binding, object;
+    return PkgDecodeHeader(packet, &list) && PkgDecodeHeader(packet, &binding) &&
+           PkgDecodeObjectId(packet, &object, name, capacity);
+}
+
+// An answer to the variable waited for settles that one. Any other one that it names is settled as well, but
+// the answer waited for is still under way then.
+static void NoteAnswer(const SnmpPackage *package, PkgAsked *asked, int awaited, const char *name) {
+    if (package->Pdu == PDU_GETNEXT) return; // an answer never carries the name that was asked
+    if (awaited >= 0 && strcmp(package->Vars[awaited].Name, name) == 0) {
+        asked->Open &= ~OpenBit(awaited);
+        return;
+    }
+    asked->Others++;
+    for (int i = 0; i < package->NumVars; i++)
+        if (strcmp(package->Vars[i].Name, name) == 0) asked->Open &= ~OpenBit(i);
+}
+
+// Whatever came counts as the answer that was waited for; only its names say what it fills. One with an error
+// fills nothing, but it is the answer to the name that it carries.
+static void DecodeAnswer(SnmpPackage *package, PkgPacket *packet, PkgAsked *asked, int awaited) {
     PkgProlog prolog;
     PkgPrologText text;
+    char name[PKG_OID_TEXT_SIZE];
     LogPacket(package, packet, "Receive Packet");
-    if (PkgReadProlog(packet, &prolog, &text)) DecodeVariables(packet, package, prolog.Version);
+    bool sound = PkgReadProlog(packet, &prolog, &text);
+    if (!sound && prolog.ErrorStatus == 0 && prolog.ErrorIndex == 0) return;
+    int bindings = packet->Pos;
+    if (ReadFirstName(packet, name, sizeof name)) NoteAnswer(package, asked, awaited, name);
+    packet->Pos = bindings;
+    if (sound) DecodeVariables(packet, package, prolog.Version);
+}
+
+static int ReceiveAnswer(SnmpPackage *package, int timeout, PkgSource *source, PkgAsked *asked, int awaited) {
+    PkgPacket packet;
+    int code = UdpReceivePacket(package, source, &packet, timeout);
+    if (code == SUCCESS) DecodeAnswer(package, &packet, asked, awaited);
+    return code;
+}
+
+// One late answer that took the receive of another variable leaves that one's answer to the next receive, and
+// so on, up to the next host, which would be given its neighbour's values. So as many more are received as
+// were taken, until nothing is open or nothing comes.
+static void ReceiveOthers(SnmpPackage *package, int timeout, PkgSource *source, PkgAsked *asked) {
+    for (int left = asked->Others; left > 0 && asked->Open != 0; left--)
+        if (ReceiveAnswer(package, timeout, source, asked, -1) == SEND_ERR_TIMED_OUT) return;
 }
 
 // One attempt for each variable, one binding a packet, so that a host that knows a part of the list gives
 // that part.
 static void AskVariables(SnmpPackage *package, int timeout, PkgSource *source) {
     PkgPacket packet;
+    PkgAsked asked;
     *source = {};
     InitRecVars(package);
     for (int i = 0; i < package->NumVars; i++) {
         if (!EncodeRequest(package, &packet, i)) continue;
         if (UdpSendPacket(package, nullptr, &packet) != SUCCESS) continue;
-        int code = UdpReceivePacket(package, source, &packet, timeout);
-        if (code == SUCCESS)
-            DecodeAnswer(package, &packet);
-        else
-            package->Vars[i].Status = code;
+        asked.Open |= OpenBit(i);
+        int code = ReceiveAnswer(package, timeout, source, &asked, i);
+        if (code != SUCCESS) package->Vars[i].Status = code;
     }
+    ReceiveOthers(package, timeout, source, &asked);
 }
 
 static void CallBack(SnmpPackage *package, const char *filter, PkgSource *source) {

@@ -2,6 +2,9 @@
 
 The floor is one second of silence and every question as a bare round trip in the same run.  Behind it stands what the snmp
 backend of CUPS takes on the same network, once, with its own port tests; PRN_CUPS_SNMP names another one than the host's.
+
+Behind these, 250 printers on a bad network, refreshed a few times over: who is found, beside what the model of the tests says,
+and how many have values of another printer.
 """
 import os
 import statistics
@@ -12,8 +15,11 @@ import time
 from pathlib import Path
 
 BUILD = Path(os.environ["PRN_BUILD"])
-sys.path.insert(0, str(Path(__file__).resolve().parent.parent / "tests/lib"))
+TESTS = Path(__file__).resolve().parent.parent / "tests"
+sys.path[:0] = [str(TESTS / "lib"), str(TESTS / "SnmpPkg")]
 import netns  # noqa: E402
+from discovery_test import Exchange, Printer, VALUES, shown  # noqa: E402
+from prnsim import SIMULATOR  # noqa: E402
 from snmpask import FILTER, VARIABLES, ask  # noqa: E402
 
 MODELS = Path(__file__).resolve().parent.parent / "tools/prnsim/tarvo.fleet"
@@ -26,6 +32,13 @@ pace 0
 printer {subnet[2]} to {last} like tarvo-p210
   raw on
 """
+
+
+BAD = (  # name, refreshes, seconds that an answer is waited for, knobs of all, of one among them
+    ("one answer late", 3, 3, ["delay 5 30"], [f"at {VARIABLES[3]} delay 3500"]),
+    ("2 % loss", 3, 1, ["loss 2"], []),
+)
+ADDRESS = "02 50 72 {:02x} {:02x} {:02x}"  # the hardware address of one printer
 
 
 def timed(argv, **kwargs):
@@ -53,6 +66,45 @@ def cups(subnet, scratch):
     return f"{took:.2f} s, {out.count('network ')} found"
 
 
+def bad_fleet(subnet, knobs, one):
+    """The text of a description, and its model."""
+    text, printers = [f"subnet {subnet}", "pace 0"], {}
+    for n in range(2, 252):
+        address = str(subnet[n])
+        values = dict(zip(VARIABLES, VALUES))
+        values[VARIABLES[1]] = f'text "{address}"'
+        values[VARIABLES[4]] = f'hex "{ADDRESS.format(*subnet[n].packed[1:])}"'
+        own = [*knobs, *(one if n == 100 else ())]
+        text += [f"printer {address}", *own, *(f"{name} {value}" for name, value in values.items())]
+        printers[address] = Printer(address, n, values, own, 1)
+    return "\n".join(text) + "\n", printers
+
+
+def wrong(hosts):
+    """Those that have the name or the hardware address of another one."""
+    own = ((address, {VARIABLES[1]: address, VARIABLES[4]: shown("Hex-STRING", ADDRESS.format(*map(int, address.split(".")[1:])))}, read)
+           for address, read in hosts)
+    return sum(any(status == 0 and text != values.get(name, text) for name, status, _, text in read) for _, values, read in own)
+
+
+def bad_network(net, subnet, name, runs, wait, knobs, one):
+    text, printers = bad_fleet(subnet, knobs, one)
+    model = Exchange(printers, [subnet], wait)
+    lists, rows = set(), []
+    with tempfile.NamedTemporaryFile("w", suffix=".fleet") as fleet:
+        fleet.write(text)
+        fleet.flush()
+        with net.simulate(SIMULATOR, fleet.name):
+            for _ in range(runs):
+                start = time.perf_counter()
+                hosts, _ = ask("-t", str(wait), "-f", FILTER, "find", f"{subnet.network_address} {subnet.netmask}", *VARIABLES)
+                rows.append((time.perf_counter() - start, len(hosts), len(model.run()[0]), wrong(hosts)))
+                lists.add(tuple(host for host, _ in hosts))
+    for took, found, wanted, others in rows:
+        print(f"  250 printers, {name:<19}{took:>7.1f} s {found:>5} found, model {wanted}, {others} with a neighbour's values")
+    print(f"  250 printers, {name:<19}{len(lists)} different lists in {runs} refreshes")
+
+
 def main():
     reason = netns.enter()
     if reason:
@@ -72,6 +124,8 @@ def main():
         ours, least = (statistics.median(run[i] for run in runs) for i in (0, 2))
         worst = max(took / bare for took, _, bare in runs)
         print(f"{count:>6} printers{'':<9}{ours:>9.3f}{least:>9.3f}{ours / least:>7.3f}{worst:>7.3f}{whole:>6} of {RUNS:<3}   {theirs}")
+    for row in BAD:
+        bad_network(net, net.subnets[0], *row)
 
 
 main()

@@ -83,6 +83,74 @@ TEST(Engine, WhatAHostDoesNotAnswer) {
     EXPECT_EQ(agent.Count(), 6); // one attempt each
 }
 
+// What comes for host 3 ahead of its own answers when a host before it is late, and the seconds that go by.
+TEST(Engine, AnswersThatComeForAnotherVariable) {
+    static const std::string Nothing = BerElement(5, ""), Late = BerElement(0x04, "late");
+    struct Case {
+        const char *what;
+        std::vector<std::string> ahead; // of the answer to the first variable
+        const char *silent, *refused;   // names without an answer, and with an error
+        int pdu;
+        const char *want;
+        int seconds;
+    } cases[] = {
+        {"own answers win",
+         {BerResponse(2, BerBinding(Location, Late))},
+         "",
+         "",
+         PDU_GET,
+         "3/5.0 3/6.0 3/4.0",
+         0},
+        {"two in front",
+         {BerResponse(3, BerBinding(Contact, Late)), BerResponse(2, BerBinding(Location, Nothing), 5, 1)},
+         "",
+         "",
+         PDU_GET,
+         "3/5.0 3/6.0 3/4.0",
+         0},
+        {"a stranger",
+         {BerResponse(2, BerBinding("1.3.6.1.9", Late))},
+         "",
+         "",
+         PDU_SET,
+         "3/5.0 3/6.0 3/4.0",
+         0},
+        {"one wait for what is missing",
+         {BerResponse(2, BerBinding(Location, Late)), BerResponse(3, BerBinding(Contact, Late))},
+         Location,
+         "",
+         PDU_GET,
+         "3/5.0 late 3/4.0",
+         1},
+        {"the error is the answer", {}, "", Location, PDU_GET, "3/5.0 - 3/4.0", 0},
+        {"silence alone is not waited for again", {}, Name, "", PDU_GET, "- 3/6.0 3/4.0", 1},
+        {"junk names nothing", {"junk", BerResponse(1, "")}, "", "", PDU_GET, "3/5.0 3/6.0 -", 0},
+        {"the next one has another name",
+         {BerResponse(1, BerBinding(Location, Late))},
+         "",
+         "",
+         PDU_GETNEXT,
+         "3/5.0 3/6.0 -",
+         0},
+    };
+    for (const Case &c : cases) {
+        SnmpAgent agent([&c](SnmpAgent &from, const AgentRequest &request) {
+            if (request.name == Name)
+                for (const std::string &bytes : c.ahead) from.Send(request, bytes, "127.0.0.2");
+            if (request.name == c.refused)
+                from.Send(request, BerResponse(request.id, BerBinding(request.name, Nothing), 2, 1));
+            else if (request.name != c.silent)
+                AnswerName(from, request);
+        });
+        Prepare(agent);
+        int64_t start = UdpMilliseconds();
+        EXPECT_EQ(Send(PKG_MODE_GET, c.pdu, "127.0.0.3"), SUCCESS);
+        EXPECT_EQ((UdpMilliseconds() - start) / 1000, c.seconds) << c.what;
+        EXPECT_EQ(Called.substr(Called.find(' ') + 1), c.want + std::string("\n")) << c.what;
+        EXPECT_LE(agent.Count(), 3) << c.what; // one attempt each; the last may be unread yet
+    }
+}
+
 // Rows 9 to 11 of two columns, the second with a hole; then an agent without an end.
 TEST(Engine, Tables) {
     int rows = 11;

@@ -122,22 +122,32 @@ class Printer:
 
     def __init__(self, address, number, values, knobs, seed):
         self.address, self.number, self.values, self.seed, self.asked = address, number, values, seed, 0
-        self.knobs = {line.split()[0]: line.split()[1:] for line in knobs}
+        self.knobs = {}  # (identifier or "", knob): values
+        for line in knobs:
+            top, *words = line.split()[1:] if line.startswith("at ") else ("", *line.split())
+            self.knobs[top, words[0]] = words[1:]
 
-    def hit(self, knob):
-        return knob in self.knobs and draw(self.seed, self.address, self.asked, KINDS[knob]) < float(self.knobs[knob][0]) * 10000
+    def knob(self, knob, name, default=None):
+        return self.knobs.get((name, knob), self.knobs.get(("", knob), default))
+
+    def hit(self, knob, name):
+        words = self.knob(knob, name)
+        return words and draw(self.seed, self.address, self.asked, KINDS[knob]) < float(words[0]) * 10000
 
     def answers(self, name, broadcast=False):
-        """[(seconds until it comes, sender, name or "" if it fills nothing or None if it is too long)]"""
+        """[(seconds until it comes, sender, the variable that it names or "" or None if it is too long, does it fill it)]"""
         self.asked += 1
-        dies = self.knobs.get("dies", ["never"])[0]
-        if self.hit("loss") or dies == "broadcast" and not broadcast or dies.isdigit() and self.asked > int(dies):
+        dies = self.knob("dies", name, ["never"])[0]
+        if self.hit("loss", name) or dies == "broadcast" and not broadcast or dies.isdigit() and self.asked > int(dies):
             return []
-        wait = float(self.knobs.get("delay", ["0"])[0]) + (float(self.knobs["reorder"][1]) if self.hit("reorder") else 0)
-        sender = self.knobs["foreign"][1] if self.hit("foreign") else self.address
-        damaged = self.hit("garbage") or self.hit("truncate") or self.hit("error") or name not in self.values
-        what = None if self.hit("long") else "" if damaged else name
-        return [(wait / 1000, sender, what)] * (2 if self.hit("duplicate") else 1)
+        low, *high = map(float, self.knob("delay", name, ["0"]))
+        wait = low + (draw(self.seed, self.address, self.asked, KINDS["delay"]) * (high[0] - low) / 1000000 if high else 0)
+        wait += float(self.knob("reorder", name)[1]) if self.hit("reorder", name) else 0
+        sender = self.knob("foreign", name)[1] if self.hit("foreign", name) else self.address
+        unread = self.hit("garbage", name) or self.hit("truncate", name)
+        what = None if self.hit("long", name) else "" if unread else name
+        fills = name in self.values and not self.hit("error", name)
+        return [(wait / 1000, sender, what, fills)] * (2 if self.hit("duplicate", name) else 1)
 
     def value(self, name):
         kind, text = self.values[name].split(" ", 1) if " " in self.values[name] else (self.values[name], "")
@@ -152,32 +162,46 @@ class Exchange:
         self.printers, self.subnets, self.timeout, self.now, self.queue, self.sent = printers, subnets, timeout, 0, [], 0
 
     def send(self, address, name, broadcast=False):
-        for wait, sender, what in self.printers[address].answers(name, broadcast) if address in self.printers else ():
+        for wait, sender, *what in self.printers[address].answers(name, broadcast) if address in self.printers else ():
             self.sent += 1
-            heapq.heappush(self.queue, (self.now + wait, self.sent, sender, what, address))
+            heapq.heappush(self.queue, (self.now + wait, self.sent, sender, *what, address))
 
     def receive(self, limit):
+        """(sender, variable named, filled, printer) of the next datagram, None after a silence."""
         if self.queue and abs(self.queue[0][0] - self.now - limit) < 0.1:
             raise AssertionError("an answer comes when the wait ends: the case is none")
         if not self.queue or self.queue[0][0] > self.now + limit:
             self.now += limit
             return None
-        came, _, sender, what, address = heapq.heappop(self.queue)
+        came, _, *got = heapq.heappop(self.queue)
         self.now = max(self.now, came)
-        return sender, what, address
+        return got
 
     def read(self, address):
         variables = {name: [15, 0, "_" * 14] for name in VARIABLES}
-        source = "-"
-        for name in VARIABLES:
-            self.send(address, name)
+        source, others, unanswered = "-", 0, set()
+
+        def take(awaited):
+            nonlocal source, others
             got = self.receive(self.timeout)
             if got is None or got[1] is None:
-                variables[name][0] = 6 if got is None else 13
-                continue
-            source = got[0]
-            if got[1]:
-                variables[got[1]] = [0, *self.printers[got[2]].value(got[1])]
+                if awaited:
+                    variables[awaited][0] = 6 if got is None else 13
+                return got is not None
+            source, name, fills, printer = got
+            others += name not in ("", awaited)
+            unanswered.discard(name)
+            if name and fills:
+                variables[name] = [0, *self.printers[printer].value(name)]
+            return True
+
+        for name in VARIABLES:
+            self.send(address, name)
+            unanswered.add(name)
+            take(name)
+        left = others
+        while left and unanswered and take(None):
+            left -= 1
         return source, [(name, *variables[name]) for name in VARIABLES]
 
     def run(self):
@@ -196,17 +220,17 @@ class Exchange:
 
 
 class Case:
-    """Ten printers on each of two subnets with these knobs, and more: (host, number of a value, what stands there, knobs);
+    """Printers on each of two subnets with these knobs, and more: (host, number of a value, what stands there, knobs);
     host 3 is on the first subnet, 1003 on the second."""
 
     made = 0
 
-    def __init__(self, name, knobs=(), more=(), seed=1):
+    def __init__(self, name, knobs=(), more=(), seed=1, hosts=10):
         self.name, self.seed = name, seed
         self.subnets = [ipaddress.ip_network(f"10.71.{2 * Case.made + n}.0/24") for n in (1, 2)]
         Case.made += 1
         whole = dict(zip(VARIABLES, VALUES))
-        self.runs = [(self.subnets[1][5], 10, whole, list(knobs)), (self.subnets[0][95], 10, whole, list(knobs))]
+        self.runs = [(self.subnets[1][5], hosts, whole, list(knobs)), (self.subnets[0][95], hosts, whole, list(knobs))]
         for host, number, value, own in more:
             values = {name: text for name, text in whole.items() if name != VARIABLES[number]}
             if value:
@@ -245,6 +269,8 @@ CASES = [
     Case("late, and gone after the broadcast", more=[(9, 1, 'text "gone"', ["dies broadcast"]),
                                                      (3, 1, 'text "slow"', ["reorder 50 1400"]),
                                                      (1099, 1, 'text "going"', ["dies 5"])], seed=4),
+    Case("one variable late, among many hosts", ["delay 5 30"], seed=1, hosts=60,
+         more=[(3, 1, 'text "late"', [f"at {VARIABLES[3]} delay 1500"])]),
 ]
 
 
