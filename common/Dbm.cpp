@@ -9,7 +9,10 @@
 
 #include <algorithm>
 #include <cctype>
+#include <cerrno>
 #include <cstring>
+#include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -93,46 +96,12 @@ FILE *OpenDataBase(const char *name, const char *extension, const char *mode, in
     return nullptr;
 }
 
-// The directory of the path can take a new file, or the nearest one above it that exists a new directory.
-static bool DirectoryWritable(const std::string &path) {
-    std::string wanted = StripFn(path.c_str());
-    int flWhole = 0;
-    char *directory = FindExistingPath(wanted.c_str(), &flWhole);
-    bool flWritable = directory && access(directory, W_OK) == 0;
-    PutMem(directory);
-    return flWritable && (flWhole || GetFileType(wanted.c_str()) == TYPE_MISSING);
-}
+// ---- The lock of a database
 
-// A temporary file that a killed process left is simply written again. One that is no plain file of our own,
-// a link above all, goes first: touch, chmod and the opening would follow it. False if it stays.
-static bool DropForeignFile(const std::string &path) {
-    struct stat info;
-    if (lstat(path.c_str(), &info) != 0) return true;
-    if (S_ISREG(info.st_mode) && info.st_nlink == 1 && info.st_uid == geteuid()) return true;
-    return unlink(path.c_str()) == 0; // no command: one that fails, on a directory, would end the process
-}
+static DbmLock *pHeldLock; // the outermost one; writer: DbmLock
 
-FILE *OpenNewDataBase(const char *name) {
-    if (!name) return nullptr;
-    std::string path = DbmPath(name, "xdb_new");
-    FILE *out = nullptr;
-    // Asked first: a touch that fails would end the process.
-    if (DirectoryWritable(path) && DropForeignFile(path)) {
-        std::string directory = StripFn(path.c_str());
-        std::string file = StripPath(path.c_str());
-        CreateFile(directory.c_str(), file.c_str(), "666", nullptr, nullptr);
-        out = OpenDataBase(name, "xdb_new", "wb", 1);
-    }
-    if (!out) DbmWriteError(name);
-    return out;
-}
-
-void RenameDataBase(const char *name, const char *from, const char *to) {
-    if (!name || !from || !to) return;
-    std::string directory = std::string(pToolPath ? pToolPath : ".") + "/db";
-    std::string source = std::string(name) + "." + from;
-    std::string target = std::string(name) + "." + to;
-    RenameFile(directory.c_str(), source.c_str(), target.c_str());
+static std::string DbmDirectory() {
+    return std::string(pToolPath ? pToolPath : ".") + "/db";
 }
 
 static void MakeLocalDirectory() {
@@ -140,26 +109,103 @@ static void MakeLocalDirectory() {
     CreateFile("./db", nullptr, "777", nullptr, nullptr);
 }
 
-// A full disk may show at the flush or at the close only.
+// The database file itself; the directory while there is none, or something else is in its place.
+static int OpenLockFile(const std::string &path) {
+    int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file >= 0) return file;
+    std::string directory = DbmDirectory();
+    if (access(directory.c_str(), F_OK) != 0 && errno == ENOENT) mkdir(directory.c_str(), DBM_DIRECTORY_MODE);
+    return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+}
+
+// A rename puts another file in its place: a lock on the old one keeps nobody out.
+static bool IsLockFile(int file, const std::string &path) {
+    struct stat held, named;
+    if (fstat(file, &held) != 0) return false;
+    if (S_ISDIR(held.st_mode)) return lstat(path.c_str(), &named) != 0 || !S_ISREG(named.st_mode);
+    return lstat(path.c_str(), &named) == 0 && held.st_ino == named.st_ino && held.st_dev == named.st_dev;
+}
+
+int DbmLockTries = DBM_LOCK_TRIES;
+
+static int TakeLockFile(const std::string &path) {
+    int file = -1;
+    for (int i = 0; i < DbmLockTries; i++) {
+        file = OpenLockFile(path);
+        if (file < 0) return -1;
+        bool flLocked = flock(file, LOCK_EX | LOCK_NB) == 0;
+        if (flLocked && IsLockFile(file, path)) return file;
+        close(file);
+        if (!flLocked) usleep(DBM_LOCK_PAUSE);
+    }
+    fflush(stdout);
+    fprintf(stderr, "ERROR: %s is locked by another program\n", path.c_str());
+    return -1;
+}
+
+DbmLock::DbmLock(const char *db) : name(db ? db : ""), file(-1), outer(pHeldLock) {
+    flHeld = outer && outer->name == name;
+    if (flHeld) return;
+    MakeLocalDirectory();
+    file = TakeLockFile(DbmPath(name.c_str(), "xdb"));
+    flHeld = file >= 0;
+    if (flHeld) pHeldLock = this;
+}
+
+DbmLock::~DbmLock() {
+    if (file < 0) return;
+    pHeldLock = outer;
+    close(file);
+}
+
+// ---- Replacing a file
+
+// What a killed writer left, and whatever anybody put there, goes first: nothing of it is followed or written
+// to.
+FILE *OpenNewDataBase(const char *name) {
+    if (!name) return nullptr;
+    std::string path = DbmPath(name, "xdb_new");
+    unlink(path.c_str());
+    int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, DBM_MODE);
+    FILE *out = file >= 0 && fchmod(file, DBM_MODE) == 0 ? fdopen(file, "wb") : nullptr;
+    if (!out && file >= 0) close(file);
+    if (!out) DbmWriteError(name);
+    return out;
+}
+
+// A new name lasts when its directory has reached the disk.
+static bool SyncDirectory() {
+    int directory = open(DbmDirectory().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (directory < 0) return false;
+    bool flSynced = fsync(directory) == 0 || errno == EINVAL;
+    close(directory);
+    return flSynced;
+}
+
+int RenameDataBase(const char *name, const char *from, const char *to) {
+    if (!name || !from || !to) return 0;
+    return rename(DbmPath(name, from).c_str(), DbmPath(name, to).c_str()) == 0 && SyncDirectory();
+}
+
+// A full disk may show at the flush, the sync or the close only.
 static bool CloseChecked(FILE *out) {
-    bool flGood = fflush(out) == 0 && !ferror(out);
+    bool flGood = fflush(out) == 0 && !ferror(out) && fsync(fileno(out)) == 0;
     return fclose(out) == 0 && flGood;
 }
 
 int DbmReplace(const char *name, int (*write)(FILE *out, const void *context), const void *context) {
-    MakeLocalDirectory();
+    DbmLock lock(name);
+    if (!lock.IsHeld()) {
+        DbmWriteError(name);
+        return 0;
+    }
     FILE *out = OpenNewDataBase(name);
     if (!out) return 0;
-    std::string path = DbmPath(name, "xdb_new");
     bool flWritten = write(out, context) != 0;
     if (!CloseChecked(out)) flWritten = false;
-    if (flWritten) {
-        RenameDataBase(name, "xdb_new", "xdb");
-        flWritten = GetFileType(path.c_str()) == TYPE_MISSING;
-    }
-    if (flWritten) return 1;
+    if (flWritten && RenameDataBase(name, "xdb_new", "xdb")) return 1;
     DbmWriteError(name);
-    DeleteFile_(path.c_str(), nullptr); // a full disk needs the room
+    unlink(DbmPath(name, "xdb_new").c_str()); // a full disk needs the room
     return 0;
 }
 
@@ -182,17 +228,18 @@ int GetData(FILE *in, DbmRecord *record) {
     return record->L < DBM_WORD || RecordKeyLength(*record) + DBM_WORD <= record->L;
 }
 
-// The copy without the message.
-static int CopyRecords(FILE *in, FILE *out, const char *key, size_t prefixLength) {
+// The copy without the message. *read: the bytes of the records that could be read.
+static int CopyRecords(FILE *in, FILE *out, const char *key, size_t prefixLength, long *read) {
     DbmRecord record;
-    while (GetData(in, &record))
+    for (*read = 0; GetData(in, &record); *read = ftell(in))
         if (!RecordMatches(record, key, prefixLength) && !PutData(out, &record)) return 0;
     return !ferror(in); // what could not be read must not get lost
 }
 
 int PurgeRecord(const char *name, FILE *in, FILE *out, const char *key, size_t prefixLength) {
     if (!name || !in || !out || !key) return 0;
-    int flCopied = CopyRecords(in, out, key, prefixLength);
+    long read;
+    int flCopied = CopyRecords(in, out, key, prefixLength, &read);
     if (!flCopied) DbmWriteError(name);
     return flCopied;
 }
@@ -220,26 +267,48 @@ static FILE *OpenRecords(const char *db) {
 
 // What a rewrite does: the old records less a key, then perhaps a new one.
 struct DbmRewrite {
+    const char *db;
     FILE *in; // null without an old file
     const char *key;
     size_t prefixLength;
     DbmRecord *add; // null for a deletion
 };
 
+// Records behind a damaged one can't be found: the file that has them stays beside the new one.
+static bool KeepDamaged(const char *db) {
+    std::string kept = DbmPath(db, "xdb_damaged");
+    PutLogMsg("database %s is damaged; kept as %s\n", db, kept.c_str());
+    unlink(kept.c_str());
+    return link(DbmPath(db, "xdb").c_str(), kept.c_str()) == 0;
+}
+
+static bool CopyOldRecords(const DbmRewrite *rewrite, FILE *out) {
+    long read;
+    if (!CopyRecords(rewrite->in, out, rewrite->key, rewrite->prefixLength, &read)) return false;
+    struct stat info;
+    bool flWhole = fstat(fileno(rewrite->in), &info) == 0 && info.st_size == read;
+    return flWhole || KeepDamaged(rewrite->db);
+}
+
 static int WriteRecords(FILE *out, const void *context) {
     auto rewrite = static_cast<const DbmRewrite *>(context);
-    if (rewrite->in && !CopyRecords(rewrite->in, out, rewrite->key, rewrite->prefixLength)) return 0;
+    if (rewrite->in && !CopyOldRecords(rewrite, out)) return 0;
     return !rewrite->add || PutData(out, rewrite->add);
 }
 
 static int RewriteRecords(const char *db, const char *key, size_t prefixLength, DbmRecord *add) {
+    if (!add && !FindFile_(DbmPath(db, "xdb").c_str(), nullptr)) return 0;
+    DbmLock lock(db); // from the first read on: another writer's record would get lost
+    if (!lock.IsHeld()) {
+        DbmWriteError(db);
+        return 0;
+    }
     FILE *in = OpenRecords(db);
     if (!in && FindFile_(DbmPath(db, "xdb").c_str(), nullptr)) {
         DbmWriteError(db); // it holds something that would get lost
         return 0;
     }
-    if (!in && !add) return 0;
-    DbmRewrite rewrite = {in, key, prefixLength, add};
+    DbmRewrite rewrite = {db, in, key, prefixLength, add};
     int flWritten = DbmReplace(db, WriteRecords, &rewrite);
     if (in) fclose(in);
     return flWritten;

@@ -26,7 +26,9 @@ enum {
     DBM_BODY_MAX = 65535, // largest body of a record: L is 16 bits
     DBM_BUFFER = 65536,   // holds a body and a NUL; a buffer of this size holds every record's data
     DBM_WORD = 2,         // bytes of L and of K
-    DBM_OPEN_TRIES = 10,  // attempts to open or read a file that exists, one second apart
+    DBM_MODE = 0666,
+    DBM_DIRECTORY_MODE = 0777,
+    DBM_OPEN_TRIES = 10, // attempts to open or read a file that exists, one second apart
 };
 #define DBM_MAGIC "TXDBAA"   // first bytes of the header format
 enum { DBM_MAGIC_TEST = 5 }; // so many of them decide
@@ -53,8 +55,8 @@ void DbUnscramble(char *bytes, size_t count);
 
 // 1 if the record was written; it replaces the key's record and stands last. 0 for a size of 0, for a key and
 // data of together more than 65533 bytes, and, with "ERROR: Can't write to NAME" on standard error, for a
-// failed write: the old file then stands. Makes ./db (mode 777) first if the current directory has none and
-// can be written.
+// failed write: the old file then stands. A file that is damaged in the middle is kept as NAME.xdb_damaged.
+// Makes ./db (mode 777) first if the current directory has none and can be written.
 int DbmPutRecord(const char *db, const char *key, const void *data, size_t size);
 // Data bytes stored in the buffer, cut at its capacity; 0 if the key is absent or has no data. No NUL is
 // added.
@@ -79,12 +81,34 @@ void DbmFreeDbLinkList(DbLink *chain);
 // flag, each led by a blank; an empty text if there are none, null if the directory can't be read.
 [[nodiscard]] char *DbmGetDbList(int flBlank);
 
+// Keeps other writers of a database out, from the first read of a change to its rename. It lies on the file
+// itself, or on the directory while there is none; who may read them may hold it, so it is waited for no
+// longer than 10 s, and then standard error tells the file. A lock inside another one of the same database is
+// part of it.
+class DbmLock {
+public:
+    explicit DbmLock(const char *db);
+    ~DbmLock();
+    DbmLock(const DbmLock &) = delete;
+    DbmLock &operator=(const DbmLock &) = delete;
+    bool IsHeld() const { return flHeld; }
+
+private:
+    std::string name;
+    int file;
+    DbmLock *outer;
+    bool flHeld;
+};
+enum { DBM_LOCK_PAUSE = 20000, DBM_LOCK_TRIES = 500 }; // microseconds between the attempts
+extern int DbmLockTries;                               // tests lower it
+
 // Null without a message if the file is missing; a file that exists is tried 10 times, a second apart.
 [[nodiscard]] FILE *OpenDataBase(const char *name, const char *extension, const char *mode, int flQuiet);
 // NAME.xdb_new, made with mode 666 and open for writing. Null, with the write message, if that is not
 // possible.
 [[nodiscard]] FILE *OpenNewDataBase(const char *name);
-void RenameDataBase(const char *name, const char *from, const char *to);
+// 1 if the file has the new name, and its directory is on the disk.
+int RenameDataBase(const char *name, const char *from, const char *to);
 // Copies the records with another key, or, with a prefix length above 0, whose key does not start with the
 // first so many characters of the key. 0, with the write message for the name, if a write or a read failed.
 int PurgeRecord(const char *name, FILE *in, FILE *out, const char *key, size_t prefixLength);
@@ -99,8 +123,8 @@ void DumpDbm(const char *name);
 
 // The path of a database file: pToolPath/db/NAME.EXTENSION.
 std::string DbmPath(const char *name, const char *extension);
-// Writes the new contents by the call and puts them in the file's place. 0, with the write message, after a
-// failure.
+// Writes the new contents by the call and puts them in the file's place, under the lock, synced to the disk.
+// 0, with the write message, after a failure.
 int DbmReplace(const char *name, int (*write)(FILE *out, const void *context), const void *context);
 // "ERROR: Can't write to NAME" on standard error.
 void DbmWriteError(const char *name);

@@ -9,6 +9,7 @@
 #include <bit>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -477,6 +478,21 @@ DbLink *DbmTGetDbLinkList(DbTHandle *handle, const char *substring) {
 
 // ---- Change
 
+// Changes of an image that are written at once hold the lock from the refresh on; others have nothing to keep
+// apart.
+class DbTWriteLock {
+public:
+    explicit DbTWriteLock(const DbTHandle *handle) {
+        if (!handle || IsSet(handle, DBT_NO_WRITE) || *handle->name == '/' || *handle->name == '.') return;
+        lock.emplace(handle->name);
+        if (!lock->IsHeld()) DbmWriteError(handle->name);
+    }
+    bool IsHeld() const { return !lock || lock->IsHeld(); }
+
+private:
+    std::optional<DbmLock> lock;
+};
+
 static bool PurgeMatches(DbTHandle *h, const DbTWalk &walked, const char *key, size_t prefixLength) {
     if (prefixLength == 0) return WalkedIs(h, walked, key, strlen(key) + 1);
     const char *there = WalkedKey(h, walked);
@@ -484,7 +500,8 @@ static bool PurgeMatches(DbTHandle *h, const DbTWalk &walked, const char *key, s
 }
 
 // Moves the records that stay down over those that go, in one walk. Records removed.
-static int PurgeImage(DbTHandle *h, const char *key, size_t prefixLength) {
+static int PurgeImage(DbTHandle *h, const std::string &own, size_t prefixLength) {
+    const char *key = own.c_str();
     int removed = 0;
     size_t kept = FirstRecord(h);
     DbTWalk walked;
@@ -509,8 +526,9 @@ static int PurgeImage(DbTHandle *h, const char *key, size_t prefixLength) {
 
 int PurgeTRecord(DbTHandle *handle, const char *key, size_t prefixLength) {
     if (!handle || !key) return 0;
+    std::string own(key); // it may be a walked one, which the next step of a walk overwrites
     Refresh(handle);
-    return PurgeImage(handle, key, std::min(prefixLength, strlen(key) + 1)) > 0;
+    return PurgeImage(handle, own, std::min(prefixLength, own.size() + 1)) > 0;
 }
 
 // Room for a record behind the last one, and for a header in front of the first; false leaves the image as it
@@ -551,21 +569,28 @@ int DbmTPutRecord(DbTHandle *handle, const char *key, const void *data, size_t s
     if (!handle || !key || !data || size == 0 || size > DBM_BODY_MAX) return 0;
     size_t K = strlen(key) + 1;
     if (K + size + DBM_WORD > DBM_BODY_MAX) return 0;
+    std::string own(key), bytes(static_cast<const char *>(data), size); // they may lie in the image
+    DbTWriteLock lock(handle);
+    if (!lock.IsHeld()) return 0;
     Refresh(handle);
     if (handle->type == DBT_NONE) DbTSetDbType(handle, DBT_HEADER);
-    PurgeImage(handle, key, 0);
+    PurgeImage(handle, own, 0);
     if (!GrowImage(handle, K + size + 2 * DBM_WORD)) return 0;
-    AppendRecord(handle, key, K, data, size);
+    AppendRecord(handle, own.c_str(), K, bytes.data(), size);
     return IsSet(handle, DBT_NO_WRITE) || DbmTArchiveDb(handle);
 }
 
 int DbmTDeleteRecord(DbTHandle *handle, const char *key) {
+    DbTWriteLock lock(handle);
+    if (!lock.IsHeld()) return 0;
     if (!PurgeTRecord(handle, key, 0)) return 0;
     return IsSet(handle, DBT_NO_WRITE) || DbmTArchiveDb(handle);
 }
 
 int DbmTDeleteRecords(DbTHandle *handle, const char *prefix) {
     if (!handle || !prefix || !*prefix) return 0;
+    DbTWriteLock lock(handle);
+    if (!lock.IsHeld()) return 0;
     if (!PurgeTRecord(handle, prefix, strlen(prefix))) return 1;
     return IsSet(handle, DBT_NO_WRITE) || DbmTArchiveDb(handle);
 }

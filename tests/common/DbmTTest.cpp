@@ -159,6 +159,18 @@ TEST(DbmT, SeesChangesOfOthers) {
     for (DbTHandle *each : {handle, fixed, held}) DbTClose(each);
 }
 
+// The key of a walk lies where the walk goes on.
+TEST(DbmT, WalkedKeyHandedBack) {
+    ToolDir tool;
+    WriteXdb(tool.Db("que"), false, {{"aa", "1"}, {"bb", "2"}, {"cc", "3"}});
+    DbTHandle *handle = DbTOpen("que", 0);
+    DbTWalk walked;
+    ASSERT_TRUE(WalkDbTRecords(handle, &walked, 0) && WalkDbTRecords(handle, &walked, 1));
+    EXPECT_EQ(DbmTDeleteRecord(handle, walked.key), 1);
+    EXPECT_EQ(ShowRecords(ReadXdb(tool.Db("que"))), "aa=1 cc=3");
+    DbTClose(handle);
+}
+
 TEST(DbmT, LargestRecordHeldBack) {
     ToolDir tool;
     WriteXdb(tool.Db("que"), true, {{"k", "1"}});

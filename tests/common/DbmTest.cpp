@@ -7,9 +7,11 @@
 #include "tests/lib/Xdb.h"
 
 #include <csignal>
+#include <fcntl.h>
 #include <filesystem>
 #include <gtest/gtest.h>
 #include <random>
+#include <sys/file.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -163,6 +165,58 @@ TEST(Dbm, WhatOthersPutInItsWay) {
     ChildEnd end = RunForked([] { printf("%d%d", Put("que", "k", "3"), DbmGetRecordSize("pipe", "k")); });
     EXPECT_EQ(end.out, "00") << "neither ended nor waiting";
     EXPECT_EQ(Get("que", "k"), "2");
+}
+
+// Holds a lock on the file as any user may who can read it.
+TEST(Dbm, LockOfAnotherProgram) {
+    ToolDir tool;
+    ASSERT_EQ(Put("que", "k", "old"), 1);
+    int file = open(tool.Db("que").c_str(), O_RDONLY);
+    ASSERT_EQ(flock(file, LOCK_EX), 0);
+    DbmLockTries = 3;
+    Capture capture;
+    EXPECT_EQ(Put("que", "k", "new") + DbmDeleteRecord("que", "k"), 0);
+    DbmLockTries = DBM_LOCK_TRIES;
+    EXPECT_NE(capture.Err().find("db/que.xdb is locked by another program\nERROR: Can't write to que"),
+              std::string::npos);
+    close(file);
+    EXPECT_EQ(Get("que", "k"), "old");
+    EXPECT_EQ(Put("que", "k", "new"), 1);
+}
+
+// Each answers 1 for each of its records, and none may be gone afterwards, nor may the first writer's
+// leftover count.
+TEST(Dbm, ManyWritersAtOnce) {
+    enum { WRITERS = 8, RECORDS = 10 };
+    ToolDir tool;
+    tool.Write("db/que.xdb_new", "left by a killed writer");
+    for (int writer = 0; writer < WRITERS; writer++) {
+        if (fork() != 0) continue;
+        int done = 0;
+        for (int i = 0; i < RECORDS; i++)
+            done += Put("que", (std::to_string(writer) + "-" + std::to_string(i)).c_str(), "data");
+        _exit(done == RECORDS ? 0 : 1);
+    }
+    for (int status, writer = 0; writer < WRITERS; writer++) {
+        ASSERT_GT(wait(&status), 0);
+        EXPECT_EQ(status, 0);
+    }
+    EXPECT_EQ(ReadXdb(tool.Db("que")).size(), static_cast<size_t>(WRITERS * RECORDS));
+    EXPECT_FALSE(fs::exists(tool.Path("db/que.xdb_new")));
+}
+
+TEST(Dbm, DamagedFileIsKept) {
+    ToolDir tool;
+    WriteXdb(tool.Db("que"), false, {{"a", "1"}, {"b", "2"}, {"c", "3"}});
+    std::string bytes = ReadWhole(tool.Db("que"));
+    bytes[bytes.size() / 3] = '\xff'; // the length of the second record
+    tool.Write("db/que.xdb", bytes);
+    EXPECT_EQ(Put("que", "d", "4"), 1);
+    EXPECT_EQ(ReadWhole(tool.Path("db/que.xdb_damaged")), bytes);
+    EXPECT_EQ(Get("que", "a") + Get("que", "d"), "14");
+    fs::remove(tool.Path("db/que.xdb_damaged"));
+    EXPECT_EQ(Put("que", "e", "5"), 1); // the new one is whole
+    EXPECT_FALSE(fs::exists(tool.Path("db/que.xdb_damaged")));
 }
 
 // Puts long records for ever; a reader must find each of them whole.
