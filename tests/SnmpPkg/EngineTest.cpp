@@ -6,6 +6,7 @@
 #include "common/MemMgr.h"
 #include "tests/lib/SnmpAgent.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cstring>
 #include <gtest/gtest.h>

@@ -59,9 +59,9 @@ TEST(MenuEntry, RefusesWithOneMessageAndOneLine) {
         int code;
         std::string message;
     } cases[] = {
-        {"A(1,14)+-+_", "", 2, length + "1 to 14 characters."},
-        {"A(1,14)+-+_", "abcdefghijklmno", 2, length + "1 to 14 characters."},
-        {"/t(1,3)", "/abc", 2, length + "1 to 3 characters."}, // the whole entry counts, not the rest
+        {"A(1,14)+-+_", "", 2, length + "1 to 14 characters.\n"},
+        {"A(1,14)+-+_", "abcdefghijklmno", 2, length + "1 to 14 characters.\n"},
+        {"/t(1,3)", "/abc", 2, length + "1 to 3 characters.\n"}, // the whole entry counts, not the rest
         {"A(1,14)+-+_", "a.b", 3, "Invalid character '.'" + text + "012..9-_\""},
         {"a(1,14)++", "a+1", 3, "Invalid character '1'" + text + "+\""},
         {"p(1,14)", "a\tb", 3, "Invalid character '\t'" + text + "012..9\""},
@@ -106,7 +106,7 @@ TEST(MenuEntry, ChecksLengthThenDigitsAndNames) {
             printf("|%i%i", TestName("a-b_9"), TestName("a%"));
         },
         "\n\n");
-    EXPECT_EQ(end.out, std::string("This entry must have 2 to 3 characters.") + Return +
+    EXPECT_EQ(end.out, std::string("This entry must have 2 to 3 characters.\n") + Return +
                            "|2Invalid digit:  a\n" + Return +
                            "|3|0\n'%' is not a valid name character. \nOnly alphanumeric character, "
                            "'-', and '_' are valid: \n\nPress <Return> to continue |10");
