@@ -20,6 +20,10 @@ printer 10.0.0.1 to 10.0.0.2
  reset 1.3.6.1.2.1.2.1.0 4 factory 6
  at 1.3.6.1.2.1.2.2 otherid 100
  at 1.3.6.1.2.1.2.4 error 100 readOnly
+ warm 1.3.6.1.2.1.1.5.0 text "warming up"
+ warm 1.3.6.1.2.1.2.3.0 null
+ reset-time 20000
+ warm-up 20000
  size 700
 )";
 
@@ -43,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     static SimAgent agent(*fleet);
     SimPrinter printer = {.place = &fleet->printers[0]};
     std::string_view datagram(reinterpret_cast<const char *>(data), size);
-    for (SimTime now : {0, 10, 30000000}) {
+    for (SimTime now : {0, 10, 30000000, 50000000}) {
         SimAnswer answer = agent.Answer(&printer, datagram, false, now, 0);
         Require(!agent.LogFields(printer, answer, false).empty());
         if (answer.fate == FATE_SENT) CheckAnswer(answer);

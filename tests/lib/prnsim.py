@@ -62,10 +62,11 @@ class Simulator:
         self.port, where = 161, []
         if loopback:
             self.port = random.randrange(20000, 32000)  # below those that other sockets get from the kernel
-            where = ["-m", "10.71=127.%d" % self.octet, "-p", str(self.port), "-w", str(self.port), "-r", str(self.port + 1)]
+            where = ["-m", "10.71=127.%d" % self.octet, "-p", str(self.port), "-w", str(self.port), "-r", str(self.port + 1), "-q", str(self.port + 2)]
         self.loopback = loopback
         self.log_path = os.path.join(self.directory, "log")
-        self.argv = [SIMULATOR, *where, "-l", self.log_path, "-t", "300", *options, fleet]
+        self.control = os.path.join(self.directory, "control")
+        self.argv = [SIMULATOR, *where, "-l", self.log_path, "-c", self.control, "-t", "300", *options, fleet]
 
     def at(self, address):
         return address.replace("10.71.", "127.%d." % self.octet, 1)
@@ -84,10 +85,14 @@ class Simulator:
         if kind is None and (self.process.returncode or errors):
             raise RuntimeError(f"prnsim ended with {self.process.returncode}: {errors}")
 
+    def change(self, *lines):
+        """Lines "ADDRESS LINE" for printers at work; what the program says to the first one that is wrong, or ""."""
+        return subprocess.run([SIMULATOR, "-e", self.control, *lines], capture_output=True, text=True, timeout=30).stderr
+
     def log(self):
         """The requests so far, as lists of fields."""
         with open(self.log_path) as lines:
-            return [line.rstrip("\n").split(" ", 8) for line in lines]
+            return [line.rstrip("\n").split(" ") for line in lines]
 
     def ask(self, address, datagram, answers=1, timeout=5):
         """Sends from a socket of its own; the list of (source, answer), fewer than wanted after a silence."""

@@ -141,6 +141,14 @@ class Datagrams(unittest.TestCase):
             self.assertEqual(sim.ask("10.71.1.11", good + b"behind")[0][1][-7:], b"\4\5lobby")
             self.assertEqual([fields[-2] for fields in sim.log()], ["bad"] * len(bad) + ["sent"] * 3)
 
+    def test_the_log_parts_its_fields(self):
+        with Simulator(text=HOUSE) as sim:
+            sim.ask("10.71.1.11", get_message(NAME, community=b"wrcommx", kind=0xA3, value=b'\4\6 a " \\'))
+            sim.ask("10.71.1.11", get_message(NAME, community=b"a b"), timeout=0.2)
+            shown = 'text:"\\x20a\\x20\\"\\x20\\\\"'
+            self.assertEqual([fields[3:] for fields in sim.log()],
+                             [["set", "wrcommx", "1", f"{NAME}={shown}", "sent", shown], ["get", "a%20b", "1", NAME, "community", "-"]])
+
     def test_broadcast_is_answered_by_the_subnet(self):
         everybody = {"10.71.1.11", "10.71.1.40", "10.71.1.41"} | {f"10.71.1.{n}" for n in range(20, 30)}
         with Simulator("-k", "loss 0", text="pace 1000\n" + HOUSE) as sim:
@@ -189,6 +197,98 @@ class Datagrams(unittest.TestCase):
                 for address, name, fate in fates:
                     sim.ask(address, get_message(name), answers=fate != "lost" or bool(options))
                 self.assertEqual([fields[7] for fields in sim.log()], wanted)
+
+    def test_the_stages_of_a_reset(self):
+        warm = f"  reset-after 400\n  warm-up 800\n  warm {CONSOLE} text \"Warming up\"\n"
+        with Simulator(text=HOUSE.replace("like tarvo-p340\n", "like tarvo-p340\n" + warm)) as sim:
+            seen = []
+
+            def look():
+                got = sim.ask("10.71.1.11", get_message(CONSOLE, UPTIME), timeout=0.05)
+                what = re.search(b"Busy|Warming up|Ready", got[0][1])[0].decode() if got else ""
+                uptime = int.from_bytes(got[0][1].rpartition(b"\x43")[2][1:], "big") if got else 0
+                if not seen or seen[-1][0] != what:
+                    seen.append((what, time.monotonic() - start, uptime))
+            time.sleep(0.5)
+            start = time.monotonic()
+            sim.ask("10.71.1.11", get_message(CONSOLE, community=b"wrcommx", kind=0xA3, value=b"\4\4Busy"))
+            sim.ask("10.71.1.11", get_message(RESET, community=b"wrcommx", kind=0xA3, value=b"\2\1\4"))
+            while not seen or seen[-1][0] != "Ready":
+                look()
+            self.assertEqual([what for what, *_ in seen], ["Busy", "", "Warming up", "Ready"])
+            for (what, at, uptime), (due, up) in zip(seen[1:], ((0.4, 0), (0.7, 0), (1.5, 80))):
+                self.assertTrue(due - 0.1 <= at < due + 0.5 and abs(uptime - up) < 50, seen)
+            self.assertGreaterEqual(seen[0][2], 50)
+
+    def test_broadcasts_alone_take_their_time(self):
+        with Simulator("-k", "loss 0", "-k", "broadcast-delay 300 400", "-k", "delay 10", text=HOUSE) as sim:
+            for address, answers, low, high in (("10.71.1.255", 13, 0.3, 1), ("10.71.1.11", 1, 0.01, 0.25)):
+                start = time.monotonic()
+                self.assertEqual(len(sim.ask(address, get_message(NAME), answers=answers)), answers)
+                self.assertTrue(low <= time.monotonic() - start < high, address)
+
+    def test_changes_at_work(self):
+        with Simulator(text=HOUSE) as sim:
+            def name(address): return [data[-5:] for _, data in sim.ask(address, get_message(NAME), timeout=0.2)]
+            sim.ask("10.71.1.20", get_message(NAME, community=b"wrcommx", kind=0xA3, value=b"\4\3new"))
+            self.assertEqual(sim.change('10.71.1.20 sysName.0 text "other"', "10.71.1.21 at sysName loss 100",
+                                        "10.71.1.22 dies 0", "10.71.1.23 web off", "10.71.1.40 loss 0"), "")
+            self.assertEqual([name("10.71.1.%d" % n) for n in (20, 21, 22, 40)], [[b"other"], [], [], [b".1.40"]])
+            self.assertEqual(len(sim.ask("10.71.1.21", get_message(UPTIME))), 1)
+            for gone, now, line in (("10.71.1.22", "10.71.1.23", "dies never"), ("10.71.1.23", "10.71.1.22", "web on")):
+                with self.assertRaises(ConnectionRefusedError):
+                    socket.create_connection((sim.at(gone), sim.port), 10)
+                self.assertEqual(sim.change(gone + " " + line), "")
+                socket.create_connection((sim.at(gone), sim.port), 10).close()
+            self.assertEqual(sim.change("10.71.1.20 remove sysName"), "")
+            self.assertIn(b"\2\1\2\2\1\1", sim.ask("10.71.1.20", get_message(NAME))[0][1])  # noSuchName
+            for line, wanted in (("10.71.9.9 loss 5", "no printer has the address"), ("10.71.1.20 model x", "can't be said"),
+                                 ("10.71.1.20 loss", "loss wants a value"), ("10.71.1.20", "ADDRESS LINE"),
+                                 ("10.71.1.20 row 1 2", "no table stands")):
+                self.assertIn(wanted, sim.change(line))
+
+    def test_web_ports_that_hang(self):
+        with Simulator(text=HOUSE) as sim:
+            self.assertEqual(sim.change("10.71.1.11 web mute", "10.71.1.20 web deaf"), "")
+            for address in ("10.71.1.11", "10.71.1.20"):
+                with socket.socket() as client, self.assertRaises(TimeoutError, msg=address):
+                    client.settimeout(0.5)
+                    client.connect((sim.at(address), sim.port))
+                    self.assertEqual(address, "10.71.1.11")  # the other one lets nobody in
+                    client.sendall(b"GET / HTTP/1.0\r\n\r\n")
+                    client.recv(1)
+            self.assertEqual(sim.change("10.71.1.20 web on"), "")
+            socket.create_connection((sim.at("10.71.1.20"), sim.port), 10).close()
+
+    def test_lpd(self):
+        control, data = b"Hhost\nProot\nfdfA1host\n", bytes(range(256)) * 700
+        parts = [b"\2lp\n", b"\2%d cfA1host\n" % len(control), control + b"\0", b"\3%d dfA1host\n" % len(data), data + b"\0"]
+        with tempfile.TemporaryDirectory() as jobs, Simulator("-k", f'lpd "{jobs}"', text=HOUSE) as sim:
+            home = sim.at("10.71.1.11")
+
+            def talk(pieces, acknowledged):
+                with socket.create_connection((home, sim.port + 2), 10) as client:
+                    for piece in pieces:
+                        client.sendall(piece)
+                    client.shutdown(socket.SHUT_WR)
+                    got = b""
+                    while more := client.recv(100):
+                        got += more
+                self.assertEqual(got, acknowledged)
+
+            def stored(name):
+                with open(f"{jobs}/{home}-{name}", "rb") as kept:
+                    return kept.read()
+            whole = b"".join(parts)
+            talk(parts, bytes(5))
+            talk([whole[n:n + 1] for n in range(300)] + [whole[300:]], bytes(5))           # in pieces
+            talk([b"".join(parts[:1] + parts[3:] + parts[3:] + parts[1:3])], bytes(7))  # the data first, and two files of it
+            talk([parts[0], b"\0030 dfA1host\n", data], bytes(2))                          # a file of unknown length
+            self.assertEqual(sorted(os.listdir(jobs)), sorted([f"{home}-{n}.prn" for n in range(1, 6)] + [f"{home}-{n}.control" for n in (1, 2, 4)]))
+            self.assertEqual([stored(f"{n}.prn") == data for n in range(1, 6)], [True] * 5)
+            self.assertEqual([stored(f"{n}.control") for n in (1, 2, 4)], [control] * 3)
+            for refused, answer in (([b"\4lp\n"], b"no entries\n"), ([b"\2lp\n\3x y\n"], b"\0\1"), ([b"x" * 2000], b""), ([b"\n"], b"")):
+                talk(refused, answer)
 
     def test_web_and_raw(self):
         with Simulator("-k", "loss 0", "-k", "reset-time 1500", text=HOUSE) as sim:

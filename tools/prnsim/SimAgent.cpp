@@ -57,20 +57,21 @@ bool SimAgent::Draws(const SimPrinter &printer, SimKnob knob, SimDraw draw, SimA
 SimAnswer SimAgent::Answer(SimPrinter *printer, std::string_view datagram, bool flBroadcast, SimTime now,
                            SimTime extra) {
     SimAnswer answer = {};
-    Settle(printer);
+    Settle(printer, now);
     bool flGone = printer->IsGone(now);
     printer->requests++;
     flDecoded = SimDecodeRequest(datagram, &request);
     reset = NO_RESET;
     answer.fate = Judge(*printer, flGone, flBroadcast, &answer);
     if (answer.fate != FATE_SENT) return answer;
-    answer.delay = extra + Delay(*printer, &answer);
+    answer.delay = extra + Delay(*printer, flBroadcast, &answer);
     Serve(printer, now, &answer);
     Spoil(*printer, &answer);
     Draws(*printer, KNOB_DUPLICATE, DRAW_DUPLICATE, &answer);
     Draws(*printer, KNOB_FOREIGN, DRAW_FOREIGN, &answer);
     if (flBroadcast && printer->Knob(KNOB_DIES).first == DIES_BROADCAST) printer->flDead = true;
-    if (reset != NO_RESET) Reset(printer, now + answer.delay);
+    answer.flReset = reset != NO_RESET;
+    if (answer.flReset) Reset(printer, now, answer.delay);
     return answer;
 }
 
@@ -93,6 +94,9 @@ SimFate SimAgent::Admit(const SimPrinter &printer) {
 }
 
 const SimValue *SimAgent::Look(const SimPrinter &printer, SimOidView name) {
+    if (printer.flWarming) {
+        if (const SimEntry *warm = SimFindWarm(*printer.place, name)) return &warm->value;
+    }
     if (!printer.changed.empty()) {
         auto at = printer.changed.find(name);
         if (at != printer.changed.end()) return &at->second;
@@ -169,14 +173,17 @@ void SimAgent::Write(SimPrinter *printer) {
     }
 }
 
-void SimAgent::Reset(SimPrinter *printer, SimTime at) {
-    printer->silentUntil = at + printer->Knob(KNOB_RESET_TIME).first;
-    printer->started = printer->silentUntil;
+void SimAgent::Reset(SimPrinter *printer, SimTime now, SimTime delay) {
+    printer->silentFrom = now + printer->Knob(KNOB_RESET_AFTER).first;
+    printer->silentUntil = printer->silentFrom + delay + printer->Knob(KNOB_RESET_TIME).first;
     (reset == FACTORY ? printer->flForgetAll : printer->flForget) = true;
 }
 
-void SimAgent::Settle(SimPrinter *printer) {
-    if (!printer->flForget && !printer->flForgetAll) return;
+void SimAgent::Settle(SimPrinter *printer, SimTime now) {
+    SimTime warm = now - printer->silentUntil;
+    printer->flWarming = printer->silentUntil > 0 && warm >= 0 && warm < printer->Knob(KNOB_WARM_UP).first;
+    if (now < printer->silentFrom || (!printer->flForget && !printer->flForgetAll)) return;
+    printer->started = printer->silentUntil;
     std::erase_if(printer->changed,
                   [=](const auto &item) { return printer->flForgetAll || !item.second.flKeep; });
     printer->flForget = printer->flForgetAll = false;
@@ -237,8 +244,9 @@ void SimAgent::Spoil(const SimPrinter &printer, SimAnswer *answer) {
     }
 }
 
-SimTime SimAgent::Delay(const SimPrinter &printer, SimAnswer *answer) const {
-    const SimSetting &knob = Knob(printer, KNOB_DELAY);
+SimTime SimAgent::Delay(const SimPrinter &printer, bool flBroadcast, SimAnswer *answer) const {
+    bool flAlone = flBroadcast && printer.Knob(KNOB_BROADCAST_DELAY).first >= 0;
+    const SimSetting &knob = flAlone ? printer.Knob(KNOB_BROADCAST_DELAY) : Knob(printer, KNOB_DELAY);
     SimTime delay = knob.first;
     if (knob.second > knob.first) delay += Number(printer, DRAW_DELAY) * (knob.second - knob.first) / 1000000;
     if (delay > 0) answer->hits |= 1u << DRAW_DELAY;

@@ -13,8 +13,9 @@ struct SimPrinter {
     uint32_t requests = 0;                                // datagrams that reached it
     bool flDead = false;                                  // by `dies broadcast`
     SimTime started = 0;                                  // 0 is uptime's zero; moved by a reset
-    SimTime silentUntil = 0;                              // of a reset
-    bool flForget = false, flForgetAll = false;           // what was set, at its next Settle()
+    SimTime silentFrom = 0, silentUntil = 0;              // of a reset
+    bool flForget = false, flForgetAll = false;           // what was set, at a Settle() once it is silent
+    bool flWarming = false;                               // at its last Settle()
     std::map<SimOid, SimValue, std::less<>> changed = {}; // by sets; names that the description has
 
     const SimKnobs &Knobs() const { return place->own->knobs; }
@@ -22,7 +23,7 @@ struct SimPrinter {
     // Off for ever, or in a reset: nothing of it answers.
     bool IsGone(SimTime now) const {
         int64_t dies = Knob(KNOB_DIES).first;
-        return flDead || (dies >= 0 && requests >= dies) || now < silentUntil;
+        return flDead || (dies >= 0 && requests >= dies) || (now >= silentFrom && now < silentUntil);
     }
 };
 
@@ -53,6 +54,7 @@ struct SimAnswer {
     std::string_view bytes; // of FATE_SENT; valid until the next request of the same SimAgent
     SimTime delay;          // before it is sent
     unsigned hits;          // 1 << SimDraw of each knob that took part
+    bool flReset;           // it begins one
     bool Hit(SimDraw draw) const { return hits >> draw & 1; }
 };
 
@@ -67,7 +69,7 @@ public:
     // The fields KIND to ANSWER of the log for the request that was answered last.
     std::string LogFields(const SimPrinter &printer, const SimAnswer &answer, bool flBroadcast) const;
     // Does what a reset left to do; Answer() begins with it, others that look at values must.
-    static void Settle(SimPrinter *printer);
+    static void Settle(SimPrinter *printer, SimTime now);
     // The value of a name as a get of this printer would give it; null without one.
     static const SimValue *Look(const SimPrinter &printer, SimOidView name);
 
@@ -87,8 +89,8 @@ private:
     void Encode(const SimPrinter &printer, SimTime now, int32_t id);
     void EncodeValue(const SimPrinter &printer, const SimValue &value, SimTime now);
     void Spoil(const SimPrinter &printer, SimAnswer *answer);
-    SimTime Delay(const SimPrinter &printer, SimAnswer *answer) const;
-    void Reset(SimPrinter *printer, SimTime at);
+    SimTime Delay(const SimPrinter &printer, bool flBroadcast, SimAnswer *answer) const;
+    void Reset(SimPrinter *printer, SimTime now, SimTime delay);
 
     const SimFleet &fleet;
     SimRequest request = {};

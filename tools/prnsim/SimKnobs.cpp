@@ -6,7 +6,7 @@
 
 // The values that a knob takes, one letter each; small letters must stand, capitals may.
 //   p chance  t, T time  n, N number within low and high  E error status  A address  w one of the words  d of
-//   `dies`  q of `raw` c communities  r the reset object and its numbers
+//   `dies`  q of `raw` and `lpd` c communities  r the reset object and its numbers
 struct KnobRow {
     std::string_view word, values;
     int64_t first = 0, second = 0; // if nothing is said; the second one also behind a first that stands alone
@@ -28,11 +28,15 @@ static constexpr KnobRow Rows[] = {
     {.word = "otherid", .values = "p"},
     {.word = "dies", .values = "d", .first = DIES_NEVER, .low = 0, .high = UINT32_MAX},
     {.word = "broadcast", .values = "w", .first = 1, .words = "off on"},
+    {.word = "broadcast-delay", .values = "tT", .first = -1, .second = -1},
     {.word = "refuse", .values = "w", .words = "error silent"},
     {.word = "size", .values = "n", .first = 1400, .low = 64, .high = 60000},
     {.word = "reset-time", .values = "t", .first = 20000000},
-    {.word = "web", .values = "w", .words = "off on"},
+    {.word = "reset-after", .values = "t"},
+    {.word = "warm-up", .values = "t"},
+    {.word = "web", .values = "w", .words = "off on mute deaf"},
     {.word = "raw", .values = "q", .words = "off on"},
+    {.word = "lpd", .values = "q", .words = "off on"},
     {.word = "read", .values = "c"},
     {.word = "write", .values = "c"},
     {.word = "reset", .values = "r"},
@@ -164,8 +168,9 @@ std::string SimReadKnob(const std::vector<SimWord> &words, const SimResolver &re
     }
     if (reader.at < words.size()) return "too much behind " + words[0].text + ": " + words[reader.at].text;
     if (knob == KNOB_FOREIGN && setting.first > 0 && words.size() < 3) return "foreign wants an address";
-    if (knob == KNOB_DELAY && setting.second >= 0 && setting.second < setting.first)
-        return "the second time of delay is below the first";
+    bool flDelay = knob == KNOB_DELAY || knob == KNOB_BROADCAST_DELAY;
+    if (flDelay && setting.second >= 0 && setting.second < setting.first)
+        return "the second time of " + words[0].text + " is below the first";
     (*knobs)[static_cast<size_t>(knob)] = std::move(setting);
     return "";
 }

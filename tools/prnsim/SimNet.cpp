@@ -8,19 +8,24 @@
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
+#include <linux/filter.h>
 #include <poll.h>
 #include <sys/epoll.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <unistd.h>
+#include <utility>
 
 enum { RECEIVE_BURST = 64, SOCKET_BUFFER = 1 << 20 };
 static constexpr SimTime Second = 1000000;
 
-SimNet::SimNet(const SimFleet &of, const SimPorts &at, FILE *to) : fleet(of), ports(at), log(to), agent(of) {
+SimNet::SimNet(SimFleet *of, const SimReadOptions &how, const SimPorts &at, FILE *to)
+    : fleet(*of), options(how), ports(at), log(to), agent(*of) {
     for (const SimPlaceOfPrinter &place : fleet.printers) printers.push_back({.place = &place});
     prints.resize(printers.size());
     off.resize(printers.size());
+    for (const SimPrinter &printer : printers) served.push_back(printer.place->own);
+    for (const Port &port : Ports) sockets[port.kind].assign(printers.size(), -1);
 }
 
 SimNet::~SimNet() {
@@ -32,6 +37,10 @@ SimNet::~SimNet() {
     for (auto &[address, socket] : foreign) close(socket);
     for (Connection &connection : connections) Close(&connection);
     if (epoll >= 0) close(epoll);
+    if (control >= 0) {
+        close(control);
+        unlink(controlPath.c_str());
+    }
     if (failed)
         fprintf(stderr, "prnsim: %llu answers could not be sent\n", static_cast<unsigned long long>(failed));
 }
@@ -48,8 +57,10 @@ SimTime SimNet::Now() const {
 bool SimNet::RaiseLimit() const {
     rlimit limit;
     rlim_t wanted = fleet.subnets.size() + CONNECTIONS_MAX + 64;
-    for (const SimPrinter &printer : printers)
-        wanted += 2 + (printer.Knob(KNOB_WEB).first != 0) + (printer.Knob(KNOB_RAW).first != 0);
+    for (const SimPrinter &printer : printers) {
+        wanted += 2;
+        for (const Port &port : Ports) wanted += printer.Knob(port.knob).first != 0;
+    }
     if (getrlimit(RLIMIT_NOFILE, &limit) != 0 || limit.rlim_cur >= wanted) return true;
     limit.rlim_cur = wanted;
     limit.rlim_max = std::max(limit.rlim_max, wanted);
@@ -88,24 +99,43 @@ bool SimNet::Watch(int socket, Kind kind, size_t number, bool flWrite) {
     return false;
 }
 
-bool SimNet::OpenPrinter(size_t number) {
-    const SimPrinter &printer = printers[number];
-    const struct {
-        Kind kind;
-        bool flWanted;
-        uint16_t port;
-        int type;
-    } rows[] = {
-        {PRINTER, true, ports.snmp, SOCK_DGRAM},
-        {WEB, printer.Knob(KNOB_WEB).first != 0, ports.web, SOCK_STREAM},
-        {RAW, printer.Knob(KNOB_RAW).first != 0, ports.raw, SOCK_STREAM},
-    };
-    for (const auto &row : rows) {
-        int made = row.flWanted ? Bind(printer.place->address, row.port, row.type) : -1;
-        sockets[row.kind].push_back(made);
-        if (row.flWanted && (made < 0 || !Watch(made, row.kind, number))) return false;
+// Lets everything that comes for a listener fall, as if the host's cable were cut.
+static bool Deafen(int socket) {
+    sock_filter drop = BPF_STMT(BPF_RET | BPF_K, 0);
+    sock_fprog program = {1, &drop};
+    return setsockopt(socket, SOL_SOCKET, SO_ATTACH_FILTER, &program, sizeof program) == 0;
+}
+
+// Brings a listener into the state of its knob.
+bool SimNet::OpenPort(const Port &port, size_t number) {
+    int &socket = sockets[port.kind][number];
+    int64_t state = printers[number].Knob(port.knob).first;
+    if (socket >= 0) close(socket);
+    socket = state ? Bind(printers[number].place->address, ports.*port.number, SOCK_STREAM) : -1;
+    if (!state) return true;
+    if (socket < 0 || (port.kind == WEB && state == WEB_DEAF && !Deafen(socket))) return false;
+    return Watch(socket, port.kind, number);
+}
+
+// Opens and closes what a change of the printer says otherwise; connections that stand are left alone.
+bool SimNet::FollowKnobs(size_t number) {
+    const SimBlock *before = std::exchange(served[number], printers[number].place->own);
+    bool flGood = true;
+    for (const Port &port : Ports) {
+        if (before->knobs[port.knob].first == printers[number].Knob(port.knob).first) continue;
+        flGood = OpenPort(port, number) && flGood;
     }
-    if (printer.IsGone(0)) SwitchOff(number);
+    return OpenForeign(printers[number]) && flGood;
+}
+
+bool SimNet::OpenPrinter(size_t number) {
+    int made = Bind(printers[number].place->address, ports.snmp, SOCK_DGRAM);
+    sockets[PRINTER].push_back(made);
+    if (made < 0 || !Watch(made, PRINTER, number)) return false;
+    for (const Port &port : Ports) {
+        if (!OpenPort(port, number)) return false;
+    }
+    Turn(number);
     return true;
 }
 
@@ -145,7 +175,7 @@ SimTime SimNet::Timeout(SimTime end) const {
     SimTime next = INT64_MAX;
     if (!late.empty()) next = late.top().due;
     if (end > 0) next = std::min(next, end);
-    if (!waking.empty()) next = std::min(next, waking.begin()->first);
+    if (!turning.empty()) next = std::min(next, turning.begin()->first);
     SimTime now = Now();
     if (open) next = std::min(next, now + Second);
     return next == INT64_MAX ? -1 : std::max<SimTime>(next - now, 0);
@@ -169,7 +199,7 @@ bool SimNet::Run(double seconds, const sigset_t &waiting, const volatile sig_ato
         }
         SendLate();
         CloseOld();
-        SwitchOn();
+        TurnAll();
     }
     return true;
 }
@@ -179,7 +209,10 @@ void SimNet::Handle(Kind kind, size_t number) {
     case PRINTER:
     case SUBNET: return Receive(sockets[kind][number], kind, number);
     case WEB:
-    case RAW: return Accept(sockets[kind][number], kind, number);
+    case RAW:
+    case LPD: return Accept(sockets[kind][number], kind, number);
+    case CONTROL: return AcceptChange();
+    case CHANGE: return ReceiveChange(static_cast<int>(number));
     case CONNECTION: return Serve(number);
     }
 }
@@ -217,7 +250,11 @@ bool SimNet::Serve(size_t number, std::string_view datagram, const sockaddr_in &
     SimPrinter &printer = printers[number];
     SimAnswer answer = agent.Answer(&printer, datagram, flBroadcast, Now(), extra);
     if (log) Log(printer, peer, answer, flBroadcast);
-    if (!off[number] && printer.IsGone(Now())) SwitchOff(number);
+    if (answer.flReset) {
+        turning.emplace(printer.silentFrom, number);
+        turning.emplace(printer.silentUntil, number);
+    }
+    Turn(number);
     if (answer.fate != FATE_SENT) return false;
     int socket = sockets[PRINTER][number];
     if (answer.Hit(DRAW_FOREIGN))

@@ -36,6 +36,7 @@ public:
     FleetReader(SimFleet *into, const SimReadOptions &how) : fleet(into), options(how) {}
     void ReadFile(const std::string &path);
     void Finish();
+    size_t Change(std::string_view text, std::set<SimOid> *changed);
 
 private:
     enum Place { AT_TOP, IN_ALL, IN_MODEL, IN_PRINTER };
@@ -58,6 +59,7 @@ private:
     std::string Where() const { return file + ":" + std::to_string(line); }
     void ReadLines(const std::string &path, void (FleetReader::*read)(std::string_view text));
     void ReadLine(std::string_view text);
+    void RunLine(const Words &words);
     void RunStatement(const Statement &statement, const Words &words);
     void ReadKnobLine(const Words &words);
 
@@ -75,8 +77,10 @@ private:
     void Row(const Words &words);
     void Recording(const Words &words);
     void At(const Words &words);
+    void Warm(const Words &words);
 
     void ValueLine(const Words &words);
+    SimEntry Entry(const Words &words, size_t first) const;
     const TypeRow &Type(const SimWord &word) const;
     SimValue Value(const TypeRow &type, const SimWord &word) const;
     void TextValue(const SimWord &word, SimValue *value) const;
@@ -102,8 +106,8 @@ private:
     const SimReadOptions &options;
     std::string file;
     int line = 0, depth = 0, included = 0;
-    std::map<std::string, SimOid> names;
-    std::map<uint32_t, std::string> addresses;                  // where each printer stands
+    bool flChanging = false;                   // one line for a printer of a fleet that is at work
+    std::map<uint32_t, std::string> addresses; // where each printer stands
     std::vector<std::pair<SimBlock *, const SimBlock *>> owned; // printers' blocks and their models
 
     // The open block.
@@ -132,6 +136,7 @@ const FleetReader::Statement FleetReader::Statements[] = {
     {"table", FOR_VALUES, 4, SIZE_MAX, &FleetReader::Table, "table OID COLUMN TYPE [rw ...], ..."},
     {"row", FOR_VALUES, 3, SIZE_MAX, &FleetReader::Row, "row INDEX VALUE ..."},
     {"recording", FOR_VALUES, 2, 2, &FleetReader::Recording, "recording \"FILE\""},
+    {"warm", FOR_VALUES, 3, 4, &FleetReader::Warm, "warm OID TYPE VALUE"},
     {"at", FOR_VALUES, 4, SIZE_MAX, &FleetReader::At, "at OID KNOB VALUE"},
 };
 
@@ -162,6 +167,10 @@ void FleetReader::ReadLine(std::string_view text) {
     Words words;
     if (std::string fault = SimSplit(text, &words); !fault.empty()) Fail(fault);
     if (words.empty()) return;
+    RunLine(words);
+}
+
+void FleetReader::RunLine(const Words &words) {
     if (words[0].flQuoted) Fail("a line begins with a word, not with a text");
     for (const Statement &statement : Statements) {
         if (statement.word == words[0].text) return RunStatement(statement, words);
@@ -171,6 +180,8 @@ void FleetReader::ReadLine(std::string_view text) {
 }
 
 void FleetReader::RunStatement(const Statement &statement, const Words &words) {
+    if (flChanging && statement.places != FOR_VALUES)
+        Fail(std::string(statement.word) + " can't be said to a printer at work");
     bool flBlock = place == IN_MODEL || place == IN_PRINTER;
     if (statement.places == FOR_VALUES && !flBlock)
         Fail(std::string(statement.word) + " belongs into the block of a model or printer");
@@ -228,7 +239,7 @@ void FleetReader::Name(const Words &words) {
     if (SimFindKnob(word) >= 0) Fail(word + " is a knob");
     if (!IsName(word)) Fail("a name has letters, digits, _ and -, and begins with a letter: " + word);
     SimOid oid = OidOf(words[2]);
-    if (auto [at, flNew] = names.emplace(word, oid); !flNew && at->second != oid)
+    if (auto [at, flNew] = fleet->names.emplace(word, oid); !flNew && at->second != oid)
         Fail(word + " is " + SimOidText(at->second) + " already");
 }
 
@@ -283,6 +294,7 @@ void FleetReader::Model(const Words &words) {
     if (!other) return;
     block->knobs = other->knobs;
     block->at = other->at;
+    block->warm = other->warm;
     for (const SimEntry &inherited : other->entries)
         draft.emplace_hint(draft.end(), inherited.name, inherited);
 }
@@ -329,8 +341,8 @@ void FleetReader::CloseBlock() {
 
 bool FleetReader::Resolve(const std::string &text, SimOid *oid) const {
     size_t end = std::min(text.find('.'), text.size());
-    auto at = names.find(text.substr(0, end));
-    return SimParseOid(at == names.end() ? text : SimOidText(at->second) + text.substr(end), oid);
+    auto at = fleet->names.find(text.substr(0, end));
+    return SimParseOid(at == fleet->names.end() ? text : SimOidText(at->second) + text.substr(end), oid);
 }
 
 SimOid FleetReader::OidOf(const SimWord &word) const {
@@ -364,20 +376,38 @@ void FleetReader::Put(const SimOid &name, SimValue value, bool flOnce) {
 }
 
 void FleetReader::ValueLine(const Words &words) {
-    SimOid name = OidOf(words[0]);
+    SimEntry found = Entry(words, 0);
     if (place != IN_MODEL && place != IN_PRINTER)
         Fail("a value belongs into the block of a model or printer");
-    if (words.size() < 2) Fail("this should be: OID TYPE VALUE [rw [max N] [only N ...] [cut N] [keep]]");
-    const TypeRow &type = Type(words[1]);
+    Put(found.name, std::move(found.value));
+}
+
+void FleetReader::Warm(const Words &words) {
+    SimEntry found = Entry(words, 1);
+    if (found.value.flWritable) Fail("what stands while it warms up can't be set");
+    auto at = std::lower_bound(block->warm.begin(), block->warm.end(), found.name,
+                               [](const SimEntry &other, const SimOid &name) { return other.name < name; });
+    if (at != block->warm.end() && at->name == found.name)
+        *at = std::move(found);
+    else
+        block->warm.insert(at, std::move(found));
+}
+
+// "OID TYPE VALUE [rw ...]" from word `first` on.
+SimEntry FleetReader::Entry(const Words &words, size_t first) const {
+    SimOid name = OidOf(words[first]);
+    if (words.size() < first + 2)
+        Fail("this should be: OID TYPE VALUE [rw [max N] [only N ...] [cut N] [keep]]");
+    const TypeRow &type = Type(words[first + 1]);
     bool flNone = type.tag == SIM_NULL || type.word == "uptime";
-    size_t at = flNone ? 2 : 3;
-    if (words.size() < at) Fail(words[1].text + " wants a value");
+    size_t at = first + (flNone ? 2 : 3);
+    if (words.size() < at) Fail(words[first + 1].text + " wants a value");
     SimValue value = Value(type, words[at - 1]);
     if (at < words.size() && words[at].text != "rw")
         Fail("rw or nothing stands behind a value, not " + words[at].text);
     if (at < words.size() && flNone) Fail("a value of this type can't be set");
     Traits(words, at, words.size(), &value);
-    Put(name, std::move(value));
+    return {std::move(name), std::move(value)};
 }
 
 const TypeRow &FleetReader::Type(const SimWord &word) const {
@@ -598,6 +628,38 @@ void FleetReader::Finish() {
               [](const auto &a, const auto &b) { return a.address < b.address; });
 }
 
+// The printer leaves the block that it may share for a copy with the line in it.
+size_t FleetReader::Change(std::string_view text, std::set<SimOid> *changed) {
+    Words words;
+    file = "change";
+    line = 1;
+    flChanging = true;
+    if (std::string fault = SimSplit(text, &words); !fault.empty()) Fail(fault);
+    if (words.size() < 2) Fail("this should be: ADDRESS LINE");
+    uint32_t address = AddressOf(words[0]);
+    auto at = std::lower_bound(
+        fleet->printers.begin(), fleet->printers.end(), address,
+        [](const SimPlaceOfPrinter &other, uint32_t wanted) { return other.address < wanted; });
+    if (at == fleet->printers.end() || at->address != address)
+        Fail("no printer has the address " + words[0].text);
+    SimBlock copy = *at->own;
+    for (SimEntry &old : copy.entries) draft.emplace_hint(draft.end(), old.name, std::move(old));
+    copy.entries.clear();
+    place = IN_PRINTER;
+    base = at->model;
+    block = &copy;
+    RunLine({words.begin() + 1, words.end()});
+    *changed = said;
+    CloseBlock();
+    at->own = &fleet->blocks.emplace_back(std::move(copy));
+    return static_cast<size_t>(at - fleet->printers.begin());
+}
+
+size_t SimChangeFleet(SimFleet *fleet, const SimReadOptions &options, std::string_view text,
+                      std::set<SimOid> *names) {
+    return FleetReader(fleet, options).Change(text, names);
+}
+
 std::unique_ptr<SimFleet> SimReadFleet(const std::vector<std::string> &files, const SimReadOptions &options) {
     auto fleet = std::make_unique<SimFleet>();
     FleetReader reader(fleet.get(), options);
@@ -622,6 +684,17 @@ const SimEntry *SimFind(const SimPlaceOfPrinter &printer, SimOidView name) {
     for (const SimBlock *block : {printer.own, printer.model}) {
         const SimEntry *entry = Behind(block, name, true);
         if (entry && entry->name == name) return entry->flRemoved ? nullptr : entry;
+    }
+    return nullptr;
+}
+
+const SimEntry *SimFindWarm(const SimPlaceOfPrinter &printer, SimOidView name) {
+    for (const SimBlock *block : {printer.own, printer.model}) {
+        if (!block) continue;
+        auto at =
+            std::lower_bound(block->warm.begin(), block->warm.end(), name,
+                             [](const SimEntry &entry, SimOidView other) { return entry.name < other; });
+        if (at != block->warm.end() && at->name == name) return &*at;
     }
     return nullptr;
 }

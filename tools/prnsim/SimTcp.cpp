@@ -1,4 +1,4 @@
-// The printers' web pages and their ports for print data.
+// The printers' connections: who is let in and cut off, and their web pages.
 #include "tools/prnsim/SimNet.h"
 
 #include <cerrno>
@@ -64,7 +64,7 @@ static std::string PageText(const SimPrinter &printer) {
 }
 
 std::string SimNet::Page(size_t number, std::string_view request) {
-    SimAgent::Settle(&printers[number]);
+    SimAgent::Settle(&printers[number], Now());
     bool flHead = request.substr(0, 5) == "HEAD ", flGet = request.substr(0, 4) == "GET ";
     size_t path = flHead ? 5 : 4;
     const char *status = "501 Not Implemented";
@@ -82,17 +82,6 @@ std::string SimNet::Page(size_t number, std::string_view request) {
            (flHead ? "" : body);
 }
 
-// A file for one print job, -1 if the printer doesn't store them.
-int SimNet::RawFile(size_t number) {
-    const SimSetting &knob = printers[number].Knob(KNOB_RAW);
-    if (knob.text.empty()) return -1;
-    std::string path = knob.text + "/" + SimAddressText(printers[number].place->address) + "-" +
-                       std::to_string(++prints[number]) + ".prn";
-    int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
-    if (file < 0) fprintf(stderr, "prnsim: %s: %s\n", path.c_str(), strerror(errno));
-    return file;
-}
-
 // A full house takes nobody.
 void SimNet::Accept(int listener, Kind kind, size_t number) {
     int made = accept4(listener, nullptr, nullptr, SOCK_CLOEXEC | SOCK_NONBLOCK);
@@ -107,14 +96,17 @@ void SimNet::Accept(int listener, Kind kind, size_t number) {
     open++;
     Connection &connection = connections[at];
     connection = {.socket = made, .kind = kind, .printer = number, .deadline = Now() + Patience};
-    if (kind == RAW) connection.file = RawFile(number);
+    if (kind == RAW) connection.file = JobFile(number, KNOB_RAW, ++prints[number], ".prn");
 }
 
 void SimNet::Serve(size_t number) {
     Connection &connection = connections[number];
     if (connection.socket < 0) return; // closed since the event was fetched
     connection.deadline = Now() + Patience;
-    if (!(connection.kind == WEB ? ServeWeb(&connection, number) : ServeRaw(&connection))) Close(&connection);
+    bool flMore = connection.kind == WEB   ? ServeWeb(&connection, number)
+                  : connection.kind == RAW ? ServeRaw(&connection)
+                                           : ServeLpd(&connection);
+    if (!flMore) Close(&connection);
 }
 
 // The readers and writers of connections give false when theirs is done with.
@@ -122,6 +114,7 @@ bool SimNet::ReadWeb(Connection *connection, size_t number) {
     std::string &text = connection->text;
     ssize_t got = recv(connection->socket, buffer, sizeof buffer, 0);
     if (got <= 0) return got < 0 && errno == EAGAIN;
+    if (printers[connection->printer].Knob(KNOB_WEB).first == WEB_MUTE) return true;
     text.append(buffer, static_cast<size_t>(got));
     if (text.find("\r\n\r\n") == text.npos && text.find("\n\n") == text.npos)
         return text.size() < REQUEST_MAX;
@@ -139,16 +132,6 @@ bool SimNet::ServeWeb(Connection *connection, size_t number) {
     return !text.empty();
 }
 
-bool SimNet::ServeRaw(Connection *connection) {
-    ssize_t got = recv(connection->socket, buffer, sizeof buffer, 0);
-    if (got <= 0) return got < 0 && errno == EAGAIN;
-    if (connection->file >= 0 && write(connection->file, buffer, static_cast<size_t>(got)) != got) {
-        fprintf(stderr, "prnsim: a print job could not be stored: %s\n", strerror(errno));
-        return false;
-    }
-    return true;
-}
-
 void SimNet::Close(Connection *connection) {
     if (connection->socket < 0) return;
     close(connection->socket);
@@ -162,15 +145,16 @@ void SimNet::CloseOld() {
     if (!open) return;
     SimTime now = Now();
     for (Connection &connection : connections) {
-        if (connection.socket >= 0 && connection.kind == WEB && now > connection.deadline) Close(&connection);
+        if (connection.socket < 0 || connection.kind != WEB || now <= connection.deadline) continue;
+        if (printers[connection.printer].Knob(KNOB_WEB).first != WEB_MUTE) Close(&connection);
     }
 }
 
 // A printer that is gone refuses connections and cuts those it had. The ports stay bound meanwhile.
 void SimNet::SwitchOff(size_t number) {
     off[number] = true;
-    for (Kind kind : {WEB, RAW}) {
-        int socket = sockets[kind][number];
+    for (const Port &port : Ports) {
+        int socket = sockets[port.kind][number];
         if (socket < 0) continue;
         epoll_ctl(epoll, EPOLL_CTL_DEL, socket, nullptr);
         shutdown(socket, SHUT_RDWR);
@@ -178,19 +162,30 @@ void SimNet::SwitchOff(size_t number) {
     for (Connection &connection : connections) {
         if (connection.printer == number) Close(&connection);
     }
-    if (printers[number].silentUntil > 0) waking.emplace(printers[number].silentUntil, number);
 }
 
-void SimNet::SwitchOn() {
-    for (SimTime now = Now(); !waking.empty() && waking.begin()->first <= now;) {
-        size_t number = waking.begin()->second;
-        waking.erase(waking.begin());
-        if (printers[number].IsGone(now)) continue;
-        off[number] = false;
-        for (Kind kind : {WEB, RAW}) {
-            int socket = sockets[kind][number];
-            if (socket >= 0 && (listen(socket, LISTEN_BACKLOG) != 0 || !Watch(socket, kind, number)))
-                fprintf(stderr, "prnsim: a port could not be opened again: %s\n", strerror(errno));
-        }
+void SimNet::SwitchOn(size_t number) {
+    off[number] = false;
+    bool flGood = true;
+    for (const Port &port : Ports) {
+        int socket = sockets[port.kind][number];
+        if (socket >= 0)
+            flGood = listen(socket, LISTEN_BACKLOG) == 0 && Watch(socket, port.kind, number) && flGood;
+    }
+    if (!FollowKnobs(number) || !flGood)
+        fprintf(stderr, "prnsim: a port could not be opened again: %s\n", strerror(errno));
+}
+
+void SimNet::Turn(size_t number) {
+    bool flGone = printers[number].IsGone(Now());
+    if (flGone == off[number]) return;
+    flGone ? SwitchOff(number) : SwitchOn(number);
+}
+
+void SimNet::TurnAll() {
+    for (SimTime now = Now(); !turning.empty() && turning.begin()->first <= now;) {
+        size_t number = turning.begin()->second;
+        turning.erase(turning.begin());
+        Turn(number);
     }
 }

@@ -177,7 +177,10 @@ std::string SimValueText(const SimValue &value, uint32_t address, uint32_t numbe
     std::string text = "text:\"";
     for (char ch : bytes) {
         if (ch == '"' || ch == '\\') text += '\\';
-        text += ch;
+        if (ch == ' ')
+            text += "\\x20";
+        else
+            text += ch;
     }
     return text + '"';
 }

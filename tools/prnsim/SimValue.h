@@ -73,5 +73,5 @@ bool SimParseHex(std::string_view text, std::string *bytes);
 std::string SimExpand(const SimValue &value, uint32_t address, uint32_t number);
 // One line of a recorded walk, without a line end; ticks of an uptime are 0.
 std::string SimRecordLine(SimOidView name, const SimValue &value, uint32_t address, uint32_t number);
-// For people: text:"lobby", integer:5, hex:00ff. Neither blank nor line end stands in it but inside quotes.
+// For the log: text:"lobby\x20bar", integer:5, hex:00ff. Neither blank nor line end stands in it.
 std::string SimValueText(const SimValue &value, uint32_t address, uint32_t number);

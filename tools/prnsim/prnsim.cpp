@@ -14,16 +14,17 @@ static volatile sig_atomic_t flStop;
 struct Options {
     SimReadOptions read;
     SimPorts ports;
-    std::string log, dump, seed;
+    std::string log, dump, seed, control, change;
     double seconds = 0;
     bool flCheck = false;
     std::vector<std::string> files;
 };
 
 [[noreturn]] static void Usage() {
-    fputs("usage: prnsim [-n] [-p PORT] [-w PORT] [-r PORT] [-m FROM=TO] [-k \"KNOB VALUE\"]... [-s SEED]\n"
-          "              [-l FILE] [-t SECONDS] FLEET...\n"
-          "       prnsim -d ADDRESS FLEET...\n",
+    fputs("usage: prnsim [-n] [-p PORT] [-w PORT] [-r PORT] [-q PORT] [-m FROM=TO] [-k \"KNOB VALUE\"]...\n"
+          "              [-s SEED] [-l FILE] [-c SOCKET] [-t SECONDS] FLEET...\n"
+          "       prnsim -d ADDRESS FLEET...\n"
+          "       prnsim -e SOCKET \"ADDRESS LINE\"...\n",
           stderr);
     exit(EXIT_BAD_FLEET);
 }
@@ -66,12 +67,15 @@ static double ParseSeconds(const char *text) {
 static Options ParseOptions(int argc, char **argv) {
     Options options;
     int64_t number;
-    for (int option; (option = getopt(argc, argv, "np:w:r:m:k:s:l:t:d:")) != -1;) {
+    for (int option; (option = getopt(argc, argv, "np:w:r:q:m:k:s:l:c:e:t:d:")) != -1;) {
         switch (option) {
         case 'n': options.flCheck = true; break;
         case 'p': options.ports.snmp = ParsePort('p', optarg); break;
         case 'w': options.ports.web = ParsePort('w', optarg); break;
         case 'r': options.ports.raw = ParsePort('r', optarg); break;
+        case 'q': options.ports.lpd = ParsePort('q', optarg); break;
+        case 'c': options.control = optarg; break;
+        case 'e': options.change = optarg; break;
         case 'm':
             if (!ParseMap(optarg, &options.read)) Refuse('m', optarg);
             break;
@@ -137,14 +141,14 @@ static FILE *OpenLog(const std::string &path) {
     exit(EXIT_FAILURE);
 }
 
-static int Serve(const SimFleet &fleet, const Options &options) {
+static int Serve(SimFleet *fleet, const Options &options) {
     sigset_t waiting = CatchSignals();
     FILE *log = OpenLog(options.log);
     bool flRan = false;
     {
-        auto net = std::make_unique<SimNet>(fleet, options.ports, log);
-        if (net->Open()) {
-            printf("ready %zu printers %zu subnets\n", fleet.printers.size(), fleet.subnets.size());
+        auto net = std::make_unique<SimNet>(fleet, options.read, options.ports, log);
+        if (net->Open() && (options.control.empty() || net->OpenControl(options.control))) {
+            printf("ready %zu printers %zu subnets\n", fleet->printers.size(), fleet->subnets.size());
             fflush(stdout);
             flRan = net->Run(options.seconds, waiting, &flStop);
         }
@@ -159,11 +163,13 @@ static int Serve(const SimFleet &fleet, const Options &options) {
 
 int main(int argc, char **argv) {
     Options options = ParseOptions(argc, argv);
+    if (!options.change.empty())
+        return SimSendChange(options.change, options.files) ? EXIT_SUCCESS : EXIT_BAD_FLEET;
     try {
         std::unique_ptr<SimFleet> fleet = SimReadFleet(options.files, options.read);
         if (!options.seed.empty()) fleet->seed = strtoull(options.seed.c_str(), nullptr, 10);
         if (!options.dump.empty()) return Dump(*fleet, options.dump);
-        if (!options.flCheck) return Serve(*fleet, options);
+        if (!options.flCheck) return Serve(fleet.get(), options);
         printf("%zu printers %zu subnets\n", fleet->printers.size(), fleet->subnets.size());
     } catch (const SimFault &fault) {
         fprintf(stderr, "prnsim: %s\n", fault.what());
