@@ -204,7 +204,7 @@ static Pixel GetColourPixel(const XImage *image, char letter, const std::string 
     return GenColor(value.c_str(), 0, nullptr);
 }
 
-// line = KEY WORD VALUE, the key as wide as told, so that it may hold blanks.
+// line = KEY WORD VALUE, the key as wide as the head tells, so that it may hold blanks.
 static void ReadColour(const XImage *image, const std::string &line, size_t keyLength, XpmColour *colour) {
     if (line.size() < keyLength) return;
     memcpy(colour->key, line.data(), keyLength);

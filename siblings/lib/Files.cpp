@@ -58,7 +58,7 @@ std::string PrepareFile(const std::string &path, std::string_view content, unsig
     unlink(name.c_str());
     int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
     if (file < 0) return Failed("write", name);
-    // fchmod: the mode is meant as told, whatever the caller's umask.
+    // fchmod: the mode is meant as it stands, whatever the caller's umask.
     bool flWritten = WriteAll(file, content) && !fchmod(file, mode) && !fsync(file);
     if (!flWritten) error = Failed("write", name);
     if (close(file) && flWritten) error = Failed("write", name);
