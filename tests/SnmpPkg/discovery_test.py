@@ -2,9 +2,11 @@
 a model of what an exchange gives when datagrams are lost, late, doubled or damaged."""
 import heapq
 import ipaddress
+import itertools
 import os
 import re
 import shutil
+import socket
 import subprocess
 import sys
 import tempfile
@@ -14,7 +16,7 @@ from concurrent.futures import ThreadPoolExecutor
 from pathlib import Path
 
 import netns
-from prnsim import SIMULATOR, draw
+from prnsim import FLEETS, RECORDINGS, SIMULATOR, draw, get_message
 from snmpask import FILTER, VARIABLES, ask
 
 VALUES = ["oid 1.3.6.1.4.1.9999.1", 'text "p{number}"', 'text "Printer of a test"', 'text "Tarvo C410"',
@@ -45,6 +47,8 @@ def shown(kind, value):
     return {'""': "", "NULL": ""}.get(value, value[1:] if kind == "OID" else value)
 
 
+UPTIMES = "1.3.6.1.2.1.1.3.0", "1.3.6.1.2.1.25.1.1.0"
+ODD = Path(FLEETS) / "odd.fleet"
 KINDS_SHOWN = {"INTEGER": 0, "Counter32": 1, "Gauge32": 2, "Timeticks": 3, "Hex-STRING": 5, "OID": 7, "IpAddress": 9}
 AGENT_CONF = """rocommunity rdcomm
 rwcommunity wrcommx
@@ -66,11 +70,14 @@ class BesideNetSnmp(unittest.TestCase):
     def agree(self, address, tree):
         """What a walk gives, our package reads one by one, and on the way through the whole tree."""
         walked = [(name, 0, KINDS_SHOWN[kind] if kind else 8 if value.strip() == "NULL" else 5, shown(kind, value))
-                  for name, kind, value in tool("snmpwalk", address, tree)]
-        for start in range(0, len(walked), 20):
-            part = walked[start:start + 20]
+                  for name, kind, value in tool("snmpwalk", address, tree) if name not in UPTIMES]
+        start = 0
+        while start < len(walked):  # as many as a package holds
+            sizes = itertools.accumulate(16 + len(text) for *_, text in walked[start:start + 20])
+            part = walked[start:start + sum(size < 2048 for size in sizes)]
             (host, read), = ask("get", address, *[name for name, *_ in part])[0]
             self.assertEqual((host, read), (address, part))
+            start += len(part)
         return len(walked)
 
     def sets(self, address, name, letter):
@@ -108,6 +115,52 @@ class BesideNetSnmp(unittest.TestCase):
             finally:
                 agent.kill()
                 agent.wait()
+
+    def test_odd_printers(self):
+        """Each is asked for the one thing in which it is odd; then the package reads all that a walk of net-snmp gives."""
+        def walked(host, tree):
+            return {name.removeprefix(tree): shown(kind, value) if kind else value.strip()
+                    for name, kind, value in tool("snmpwalk", f"10.71.200.{host}", tree)}
+        prt = "1.3.6.1.2.1.43."
+        with net.simulate(SIMULATOR, str(ODD)):
+            printers = re.findall(r"^printer (\S+)", ODD.read_text(), re.M)
+            found, answers = ask("-t", "1", "-f", FILTER, "find", "10.71.200.0 255.255.255.0", *VARIABLES)
+            self.assertEqual((answers, set(printers) - {address for address, _ in found}),
+                             (len(printers), {f"10.71.200.{host}" for host in (11, 12, 13, 74)}))
+            names = {address: read[1][3] for address, read in found}
+            self.assertEqual([names[f"10.71.200.{host}"] for host in (21, 22, 23, 72)], ["", "_" * 14, "  lobby  ", ""])
+            self.assertEqual(dict(found)["10.71.200.31"][4][3], "")  # the first interface has no address
+            for host, tree, wanted in (
+                    (32, prt + "8.2.1.10.1.", {"2": "423", "5": "0"}), (33, prt + "11.1.1.9.1.", {"0": "4120", "1": "100"}),
+                    (34, prt + "8.2.1.13.", {}), (34, prt + "10.2.1.4.", {}), (51, prt + "11.1.1.9.1.4", {"": "2147483647"}),
+                    (41, "1.3.6.1.2.1.1.6.", {"0": r"B\fcro, 2. \c9tage, 20\b0C"}),
+                    (42, "1.3.6.1.2.1.1.6.", {"0": r"B\c3\bcro, 2. \c3\89tage, 20\c2\b0C"}),
+                    (61, prt + "16.5.1.2.1.", {"1": "\"\"", "2": "\"\""}), (62, prt + "16.5.", {}),
+                    (72, prt + "8.2.1.10.1.1", {"": "NULL"})):
+                self.assertEqual(walked(host, tree.rstrip(".")),
+                                 {("." if tree[-1] == "." else "") + name: value for name, value in wanted.items()}, (host, tree))
+            self.assertEqual(len(walked(53, prt + "11.1.1.6")), 30)
+            with socket.socket(socket.AF_INET, socket.SOCK_DGRAM) as asker:
+                asker.settimeout(5)
+                asker.sendto(get_message("1.3.6.1.2.1.1.4.0"), ("10.71.200.71", 161))
+                self.assertEqual(len(asker.recv(2000)), 1300)
+            for address in printers:
+                self.assertGreater(self.agree(address, "1.3.6.1.2.1"), 100, address)
+
+    def test_recorded_devices(self):
+        """Walks of real devices are not part of this tree; where there are some, those that have both variables are found."""
+        walks = {f"10.71.200.{100 + n}": path for n, path in enumerate(sorted(RECORDINGS.glob("*.snmprec")))}
+        if not walks:
+            return print("no recorded walks here", file=sys.stderr)
+        with tempfile.NamedTemporaryFile("w", suffix=".fleet") as fleet:
+            print("subnet 10.71.200.0/24", *(f'printer {address}\n recording "{path}"' for address, path in walks.items()),
+                  sep="\n", file=fleet, flush=True)
+            with net.simulate(SIMULATOR, fleet.name):
+                found, _ = ask("-t", "1", "-f", FILTER, "find", "10.71.200.0 255.255.255.0", *VARIABLES)
+                for address, path in walks.items():
+                    named = {line.split(b"|")[0].decode() for line in path.read_bytes().splitlines()}
+                    self.assertEqual(address in dict(found), {VARIABLES[3], VARIABLES[5]} <= named, path)
+                    self.assertGreater(self.agree(address, "1.3.6.1.2.1"), 100, path)
 
 
 # ---- Beside a model
@@ -291,6 +344,6 @@ if __name__ == "__main__":
     if reason:
         print("skipped: " + reason)
         sys.exit(77)
-    net = netns.Network(*(str(subnet) for case in CASES for subnet in case.subnets))
+    net = netns.Network("10.71.200.0/24", *(str(subnet) for case in CASES for subnet in case.subnets))
     net.give("10.71.1.2", FOREIGN)
     unittest.main()

@@ -6,6 +6,7 @@
 Texts may use the models of tarvo.fleet.  Addresses are those of the description; Simulator.at() gives the real ones.
 """
 import os
+import pathlib
 import random
 import shutil
 import socket
@@ -14,6 +15,8 @@ import tempfile
 
 SIMULATOR = os.path.join(os.environ["PRN_BUILD"], "tools", "prnsim", "prnsim")
 FLEETS = os.path.join(os.path.dirname(os.path.abspath(__file__)), "..", "..", "tools", "prnsim")
+# Recorded walks of real devices, where there are any: beside this tree, or where PRN_RECORDINGS says.
+RECORDINGS = pathlib.Path(os.environ.get("PRN_RECORDINGS", os.path.join(FLEETS, "..", "..", "..", "shared", "recordings")))
 INCLUDE = 'include "%s"\n' % os.path.abspath(os.path.join(FLEETS, "tarvo.fleet"))
 
 
