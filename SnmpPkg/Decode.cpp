@@ -60,7 +60,7 @@ bool PkgDecodeHeader(PkgPacket *packet, PkgHeader *header) {
 
 bool PkgDecodeStrData(PkgPacket *packet, PkgHeader *header, char *text, int capacity) {
     int end = PkgContentEnd(packet, header);
-    if (text == nullptr || end == PKG_READ_END || header->Len >= capacity) return PkgRefuse(packet, end);
+    if (!text || end == PKG_READ_END || header->Len >= capacity) return PkgRefuse(packet, end);
     memcpy(text, packet->Data + packet->Pos, static_cast<size_t>(header->Len));
     text[header->Len] = 0;
     packet->Pos = end;
@@ -102,7 +102,7 @@ static char *PkgPutArc(char *text, uint32_t arc) {
 }
 
 bool PkgDecodeObjectIdData(PkgPacket *packet, PkgHeader *header, char *text, int capacity) {
-    if (header->Len == 0 || text == nullptr) return false;
+    if (header->Len == 0 || !text) return false;
     int end = PkgContentEnd(packet, header);
     if (end == PKG_READ_END) return PkgRefuse(packet, end);
     char *write = text;
@@ -144,8 +144,7 @@ bool PkgDecodeInt64(PkgPacket *packet, PkgHeader *header, PkgInt64 *value) {
 
 bool PkgDecodeBitStrData(PkgPacket *packet, PkgHeader *header, PkgBits *bits) {
     int end = PkgContentEnd(packet, header);
-    if (bits == nullptr || bits->Buffer == nullptr || header->Len == 0 || end == PKG_READ_END)
-        return PkgRefuse(packet, end);
+    if (!bits || !bits->Buffer || header->Len == 0 || end == PKG_READ_END) return PkgRefuse(packet, end);
     int unused = static_cast<int>(PkgGetByte(packet));
     header->Len--;
     if (unused > 7 || header->Len * 8 < unused || header->Len > bits->Capacity) return PkgRefuse(packet, end);

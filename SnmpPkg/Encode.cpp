@@ -21,7 +21,7 @@ static void PkgPutByte(PkgPacket *packet, unsigned byte) {
 }
 
 static void PkgPutBytes(PkgPacket *packet, const void *bytes, int count) {
-    if (count > packet->Pos || packet->Pos > PKG_WRITE_START || (bytes == nullptr && count > 0)) {
+    if (count > packet->Pos || packet->Pos > PKG_WRITE_START || (!bytes && count > 0)) {
         packet->Pos = PKG_OVERRUN;
         return;
     }
@@ -105,7 +105,7 @@ static uint32_t PkgReadArc(const char **text) {
 // Turns a dotted text into sub-identifiers, the first two arcs into one. Their number, or -1 if there are too
 // many.
 static int PkgReadSubIds(const char *text, uint32_t *subIds) {
-    if (text == nullptr) text = "";
+    if (!text) text = "";
     while (*text == '.') text++;
     subIds[0] = PkgReadArc(&text) * 40;
     if (*text != 0) subIds[0] += PkgReadArc(&text);
@@ -127,7 +127,7 @@ int PkgEncodeObjectId(PkgPacket *packet, const char *text) {
 }
 
 bool PkgEncodePacketProlog(PkgPacket *packet, const char *community, int32_t requestId, int pdu) {
-    if (community == nullptr) community = "";
+    if (!community) community = "";
     PkgEncodeHeader(packet, BER_SEQUENCE, packet->Len);
     PkgEncodeInt(packet, 0, BER_INTEGER); // error index
     PkgEncodeInt(packet, 0, BER_INTEGER); // error status
@@ -140,7 +140,7 @@ bool PkgEncodePacketProlog(PkgPacket *packet, const char *community, int32_t req
 }
 
 bool PkgEncodeTrapPacketProlog(PkgPacket *packet, const char *community) {
-    if (community == nullptr) community = "";
+    if (!community) community = "";
     PkgEncodeHeader(packet, BER_PDU, packet->Len);
     PkgEncodeStr(packet, community, static_cast<int>(strnlen(community, PKG_DATA_SIZE)), BER_STRING);
     PkgEncodeInt(packet, 0, BER_INTEGER);

@@ -81,7 +81,7 @@ static const PkgVar *FindTermVar(std::string_view term, const SnmpPackage *packa
 
 bool TermFilled(std::string_view term, const SnmpPackage *package) {
     const PkgVar *var = FindTermVar(term, package);
-    if (var == nullptr || var->Status != SUCCESS) return false;
+    if (!var || var->Status != SUCCESS) return false;
     switch (var->RecType) {
     case VT_EMPTY:
     case VT_UNKNOWN:
@@ -131,5 +131,5 @@ static bool PassTerm(std::string_view expression, const SnmpPackage *package, in
 }
 
 bool PassFilter(const char *expression, const SnmpPackage *package) {
-    return expression == nullptr || PassTerm(expression, package, 0);
+    return !expression || PassTerm(expression, package, 0);
 }

@@ -25,7 +25,7 @@ static const char *LogTypeName(unsigned tag) {
 }
 
 void LogPacketTo(FILE *out, SnmpPackage *package, PkgPacket *packet, const char *heading) {
-    if (package == nullptr || packet == nullptr || package->LogPackets == 0) return;
+    if (!package || !packet || package->LogPackets == 0) return;
     fprintf(out, "\n%s\n", heading);
     int32_t start = packet->Pos;
     int end = packet->Len < PKG_DATA_SIZE - start ? start + packet->Len : PKG_DATA_SIZE;

@@ -104,11 +104,11 @@ static bool PkgValueFits(const SnmpPackage *package, int length) {
 }
 
 static PkgVar *InitVarSpare(SnmpPackage *package, int type, const char *name, int spare) {
-    if (name == nullptr || package->NumVars >= PKG_VARS) return nullptr;
+    if (!name || package->NumVars >= PKG_VARS) return nullptr;
     PkgVar *var = &package->Vars[package->NumVars];
     int room = PkgTextRoom(name, spare);
     char *copy = PkgStoreName(package, &package->NameUsed, name, room);
-    if (copy == nullptr) return nullptr;
+    if (!copy) return nullptr;
     *var = {};
     var->Name = copy;
     var->NameRoom = room;
@@ -126,14 +126,14 @@ PkgVar *InitVar(SnmpPackage *package, int type, const char *name) {
 // A community that fits where the last one stands takes its place, so that a package can be sent any number
 // of times.
 int PkgSetCommunity(SnmpPackage *package, const char *text) {
-    if (text == nullptr) return SETUP_ERR_INVALID_PARAM;
+    if (!text) return SETUP_ERR_INVALID_PARAM;
     int room = PkgTextRoom(text, 0);
     if (room <= package->CommunityRoom) {
         memmove(package->Community, text, static_cast<size_t>(room));
         return SUCCESS;
     }
     char *copy = PkgStoreName(package, &package->NameUsed, text, room);
-    if (copy == nullptr) return SETUP_ERR_INVALID_PARAM;
+    if (!copy) return SETUP_ERR_INVALID_PARAM;
     package->RecNameUsed = package->NameUsed;
     package->Community = copy;
     package->CommunityRoom = room;
@@ -149,9 +149,9 @@ static int PkgInit(SnmpPackage *package) {
 }
 
 static int PkgAddNumber(SnmpPackage *package, int type, const char *name, int32_t value, int32_t low = 0) {
-    if (name == nullptr) return SUCCESS;
+    if (!name) return SUCCESS;
     PkgVar *var = InitVar(package, type, name);
-    if (var == nullptr) return SETUP_ERR_INVALID_PARAM;
+    if (!var) return SETUP_ERR_INVALID_PARAM;
     var->SendValue = value;
     var->SendData = low;
     return SUCCESS;
@@ -159,17 +159,17 @@ static int PkgAddNumber(SnmpPackage *package, int type, const char *name, int32_
 
 static int PkgAddBytes(SnmpPackage *package, int type, const char *name, int length, const void *bytes,
                        int spare = 0) {
-    if (name == nullptr) return SUCCESS;
-    if (!PkgValueFits(package, length) || bytes == nullptr) return SETUP_ERR_INVALID_PARAM;
+    if (!name) return SUCCESS;
+    if (!PkgValueFits(package, length) || !bytes) return SETUP_ERR_INVALID_PARAM;
     PkgVar *var = InitVarSpare(package, type, name, spare);
-    if (var == nullptr) return SETUP_ERR_INVALID_PARAM;
+    if (!var) return SETUP_ERR_INVALID_PARAM;
     var->SendValue = length;
     var->SendData = reinterpret_cast<intptr_t>(PkgStoreValue(package, bytes, length));
     return SUCCESS;
 }
 
 static int PkgAddText(SnmpPackage *package, int type, const char *name, const char *text) {
-    if (name == nullptr) return SUCCESS;
+    if (!name) return SUCCESS;
     int length = text != nullptr ? static_cast<int>(strnlen(text, PKG_VALUES_SIZE)) : -1;
     int code = PkgAddBytes(package, type, name, length, text);
     if (code != SUCCESS || type != VT_OBJECT) return code;
@@ -180,7 +180,7 @@ static int PkgAddText(SnmpPackage *package, int type, const char *name, const ch
 
 // An empty variable holds one 0 byte and counts it, unlike an empty string.
 static int PkgAddEmpty(SnmpPackage *package, const char *name, int spare) {
-    if (name == nullptr) return SUCCESS;
+    if (!name) return SUCCESS;
     int code = PkgAddBytes(package, VT_EMPTY, name, 0, "", spare);
     if (code == SUCCESS) package->Vars[package->NumVars - 1].SendValue = 1;
     return code;
@@ -188,17 +188,17 @@ static int PkgAddEmpty(SnmpPackage *package, const char *name, int spare) {
 
 static int PkgAddAddress(SnmpPackage *package, const char *name, const char *text) {
     in_addr address;
-    if (name == nullptr) return SUCCESS;
-    if (text == nullptr || inet_aton(text, &address) == 0) return SETUP_ERR_INVALID_PARAM;
+    if (!name) return SUCCESS;
+    if (!text || inet_aton(text, &address) == 0) return SETUP_ERR_INVALID_PARAM;
     return PkgAddNumber(package, VT_IPADDRESS, name, static_cast<int32_t>(address.s_addr));
 }
 
 // Takes bits / 8 + 1 bytes of the value area; of the caller's, only those that hold a bit are read.
 static int PkgAddBits(SnmpPackage *package, const char *name, int bits, const void *bytes) {
-    if (name == nullptr) return SUCCESS;
-    if (bits < 0 || bytes == nullptr || !PkgValueFits(package, bits / 8 + 1)) return SETUP_ERR_INVALID_PARAM;
+    if (!name) return SUCCESS;
+    if (bits < 0 || !bytes || !PkgValueFits(package, bits / 8 + 1)) return SETUP_ERR_INVALID_PARAM;
     PkgVar *var = InitVar(package, VT_BITSTRING, name);
-    if (var == nullptr) return SETUP_ERR_INVALID_PARAM;
+    if (!var) return SETUP_ERR_INVALID_PARAM;
     int length = bits / 8 + (bits % 8 != 0);
     var->SendValue = bits;
     var->SendData = reinterpret_cast<intptr_t>(PkgStoreValue(package, bytes, length));
@@ -280,7 +280,7 @@ static int PkgRunCommand(SnmpPackage *package, int command, PkgArguments *in) {
 }
 
 int SnmpSetupPkg(SnmpPackage *package, ...) {
-    if (package == nullptr) return SETUP_ERR_XTL_INIT;
+    if (!package) return SETUP_ERR_XTL_INIT;
     PkgArguments in;
     va_start(in.List, package);
     int result = SUCCESS;
@@ -322,7 +322,7 @@ int EncodeVar(const PkgVar *var, PkgPacket *packet, int flSendValue) {
     }
     if (var->SendType < 0 || var->SendType >= VT_COUNT) return 1;
     const EncodeRow &row = EncodeRows[var->SendType];
-    if (row.WithTag != nullptr)
+    if (row.WithTag)
         row.WithTag(packet, var, row.Tag);
     else
         row.Plain(packet, var);
@@ -376,7 +376,7 @@ static void PkgFillVar(SnmpPackage *package, PkgVar *var, intptr_t value, char *
 static bool DecodeNumber(PkgPacket *packet, PkgHeader *header, SnmpPackage *package, PkgVar *var) {
     int32_t value = 0;
     char *text = PkgRecRoom(package, NUMBER_TEXT);
-    if (text == nullptr || !PkgDecodeIntData(packet, header, &value)) return false;
+    if (!text || !PkgDecodeIntData(packet, header, &value)) return false;
     int length = header->Type == BER_INTEGER
                      ? snprintf(text, NUMBER_TEXT, "%d", value)
                      : snprintf(text, NUMBER_TEXT, "%u", static_cast<uint32_t>(value));
@@ -386,7 +386,7 @@ static bool DecodeNumber(PkgPacket *packet, PkgHeader *header, SnmpPackage *pack
 
 static bool DecodeString(PkgPacket *packet, PkgHeader *header, SnmpPackage *package, PkgVar *var) {
     char *text = PkgRecRoom(package, header->Len + 1);
-    if (text == nullptr || !PkgDecodeStrData(packet, header, text, header->Len + 1)) return false;
+    if (!text || !PkgDecodeStrData(packet, header, text, header->Len + 1)) return false;
     PkgFillVar(package, var, header->Len, text, text, header->Len + 1);
     return true;
 }
@@ -395,7 +395,7 @@ static bool DecodeObject(PkgPacket *packet, PkgHeader *header, SnmpPackage *pack
     char name[PKG_OID_TEXT_SIZE];
     if (!PkgDecodeObjectIdData(packet, header, name, sizeof name)) return false;
     char *text = PkgRecRoom(package, header->Len + 1);
-    if (text == nullptr) return false;
+    if (!text) return false;
     memcpy(text, name, static_cast<size_t>(header->Len) + 1);
     PkgFillVar(package, var, reinterpret_cast<intptr_t>(text), nullptr, text, header->Len + 1);
     return true;
@@ -406,7 +406,7 @@ static bool DecodeAddress(PkgPacket *packet, PkgHeader *header, SnmpPackage *pac
     in_addr address;
     char octets[sizeof address + 1];
     char *text = PkgRecRoom(package, INET_ADDRSTRLEN);
-    if (text == nullptr || header->Len != sizeof address) return false;
+    if (!text || header->Len != sizeof address) return false;
     if (!PkgDecodeStrData(packet, header, octets, sizeof octets)) return false;
     memcpy(&address, octets, sizeof address);
     inet_ntop(AF_INET, &address, text, INET_ADDRSTRLEN);
@@ -421,7 +421,7 @@ static bool DecodeBits(PkgPacket *packet, PkgHeader *header, SnmpPackage *packag
     int size = bytes + 1 + bytes * BYTE_TEXT + 1;
     char *data = PkgRecRoom(package, size);
     PkgBits bits = {0, reinterpret_cast<uint8_t *>(data), bytes};
-    if (data == nullptr || !PkgDecodeBitStrData(packet, header, &bits)) return false;
+    if (!data || !PkgDecodeBitStrData(packet, header, &bits)) return false;
     data[bytes] = 0;
     char *text = data + bytes + 1;
     text[0] = 0;
@@ -474,7 +474,7 @@ static PkgVar *DecodeFindVar(SnmpPackage *package, const char *name) {
     if (package->NumRecVars >= PKG_VARS) return nullptr;
     int room = PkgTextRoom(name, 0);
     char *copy = PkgStoreName(package, &package->RecNameUsed, name, room);
-    if (copy == nullptr) return nullptr;
+    if (!copy) return nullptr;
     PkgVar *var = &package->Vars[package->NumRecVars++];
     *var = {};
     var->Name = copy;
@@ -496,14 +496,14 @@ void DecodeVar(PkgPacket *packet, const char *name, SnmpPackage *package, uint32
     if (!PkgDecodeHeader(packet, &header)) return;
     const DecodeRow *row = FindDecodeRow(header.Type);
     int end = header.Len <= packet->Len - packet->Pos ? packet->Pos + header.Len : PKG_READ_END;
-    if (var == nullptr || (row->Read != nullptr && end == PKG_READ_END)) {
+    if (!var || (row->Read && end == PKG_READ_END)) {
         packet->Pos = end;
         return;
     }
     PkgVar before = *var;
     var->RecClass = header.Class >> 6;
     var->RecType = row->RecType;
-    if (row->Read == nullptr) {
+    if (!row->Read) {
         DecodeNothing(package, var, &header);
     } else if (row->Read(packet, &header, package, var)) {
         var->Status = SUCCESS;

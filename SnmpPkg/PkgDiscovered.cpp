@@ -14,11 +14,11 @@ unsigned char ***FirstQuad[QUAD_ENTRIES];
 template <class Visit>
 static void VisitBitmaps(Visit visit) {
     for (int a = 0; a < QUAD_ENTRIES; a++) {
-        if (FirstQuad[a] == nullptr) continue;
+        if (!FirstQuad[a]) continue;
         for (int b = 0; b < QUAD_ENTRIES; b++) {
-            if (FirstQuad[a][b] == nullptr) continue;
+            if (!FirstQuad[a][b]) continue;
             for (int c = 0; c < QUAD_ENTRIES; c++)
-                if (FirstQuad[a][b][c] != nullptr) visit(a, b, c, FirstQuad[a][b][c]);
+                if (FirstQuad[a][b][c]) visit(a, b, c, FirstQuad[a][b][c]);
         }
     }
 }

@@ -112,7 +112,7 @@ static void AskVariables(SnmpPackage *package, int timeout, PkgSource *source) {
 }
 
 static void CallBack(SnmpPackage *package, const char *filter, PkgSource *source) {
-    if (package->Callback == nullptr || !PassFilter(filter, package)) return;
+    if (!package->Callback || !PassFilter(filter, package)) return;
     package->Callback(0, package->UserData, 0, 0, package, source);
 }
 
@@ -168,7 +168,7 @@ void GetTableVariables(SnmpPackage *package, int timeout, const char *filter) {
 // ---- Broadcast, trap, single datagrams
 
 int ReceiveBroadcast(SnmpPackage *package) {
-    if (package->Callback == nullptr) return 0;
+    if (!package->Callback) return 0;
     PkgPacket packet;
     uint32_t address = 0;
     int count = 0;
@@ -202,7 +202,7 @@ int ReceivePacket(SnmpPackage *package) {
     InitRecVars(package);
     LogPacket(package, &packet, "Receive Packet");
     if (PkgReadProlog(&packet, &prolog, &text)) DecodeVariables(&packet, package, prolog.Version);
-    if (package->Callback != nullptr)
+    if (package->Callback)
         package->Callback(0, package->UserData, prolog.ErrorStatus, prolog.ErrorIndex, package, &source);
     return SUCCESS;
 }
@@ -233,7 +233,7 @@ static int ReadSendCommands(SnmpPackage *package, PkgSend *send) {
         int code = SendCommand(package, command, send);
         if (code != SUCCESS) return code;
     }
-    if (send->Mode == 0 || send->Pdu == -1 || send->Addresses == nullptr) return SETUP_ERR_XTL_INIT;
+    if (send->Mode == 0 || send->Pdu == -1 || !send->Addresses) return SETUP_ERR_XTL_INIT;
     if (send->Mode < PKG_MODE_GET || send->Mode > PKG_MODE_TRAP) return SETUP_ERR_INVALID_PARAM;
     if (send->Pdu < PDU_GET || send->Pdu > PDU_SET) return SETUP_ERR_INVALID_PARAM;
     package->SendMode = send->Mode;
@@ -243,7 +243,7 @@ static int ReadSendCommands(SnmpPackage *package, PkgSend *send) {
 }
 
 static int SendGet(SnmpPackage *package, const PkgSend *send) {
-    if (package->Pdu == PDU_TABLE && package->Callback != nullptr)
+    if (package->Pdu == PDU_TABLE && package->Callback)
         GetTableVariables(package, package->Timeout, send->Filter);
     else
         GetVariables(package, package->Timeout, send->Filter);
@@ -261,7 +261,7 @@ static int SendOnce(SnmpPackage *package, const char *mask) {
 // What stands behind the first blank of an element, which is cut there; null if that is nothing.
 static char *CutMask(char *element) {
     char *mask = strchr(element, ' ');
-    if (mask == nullptr) return nullptr;
+    if (!mask) return nullptr;
     *mask++ = 0;
     mask += strspn(mask, " ");
     return *mask != 0 ? mask : nullptr;
@@ -293,7 +293,7 @@ static int RunSend(SnmpPackage *package, const PkgSend *send) {
 }
 
 int SnmpSendPkg(SnmpPackage *package, ...) {
-    if (package == nullptr) return SETUP_ERR_XTL_INIT;
+    if (!package) return SETUP_ERR_XTL_INIT;
     PkgSend send;
     va_start(send.List, package);
     int code = ReadSendCommands(package, &send);

@@ -29,7 +29,7 @@ static int UdpAvoidZero(int descriptor) {
 }
 
 int UdpOpenSocket(SnmpPackage *package) {
-    if (package == nullptr) return 0;
+    if (!package) return 0;
     package->Socket = 0;
     int descriptor = UdpAvoidZero(socket(AF_INET, SOCK_DGRAM | SOCK_CLOEXEC, 0));
     if (descriptor < 0) return 0;
@@ -47,13 +47,13 @@ int UdpOpenSocket(SnmpPackage *package) {
 }
 
 void UdpCloseSocket(SnmpPackage *package) {
-    if (package == nullptr || package->Socket == 0) return;
+    if (!package || package->Socket == 0) return;
     close(package->Socket);
     package->Socket = 0;
 }
 
 int UdpSendPacketBinAdr(SnmpPackage *package, uint32_t address, const PkgPacket *packet) {
-    if (package == nullptr || packet == nullptr || packet->Len <= 0) return SETUP_ERR_XTL_INIT;
+    if (!package || !packet || packet->Len <= 0) return SETUP_ERR_XTL_INIT;
     if (packet->Pos < 0 || packet->Len > PKG_DATA_SIZE - packet->Pos) return SETUP_ERR_XTL_INIT;
     sockaddr_in to = {};
     to.sin_family = AF_INET;
@@ -69,10 +69,10 @@ int UdpSendPacketBinAdr(SnmpPackage *package, uint32_t address, const PkgPacket 
 }
 
 int UdpSendPacket(SnmpPackage *package, const char *mask, const PkgPacket *packet) {
-    if (package == nullptr || packet == nullptr) return SETUP_ERR_XTL_INIT;
+    if (!package || !packet) return SETUP_ERR_XTL_INIT;
     in_addr address, bits;
     if (inet_aton(package->Address, &address) == 0) return SEND_ERR_TRANSPORT_ERR;
-    if (mask != nullptr) {
+    if (mask) {
         if (inet_aton(mask, &bits) == 0) return SEND_ERR_TRANSPORT_ERR;
         address.s_addr |= ~bits.s_addr;
     }
@@ -102,7 +102,7 @@ static int UdpReceiveCode(int error) {
 }
 
 static int UdpReceive(SnmpPackage *package, sockaddr_in *peer, PkgPacket *packet, int seconds) {
-    if (package == nullptr || packet == nullptr) return SETUP_ERR_XTL_INIT;
+    if (!package || !packet) return SETUP_ERR_XTL_INIT;
     packet->Pos = packet->Len = 0;
     int code = UdpWait(package->Socket, seconds);
     if (code != SUCCESS) return code;
@@ -119,7 +119,7 @@ static int UdpReceive(SnmpPackage *package, sockaddr_in *peer, PkgPacket *packet
 int UdpReceivePacket(SnmpPackage *package, PkgSource *source, PkgPacket *packet, int seconds) {
     sockaddr_in peer = {};
     int code = UdpReceive(package, &peer, packet, seconds);
-    if (code != SUCCESS || source == nullptr) return code;
+    if (code != SUCCESS || !source) return code;
     source->Port = ntohs(peer.sin_port);
     inet_ntop(AF_INET, &peer.sin_addr, source->Address, sizeof source->Address);
     return code;
@@ -128,7 +128,7 @@ int UdpReceivePacket(SnmpPackage *package, PkgSource *source, PkgPacket *packet,
 int UdpReceivePacketBinAdr(SnmpPackage *package, uint32_t *address, PkgPacket *packet, int seconds) {
     sockaddr_in peer = {};
     int code = UdpReceive(package, &peer, packet, seconds);
-    if (code == SUCCESS && address != nullptr) *address = peer.sin_addr.s_addr;
+    if (code == SUCCESS && address) *address = peer.sin_addr.s_addr;
     return code;
 }
 
@@ -137,7 +137,7 @@ int UdpGetMaxPacketSize(SnmpPackage *package, int *code) {
     int send = 0;
     socklen_t size = sizeof receive;
     *code = SEND_ERR_TRANSPORT_ERR;
-    if (package == nullptr) return 0;
+    if (!package) return 0;
     if (getsockopt(package->Socket, SOL_SOCKET, SO_RCVBUF, &receive, &size) != 0) return 0;
     if (getsockopt(package->Socket, SOL_SOCKET, SO_SNDBUF, &send, &size) != 0) return 0;
     *code = SUCCESS;

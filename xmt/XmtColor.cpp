@@ -64,17 +64,17 @@ float RGBDiff(int red, int green, int blue, const XColor *colour) {
 
 // Only these classes hand out cells one by one until none is left.
 static Visual *FindExhaustibleVisual() {
-    if (AppDisplay == nullptr) return nullptr;
+    if (!AppDisplay) return nullptr;
     Visual *visual = DefaultVisual(AppDisplay, AppScreenNum);
     return visual->c_class == PseudoColor || visual->c_class == GrayScale ? visual : nullptr;
 }
 
 static bool FillClosestCache(const Visual *visual) {
-    if (Closest.entries != nullptr) return true;
+    if (Closest.entries) return true;
     size_t count = static_cast<size_t>(visual->map_entries);
     auto *entries = static_cast<XColor *>(GetMem(count * sizeof(XColor)));
     auto *used = static_cast<char *>(GetMem(count));
-    if (entries == nullptr || used == nullptr) {
+    if (!entries || !used) {
         PutMem(entries);
         PutMem(used);
         return false;
@@ -113,9 +113,9 @@ static int FindClosest(const int channels[3]) {
 
 XColor *GetClosestColor(const char *text) {
     int channels[3];
-    if (text == nullptr || *text == '\0' || !ReadChannels(text, channels)) return nullptr;
+    if (!text || *text == '\0' || !ReadChannels(text, channels)) return nullptr;
     const Visual *visual = FindExhaustibleVisual();
-    if (visual == nullptr || !FillClosestCache(visual)) return nullptr;
+    if (!visual || !FillClosestCache(visual)) return nullptr;
     if (flNewColorSet) memset(Closest.used, 0, static_cast<size_t>(Closest.count));
     flNewColorSet = 0;
     int best = FindClosest(channels);
@@ -186,10 +186,10 @@ static Pixel GetDefaultColor(int flBackground) {
 
 Pixel GenColor(const char *text, int flBackground, char *flSuccess) {
     char unused;
-    if (flSuccess == nullptr) flSuccess = &unused;
+    if (!flSuccess) flSuccess = &unused;
     *flSuccess = 0;
-    if (AppDisplay == nullptr) return 0;
-    if (text == nullptr) return GetDefaultColor(flBackground);
+    if (!AppDisplay) return 0;
+    if (!text) return GetDefaultColor(flBackground);
     while (isspace(static_cast<unsigned char>(*text))) text++;
     Pixel pixel;
     *flSuccess = 1;
@@ -201,7 +201,7 @@ Pixel GenColor(const char *text, int flBackground, char *flSuccess) {
         return pixel;
     }
     const XColor *closest = GetClosestColor(text);
-    if (closest != nullptr) return closest->pixel;
+    if (closest) return closest->pixel;
     *flSuccess = 0;
     return GetDefaultColor(flBackground);
 }
@@ -253,7 +253,7 @@ static const char *const ColorResources[] = {
 };
 
 void XmtSetColor(const char *name, const char *key, const char *text) {
-    if (name == nullptr || key == nullptr || text == nullptr) return;
+    if (!name || !key || !text) return;
     int row = XmtFindToken(key, ColorKeys);
     if (row < 1 || row >= static_cast<int>(std::size(ColorResources))) return;
     flNewColorSet = 1;
@@ -278,10 +278,10 @@ static XmFontList KeepFont(const char *name, XFontStruct *font) {
 }
 
 XmFontList XmtGetFontList(const char *name) {
-    if (AppDisplay == nullptr || name == nullptr || strlen(name) > COLOR_TEXT) return nullptr;
+    if (!AppDisplay || !name || strlen(name) > COLOR_TEXT) return nullptr;
     XmtInitStore();
     auto *known = static_cast<FontRecord *>(FindHashNode(XmtFonts, HashText(name)));
-    if (known != nullptr) return known->list;
+    if (known) return known->list;
     XFontStruct *font = XLoadQueryFont(AppDisplay, name);
     return font != nullptr ? KeepFont(name, font) : nullptr;
 }

@@ -27,7 +27,7 @@ int XmtOfflineBits = 32;
 
 static XImage *MakeOfflineImage(int width, int height) {
     auto *image = static_cast<XImage *>(calloc(1, sizeof(XImage)));
-    if (image == nullptr) return nullptr;
+    if (!image) return nullptr;
     image->width = width;
     image->height = height;
     image->format = ZPixmap;
@@ -55,18 +55,17 @@ static bool IsSizeAllowed(int width, int height) {
 
 // Gives an image its data; null, and the image is gone, if there is no memory for it.
 static XImage *AllocateImage(XImage *image) {
-    if (image == nullptr) return nullptr;
+    if (!image) return nullptr;
     image->data = static_cast<char *>(
         calloc(static_cast<size_t>(image->bytes_per_line), static_cast<size_t>(image->height)));
-    if (image->data != nullptr) return image;
+    if (image->data) return image;
     XDestroyImage(image);
     return nullptr;
 }
 
 XImage *XmtMakeImage(int width, int height) {
     if (!IsSizeAllowed(width, height)) return nullptr;
-    return AllocateImage(AppDisplay != nullptr ? MakeDisplayImage(width, height)
-                                               : MakeOfflineImage(width, height));
+    return AllocateImage(AppDisplay ? MakeDisplayImage(width, height) : MakeOfflineImage(width, height));
 }
 
 // ---- merging
@@ -92,7 +91,7 @@ static uint32_t GetRawPixel(XImage *image, int x, int y) {
 }
 
 void XmtClearImage(XImage *image, Pixel pixel) {
-    if (image == nullptr || image->data == nullptr) return;
+    if (!image || !image->data) return;
     for (int y = 0; y < image->height; y++) {
         for (int x = 0; x < image->width; x++) XPutPixel(image, x, y, pixel);
     }
@@ -103,8 +102,8 @@ static bool IsWithin(const XImage *image, long x, long y) {
 }
 
 void XmtCopyImage(XImage *source, XImage *destination, int x, int y, Pixel background) {
-    if (source == nullptr || destination == nullptr) return;
-    if (source->data == nullptr || destination->data == nullptr) return;
+    if (!source || !destination) return;
+    if (!source->data || !destination->data) return;
     if (static_cast<long>(source->width) * source->height >
         static_cast<long>(destination->width) * destination->height)
         return;
@@ -261,7 +260,7 @@ const char *XmtLoadXPM(const char *text, size_t, ImageRecord *record, int flXpm2
     text = StrLocate(text, delimiter);
     XpmHeader header;
     XImage *image = ReadXpmHeader(text, &header) ? XmtMakeImage(header.width, header.height) : nullptr;
-    if (image == nullptr) return text + strcspn(text, "\n");
+    if (!image) return text + strcspn(text, "\n");
     XpmTable table = {};
     table.count = header.count;
     table.keyLength = header.keyLength;
@@ -280,7 +279,7 @@ static bool ReadDefine(const std::string &line, const char *name, int *number) {
 static XImage *MakeBitmap(int width, int height) {
     if (!IsSizeAllowed(width, height)) return nullptr;
     auto *image = static_cast<XImage *>(calloc(1, sizeof(XImage)));
-    if (image == nullptr) return nullptr;
+    if (!image) return nullptr;
     image->width = width;
     image->height = height;
     image->format = XYBitmap;
@@ -300,7 +299,7 @@ static bool FindBitmapByte(const char **text) {
 
 static void SetBitmapByte(XImage *image, int x, int y, unsigned byte) {
     Pixel black = 1, white = 0;
-    if (AppDisplay != nullptr) {
+    if (AppDisplay) {
         black = BlackPixel(AppDisplay, AppScreenNum);
         white = WhitePixel(AppDisplay, AppScreenNum);
     }
@@ -330,7 +329,7 @@ const char *XmtLoadBitmap(const char *text, size_t, ImageRecord *record) {
     at = XmtGetLine(&line, at);
     if (!ReadDefine(line, "_height", &height)) return text;
     XImage *image = MakeBitmap(width, height);
-    if (image == nullptr) return at;
+    if (!image) return at;
     record->Image = image;
     do at = XmtGetLine(&line, at);
     while (*at != '\0' && line.find('{') == std::string::npos);
@@ -340,7 +339,7 @@ const char *XmtLoadBitmap(const char *text, size_t, ImageRecord *record) {
 // ---- pixmaps
 
 static Pixmap CopyToPixmap(XImage *image) {
-    if (AppDisplay == nullptr) return 0;
+    if (!AppDisplay) return 0;
     auto width = static_cast<unsigned>(image->width), height = static_cast<unsigned>(image->height);
     Pixmap pixmap = XCreatePixmap(AppDisplay, RootWindow(AppDisplay, AppScreenNum), width, height,
                                   static_cast<unsigned>(image->depth));
@@ -363,7 +362,7 @@ const char *XmtCreatePixmap(const char *text, size_t size, ImageRecord *record) 
     if (BeginsWith(text, "GIF")) end = XmtLoadGIF(text, size, record);
     if (BeginsWith(text, "! XPM2")) end = XmtLoadXPM(text, size, record, 1);
     if (BeginsWith(text, "/* XPM */")) end = XmtLoadXPM(text, size, record, 0);
-    if (record->Image != nullptr) record->Pixmap = CopyToPixmap(record->Image);
+    if (record->Image) record->Pixmap = CopyToPixmap(record->Image);
     return end;
 }
 

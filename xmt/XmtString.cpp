@@ -17,7 +17,7 @@ static XmStringComponentType AddComponent(XmStringContext context, std::string *
     unsigned char *value = nullptr;
     XmStringComponentType type =
         XmStringGetNextComponent(context, &text, &charset, &direction, &tag, &length, &value);
-    if (text != nullptr) *out += text;
+    if (text) *out += text;
     if (type == XmSTRING_COMPONENT_SEPARATOR) *out += '\n';
     if (type == XmSTRING_COMPONENT_UNKNOWN && tag == XmSTRING_COMPONENT_TAB) *out += '\t';
     XtFree(text);
@@ -29,16 +29,16 @@ static XmStringComponentType AddComponent(XmStringContext context, std::string *
 char *XmtDecodeString(XmString string) {
     std::string out;
     XmStringContext context;
-    if (string != nullptr && XmStringInitContext(&context, string)) {
+    if (string && XmStringInitContext(&context, string)) {
         while (AddComponent(context, &out) != XmSTRING_COMPONENT_END) {
         }
         XmStringFreeContext(context);
     }
     char *text = static_cast<char *>(GetMem(out.size() + 1));
-    if (text != nullptr) memcpy(text, out.c_str(), out.size());
+    if (text) memcpy(text, out.c_str(), out.size());
     return text;
 }
 
 XmString XmtMakeString(const char *text) {
-    return XmStringCreateLocalized(const_cast<char *>(text != nullptr ? text : ""));
+    return XmStringCreateLocalized(const_cast<char *>(text ? text : ""));
 }

@@ -120,7 +120,7 @@ static void RestartEntry(FieldCheck *check, const char *text) {
 // Starts over behind the next bar; false without one.
 static bool TakeNextAlternative(FieldCheck *check) {
     const char *bar = check->flAlternatives ? strchr(check->format, '|') : nullptr;
-    if (bar == nullptr) return false;
+    if (!bar) return false;
     check->format = bar + 1;
     RestartEntry(check, check->candidate);
     return true;
@@ -227,7 +227,7 @@ static int CheckInteger(FieldCheck *check, char letter) {
     FieldRange range = ReadRange(check, base);
     EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check, digits, set.minus);
-    if (bad != nullptr) return RefuseCharacter(TXT_DIGIT, *bad);
+    if (bad) return RefuseCharacter(TXT_DIGIT, *bad);
     long number = *check->candidate != '\0' ? strtol(check->candidate, nullptr, base) : range.min;
     TakeNumber(check, digits);
     if (range.max == 0) return CHECK_ON;
@@ -242,9 +242,9 @@ static int CheckFloat(FieldCheck *check) {
     FloatRange range = ReadFloatRange(check);
     auto min = static_cast<float>(range.min), max = static_cast<float>(range.max);
     const char *bad = FindBadDigit(check, FloatDigits, "");
-    if (bad != nullptr) return RefuseCharacter(TXT_DIGIT, *bad);
+    if (bad) return RefuseCharacter(TXT_DIGIT, *bad);
     const char *point = strchr(check->candidate, '.');
-    if (point != nullptr && strchr(point + 1, '.') != nullptr)
+    if (point && strchr(point + 1, '.') != nullptr)
         return RefuseEntry(ENTRY_RANGE, "Only one '.' may be entered.");
     float number = *check->candidate != '\0' ? strtof(check->candidate, nullptr) : min;
     TakeNumber(check, FloatDigits);
@@ -259,7 +259,7 @@ static int CheckLongFloat(FieldCheck *check) {
     FloatRange range = ReadFloatRange(check);
     EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check, Digits, set.minus);
-    if (bad != nullptr) return RefuseCharacter(TXT_DIGIT, *bad);
+    if (bad) return RefuseCharacter(TXT_DIGIT, *bad);
     long double number = *check->candidate != '\0' ? strtold(check->candidate, nullptr) : range.min;
     TakeNumber(check, Digits);
     if (range.max == 0) return CHECK_ON;
@@ -337,7 +337,7 @@ static int CheckElement(FieldCheck *check) {
 }
 
 int XmtValidateEntry(const char *typed, const char *candidate, const char *format) {
-    if (format == nullptr || candidate == nullptr) return ENTRY_OK;
+    if (!format || !candidate) return ENTRY_OK;
     FieldCheck check = {.typed = typed != nullptr ? typed : "",
                         .candidate = candidate,
                         .in = candidate,
@@ -378,38 +378,37 @@ static FieldChange GetChange(const char *old, const XmtCallData *data) {
 }
 
 static bool IsDeletion(const FieldChange *change) {
-    return change->typed == nullptr && change->end > change->start;
+    return !change->typed && change->end > change->start;
 }
 
 static bool IsTooLong(const FieldChange *change) {
-    if (change->typed == nullptr) return false;
-    size_t length = strlen(change->typed) + (change->old != nullptr ? strlen(change->old) : 0);
+    if (!change->typed) return false;
+    size_t length = strlen(change->typed) + (change->old ? strlen(change->old) : 0);
     if (change->end > change->start) length -= change->end - change->start;
     return length >= XMT_CANDIDATE;
 }
 
 // What the field would hold after a change that types something or deletes.
 static std::string GetNewText(const FieldChange *change) {
-    if (change->old == nullptr) return change->typed;
+    if (!change->old) return change->typed;
     size_t from = change->start, to = change->end;
     if (to <= from) from = to = change->insert;
-    return std::string(change->old, from) + (change->typed != nullptr ? change->typed : "") +
-           (change->old + to);
+    return std::string(change->old, from) + (change->typed ? change->typed : "") + (change->old + to);
 }
 
 // What is checked of it. Typing once more what the field holds is taken for setting it again.
 static std::string GetCandidate(const FieldChange *change, intptr_t reason) {
-    if (IsDeletion(change) || change->old == nullptr) return GetNewText(change);
+    if (IsDeletion(change) || !change->old) return GetNewText(change);
     if (reason != XmtCR_CHANGED || IsTooLong(change)) return change->old;
     return strcmp(change->old, change->typed) == 0 ? change->typed : GetNewText(change);
 }
 
 static void Veto(XmtCallData *data) {
-    if (data->reason == XmtCR_CHANGED && data->doit != nullptr) *data->doit = 0;
+    if (data->reason == XmtCR_CHANGED && data->doit) *data->doit = 0;
 }
 
 static void CallHandler(XmtObjectData *object, XmtCallData *data) {
-    if (object->handler != nullptr) object->handler(data);
+    if (object->handler) object->handler(data);
 }
 
 void XmtProcessTextFormat(XmtObjectData *object, XmtCallData *data) {
@@ -418,7 +417,7 @@ void XmtProcessTextFormat(XmtObjectData *object, XmtCallData *data) {
         return;
     }
     FieldChange change = GetChange(XmtTextOf(data->value), data);
-    if (object->format == nullptr || (change.typed == nullptr && !IsDeletion(&change))) return;
+    if (!object->format || (!change.typed && !IsDeletion(&change))) return;
     std::string candidate = GetCandidate(&change, data->reason);
     if (XmtValidateEntry(change.typed, candidate.c_str(), object->format) != ENTRY_OK) Veto(data);
 }
@@ -427,13 +426,13 @@ void XmtProcessTextFormat(XmtObjectData *object, XmtCallData *data) {
 
 static void ShowStars(XmtCallData *data) {
     auto *verify = static_cast<XmTextVerifyCallbackStruct *>(data->callData);
-    if (verify == nullptr || verify->text == nullptr || verify->text->ptr == nullptr) return;
+    if (!verify || !verify->text || !verify->text->ptr) return;
     memset(verify->text->ptr, '*', static_cast<size_t>(verify->text->length));
 }
 
 static void KeepRealText(XmtObjectData *object, const std::string &text) {
     char *kept = static_cast<char *>(GetMem(text.size() + 1));
-    if (kept == nullptr) return;
+    if (!kept) return;
     memcpy(kept, text.c_str(), text.size());
     PutMem(XmtTextOf(object->stored));
     object->stored = reinterpret_cast<intptr_t>(kept);
@@ -442,13 +441,13 @@ static void KeepRealText(XmtObjectData *object, const std::string &text) {
 static bool IsMaskedChangeRefused(const FieldChange *change, const std::string &candidate,
                                   const char *format) {
     if (IsTooLong(change)) return true;
-    if (change->typed == nullptr && candidate.empty()) return false;
+    if (!change->typed && candidate.empty()) return false;
     return XmtValidateEntry(change->typed, candidate.c_str(), format) != ENTRY_OK;
 }
 
 static void ProcessMaskedChange(XmtObjectData *object, XmtCallData *data) {
     FieldChange change = GetChange(XmtTextOf(object->stored), data);
-    if (change.typed == nullptr && !IsDeletion(&change)) return;
+    if (!change.typed && !IsDeletion(&change)) return;
     bool flShown = object->format != nullptr && *object->format == 'S';
     std::string candidate = GetNewText(&change);
     if (IsMaskedChangeRefused(&change, candidate, flShown ? object->format + 1 : object->format)) {

@@ -217,7 +217,7 @@ const char *XmtLoadGIF(const char *bytes, size_t size, ImageRecord *record) {
     gif.end = gif.at + size;
     if (!RdHead(&gif)) return bytes;
     gif.image = XmtMakeImage(gif.width, gif.height);
-    if (gif.image == nullptr) return reinterpret_cast<const char *>(gif.at);
+    if (!gif.image) return reinterpret_cast<const char *>(gif.at);
     FillColorMap(&gif);
     while (gif.at < gif.end && (*gif.at == ',' || *gif.at == '!')) {
         if (*gif.at++ == ',')
