@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 #include <tuple>
+#include <vector>
 
 static std::string Unhex(const char *text) {
     std::string out;
@@ -39,8 +40,16 @@ TEST(Codec, ObjectIdentifiers) {
     PkgPacket packet = Received(Unhex("06 82 05 74") + std::string(1396, '\x7F'));
     EXPECT_TRUE(PkgDecodeObjectId(&packet, &header, back, sizeof back));
     EXPECT_EQ(strlen(back), 3u + 1395 * 4); // "3.7" and ".127" each
-    packet.Pos = 0;
-    EXPECT_FALSE(PkgDecodeObjectId(&packet, &header, back, 100));
+    // Less room than the text needs is refused, and nothing is written behind it.
+    packet = Received(Unhex("06 0B 2B 8F FF FF FF 7F 8F FF FF FF 7F"));
+    for (int capacity = 0; capacity <= 40; capacity++) {
+        std::vector<char> room(static_cast<size_t>(capacity));
+        packet.Pos = 0;
+        bool fits = PkgDecodeObjectId(&packet, &header, room.data(), capacity);
+        EXPECT_TRUE(fits ? room.data() == std::string("1.3.4294967295.4294967295") : capacity < 37)
+            << capacity;
+        EXPECT_EQ(packet.Pos, capacity == 0 ? 2 : 13) << capacity;
+    }
 }
 
 TEST(Codec, WhatDoesNotFitIsNotWritten) {
@@ -56,6 +65,15 @@ TEST(Codec, WhatDoesNotFitIsNotWritten) {
         if (PkgEncodePacketProlog(&packet, "rdcomm", 1, PDU_SET)) fitted = length;
     }
     EXPECT_EQ(fitted, 1399 - 43); // headers with two-byte lengths, version, community, three integers, "0.0"
+    for (auto [prolog, most] : {std::pair(0, 1399 - 24), std::pair(1, 1399 - 13)}) {
+        for (int length = 0; length <= 2000; length++) {
+            std::string community(static_cast<size_t>(length), 'c');
+            PkgStartPacket(&packet);
+            bool fits = prolog == 0 ? PkgEncodePacketProlog(&packet, community.c_str(), 1, PDU_GET)
+                                    : PkgEncodeTrapPacketProlog(&packet, community.c_str());
+            ASSERT_EQ(fits, length <= most) << prolog << " " << length;
+        }
+    }
     for (int length : {-1, INT32_MIN, INT32_MAX}) {
         PkgStartPacket(&packet);
         EXPECT_EQ(PkgEncodeStr(&packet, "x", length, BER_STRING), 0);
@@ -88,6 +106,24 @@ TEST(Codec, NumberContents) {
     }
 }
 
+TEST(Codec, LongNumberContents) {
+    const std::tuple<const char *, bool, uint32_t, uint32_t> cases[] = {
+        {"46 00", true, 0, 0},
+        {"46 01 05", true, 5, 0}, // the first four bytes are the high ones
+        {"46 04 01 02 03 04", true, 0x01020304, 0},
+        {"46 05 FF 02 03 04 05", true, 0xFF020304, 0xFFFFFF05},
+        {"46 08 01 02 03 04 05 06 07 08", true, 0x01020304, 0x05060708},
+        {"46 09 00 02 03 04 05 06 07 08 09", true, 0x00020304, 0x06070809},
+        {"46 09 01 02 03 04 05 06 07 08 09", false, 0, 0}};
+    PkgHeader header;
+    for (auto [bytes, ok, high, low] : cases) {
+        PkgPacket packet = Received(Unhex(bytes));
+        PkgInt64 value = {1, 1};
+        EXPECT_EQ(PkgDecodeInt64(&packet, &header, &value), ok) << bytes;
+        EXPECT_EQ(std::tuple(value.High, value.Low), std::tuple(high, low)) << bytes;
+    }
+}
+
 static const std::string Binding = BerElement(0x30, BerBinding("1.3.6.1", BerInt(5)));
 static const std::string Trap = BerObject("1.3.6.1.4.1") + BerElement(0x40, "\x0A\x01\x02\x03") + BerInt(6) +
                                 BerInt(4) + BerInt(99, 0x43) + Binding;
@@ -99,6 +135,12 @@ TEST(Codec, Prologs) {
         {"bytes behind the message", good + "tail", true},
         {"a byte short", good.substr(0, good.size() - 1), false},
         {"version 2c", BerMessage(1, "public", 0xA2, body), false},
+        {"a set in the place of the sequence", "\x31" + good.substr(1), false},
+        {"a PDU without elements", BerMessage(0, "public", 0x82, body), false},
+        {"a PDU of another class", BerMessage(0, "public", 0x62, body), false},
+        {"a community that is a number", BerElement(0x30, BerInt(0) + BerInt(7) + BerElement(0xA2, body)),
+         false},
+        {"an error index alone", BerResponse(7, Binding, 0, 1), false},
         {"no such name", BerResponse(7, Binding, 2, 1), false},
         {"trap", BerMessage(0, "public", 0xA4, Trap), true},
         {"trap without address", BerMessage(0, "public", 0xA4, BerObject("1.3") + BerElement(0x40, "abc")),

@@ -18,8 +18,9 @@ static const char Name[] = "1.3.6.1.2.1.1.5.0", Location[] = "1.3.6.1.2.1.1.6.0"
 
 // Notes every callback as a line "ADDRESS text0 text1 ...", with - for a text that is not filled.
 static std::string Called;
-static int NoteCall(int, intptr_t userData, int status, int index, SnmpPackage *package, PkgSource *source) {
-    EXPECT_EQ(userData, 0x1234);
+static int NoteCall(int error, intptr_t userData, int status, int index, SnmpPackage *package,
+                    PkgSource *source) {
+    EXPECT_TRUE(userData == 0x1234 && error == 0);
     Called += reinterpret_cast<char *>(source) + 2;
     for (int i = 0; i < package->NumVars; i++)
         Called += std::string(" ") + (*package->Vars[i].RecText == '_' ? "-" : package->Vars[i].RecText);
@@ -175,6 +176,10 @@ TEST(Engine, Tables) {
     // A name without room to grow ends the walk where it would have to.
     walk("127.0.0.2", PKG_EMPTY);
     EXPECT_EQ(Called, "127.0.0.2 9 9\n");
+    Prepare(agent);
+    package.NumVars = 0;
+    Send(PKG_MODE_GET, PDU_TABLE, "127.0.0.2");
+    EXPECT_EQ(Called, "");
     rows = 1 << 30;
     walk("127.0.0.2", PKG_TABLE_NAME);
     EXPECT_EQ(std::count(Called.begin(), Called.end(), '\n'), PKG_TABLE_ROWS);

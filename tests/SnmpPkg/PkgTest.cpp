@@ -23,6 +23,8 @@ static std::string Encoded(SnmpPackage &package, int mode, int pdu) {
 TEST(Setup, EveryCommandAndItsBytesOnTheWire) {
     SnmpPackage package;
     EXPECT_EQ(SnmpSetupPkg(nullptr, PKG_INIT, PKG_END), SETUP_ERR_XTL_INIT);
+    for (int command : {-1, 0, PKG_END + 1}) // ends the run, whatever stands behind it
+        EXPECT_EQ(SnmpSetupPkg(&package, PKG_INIT, command, 99), SETUP_ERR_INVALID_PARAM) << command;
     memset(static_cast<void *>(&package), 0xEE, sizeof package);
     ASSERT_EQ(SnmpSetup(&package, PKG_INIT, PKG_COMMUNITY, "wrcommx", PKG_USERDATA,
                         static_cast<void *>(&package), PKG_LOG, 1, PKG_NUMBER, "1.3.1", -5, PKG_COUNTER,
@@ -65,6 +67,28 @@ TEST(Setup, EveryCommandAndItsBytesOnTheWire) {
     EXPECT_EQ(Encoded(package, PKG_MODE_TRAP, PDU_GET), message(0xA0, get)); // neither numbers nor a list
     std::string first = BerElement(0x30, BerBinding("1.3.1", BerElement(5, "")));
     EXPECT_EQ(Encoded(package, PKG_MODE_BROADCAST, PDU_GET), message(0xA0, head + first));
+}
+
+// An empty variable counts a 0 byte, and nothing is written behind the last variable.
+TEST(Setup, WhatStandsInTheRecord) {
+    SnmpPackage package;
+    ASSERT_EQ(
+        SnmpSetup(&package, PKG_INIT, PKG_NUMBER, "1.3.1", 7, PKG_EMPTY, "1.3.2", PKG_TABLE_NAME, "1.3.3"),
+        SUCCESS);
+    const intptr_t sent[] = {7, 1, 1};
+    for (int i = 0; i < 3; i++) EXPECT_EQ(package.Vars[i].SendValue, sent[i]) << i;
+    EXPECT_EQ(package.Vars[2].NameRoom, package.Vars[1].NameRoom + PKG_TABLE_SPARE);
+    const char *rest = reinterpret_cast<const char *>(&package.Vars[3]);
+    EXPECT_EQ(std::count(rest, reinterpret_cast<const char *>(&package.Vars[PKG_VARS]), 0),
+              static_cast<ptrdiff_t>((PKG_VARS - 3) * sizeof(PkgVar)));
+}
+
+TEST(Setup, NamesOfResults) {
+    const std::pair<int, const char *> cases[] = {{0, pErr[0]},       {16, pErr[16]},
+                                                  {17, "UNKNOWN"},    {-1, "UNKNOWN"},
+                                                  {-300, "UNKNOWN"},  {-301, "XTLERR_IPX_INIT      "},
+                                                  {-333, pXtlErr[0]}, {-334, "UNKNOWN"}};
+    for (auto [code, name] : cases) EXPECT_STREQ(PkgErrName(code), name) << code;
 }
 
 TEST(Setup, CapacitiesHold) {
@@ -125,6 +149,26 @@ TEST(Receive, ValuesByType) {
     }
     Answer(&package, BerBinding("1.3.6.1", BerObject("1.3.6.1.4")));
     EXPECT_STREQ(reinterpret_cast<char *>(var.RecValue), "1.3.6.1.4");
+}
+
+// The reader of one binding, for callers with a loop of their own.
+TEST(Receive, OneBinding) {
+    const std::pair<std::string, bool> cases[] = {
+        {BerResponse(1, BerBinding("1.3.6.1", BerInt(5)) + BerBinding("1.3.6.2", BerInt(6))), true},
+        {BerResponse(1, ""), false},
+        {BerResponse(1, BerBinding("1.3.6.1", BerInt(5)), 2, 1), false}};
+    SnmpPackage package;
+    ASSERT_EQ(SnmpSetup(&package, PKG_INIT, PKG_EMPTY, "1.3.6.1", PKG_EMPTY, "1.3.6.2"), SUCCESS);
+    for (const auto &[bytes, want] : cases) {
+        PkgPacket packet = Received(bytes);
+        PkgProlog prolog;
+        InitRecVars(&package);
+        EXPECT_EQ(DecodeVariable(&packet, &package, &prolog), want);
+        EXPECT_EQ(prolog.Community != nullptr, want);
+        EXPECT_STREQ(package.Vars[0].RecText, want ? "5" : Unfilled);
+        EXPECT_STREQ(package.Vars[1].RecText, Unfilled);
+        PkgFreeProlog(&prolog);
+    }
 }
 
 TEST(Receive, ValuesThatNoLongerFit) {
