@@ -52,8 +52,8 @@ void XmtSetLabelRaw(const char *name, const char *text); // plain text, nothing 
 // plain text. ...Size breaks the whole; with indent 0 lines go on below the value.
 void XmtSetLabelText(const char *name, const char *text);
 void XmtSetLabelTextSize(const char *name, const char *text, int width, int indent);
-// Lines of at most width characters, broken at white space, or within a word with a '-' behind the width. All
-// but the first begin with indent blanks, none if they would leave no room.
+// Lines of at most width characters, broken at line feeds and at white space, or within a word with a '-'
+// behind the width. All but the first begin with indent blanks, none if they would leave no room.
 std::string BreakString(const char *text, int width, int indent);
 void XmtSetFont(const char *name, const char *font);
 void XmtSetTitle(const char *name, const char *text);

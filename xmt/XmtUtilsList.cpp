@@ -146,8 +146,9 @@ static void AddItemObject(XmtObjectData *owner, Widget parent, int type, const c
     int flSaved = flDefaultTabGroup;
     flDefaultTabGroup = 1;
     SpecifiedAppCBValue = owner->id;
-    XmtNewWidget(text.c_str(), type | XMT_AUX, parent, callback);
+    Widget widget = XmtNewWidget(text.c_str(), type | XMT_AUX, parent, callback);
     flDefaultTabGroup = flSaved;
+    if (!widget) return;
     XmtObjectData *item = pNewObjectData;
     item->id = owner->id;
     item->type = owner->type;

@@ -92,10 +92,11 @@ std::string BreakString(const char *text, int width, int indent) {
     std::string rest = text ? text : "", out;
     if (indent < 0 || width - indent < 1) indent = 0;
     size_t room = static_cast<size_t>(std::max(width, 1));
-    while (rest.size() > room) {
-        size_t at = FindBreak(rest, room);
-        out += at ? rest.substr(0, at) + "\n" : rest.substr(0, room) + "-\n";
-        rest.erase(0, at ? at + 1 : room);
+    for (size_t feed = rest.find('\n'); feed != rest.npos || rest.size() > room; feed = rest.find('\n')) {
+        size_t at = feed <= room ? feed : FindBreak(rest, room);
+        bool flWhole = at > 0 || feed == 0;
+        out += flWhole ? rest.substr(0, at) + "\n" : rest.substr(0, room) + "-\n";
+        rest.erase(0, flWhole ? at + 1 : room);
         out.append(static_cast<size_t>(indent), ' ');
         room = static_cast<size_t>(std::max(width - indent, 1));
     }

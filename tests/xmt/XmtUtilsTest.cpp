@@ -26,7 +26,9 @@ TEST(BreakString, Lines) {
                  {"abcdefgh", 3, 2, "abc-\n  d-\n  e-\n  f-\n  g-\n  h"},
                  {"abcdefgh", 3, 3, "abc-\ndef-\ngh"},
                  {"ab", 0, 0, "a-\nb"},
-                 {"     x", 2, 1, "  \n  \n x"}};
+                 {"     x", 2, 1, "  \n  \n x"},
+                 {"Key: a\nbc def", 8, 2, "Key: a\n  bc def"}, // the width begins anew
+                 {"ab\n\nc\n", 9, 1, "ab\n \n c\n "}};
     for (const auto &row : cases)
         EXPECT_EQ(BreakString(row.text, row.width, row.indent), row.broken) << row.text << row.width;
 }
@@ -328,7 +330,9 @@ TEST_F(XmtUtils, ItemsAreAdded) {
     int next = AppCBValue;
     XmtAddListButton("option", "l(Fourth)");
     XmtAddRadioButton("radio", "l(Fourth)");
+    XmtAddRadioButton("push", "l(No)"); // holds no items, and the record made last is another's
     DispatchWaiting();
+    EXPECT_EQ(XmtFindObject("radio_4")->type, XmtRadioBox);
     XmtObjectData *item = XmtFindObject("option_4"), *owner = XmtFindObject("option");
     ASSERT_NE(item, nullptr);
     EXPECT_TRUE(item->id == owner->id && item->type == XmtListBut);
