@@ -29,7 +29,7 @@ static void ChangeFields(XmtObjectData *object, XmtCallData data, const char *ol
     data.value = reinterpret_cast<intptr_t>(old);
     XmtProcessTextFormat(object, &data);
     object->stored = reinterpret_cast<intptr_t>(SaveStr_(old));
-    for (int call = 0; call < 2; call++) XmtProcessMaskedFormat(object, &data);
+    XmtProcessMaskedFormat(object, &data);
     PutMem(XmtTextOf(object->stored));
     PutMem(object->format);
 }

@@ -5,6 +5,7 @@
 #include "xmt/XmtNewTab.h"
 #include "xmt/XmtToken.h"
 
+#include <cstring>
 #include <iterator>
 
 constexpr char pCBKeys[] = ",me,ml,pe,pi,ps,a,c,m,fg,fl,sb,ss,sm,sd,se,pu,pd,D,A,t,h,i,e,s,";
@@ -58,13 +59,20 @@ void XmtConnect(XmtObjectData *object, const char *resource) {
     XtAddCallback(object->widget, resource, XmtEventHandler, object);
 }
 
+// A masked field always hears of its changes. A second call would take its stars for what was typed.
+static bool IsMaskConnected(const XmtObjectData *object, const char *resource) {
+    return object->type == XmtPasswd && strcmp(resource, XmNmodifyVerifyCallback) == 0 &&
+           XtHasCallbacks(object->widget, resource) == XtCallbackHasSome;
+}
+
 static void ConnectKey(XmtObjectData *object, int key) {
     const char *resource = pCBMKeys[key];
     if (key == CB_ENTER)
         XtAddEventHandler(object->widget, EnterWindowMask, 0, XmtEnter, object);
     else if (key == CB_LEAVE)
         XtAddEventHandler(object->widget, LeaveWindowMask, 0, XmtLeave, object);
-    else if (XtHasCallbacks(object->widget, resource) != XtCallbackNoList)
+    else if (XtHasCallbacks(object->widget, resource) != XtCallbackNoList &&
+             !IsMaskConnected(object, resource))
         XtAddCallback(object->widget, resource, key <= CB_PICTURE ? XmtPictureEventHandler : XmtEventHandler,
                       object);
 }

@@ -330,12 +330,12 @@ static bool DispatchType(Dispatch *event) {
     }
 }
 
-// The format has the event if there is one, else the handler.
+// The format has the event if there is one, else the handler. A masked field masks without a format too.
 static void Deliver(XmtObjectData *object, XmtCallData *data, bool flFormat) {
-    if (flFormat && object->format)
-        XmtProcessFormat(object, data, 0);
-    else if (object->handler)
-        object->handler(data);
+    if (flFormat && object->format) return XmtProcessFormat(object, data, 0);
+    if (object->handler) object->handler(data);
+    bool flChange = data->reason == XmtCR_CHANGED && data->doit && *data->doit;
+    if (flChange && object->type == XmtPasswd) XmtProcessFormat(object, data, 0);
 }
 
 // What a shell hands over when it comes and goes is no record of Motif, and the same both times: the reason,

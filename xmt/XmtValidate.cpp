@@ -459,14 +459,11 @@ static void ProcessMaskedChange(XmtObjectData *object, XmtCallData *data) {
 }
 
 void XmtProcessMaskedFormat(XmtObjectData *object, XmtCallData *data) {
-    static bool flChecked; // by the first call of the pair
     if (data->reason == XmtCR_DEFAULT) {
         std::string text = object->stored ? XmtTextOf(object->stored) : ""; // the handler may set another
         data->text = object->stored ? text.c_str() : nullptr;
         CallHandler(object, data);
         data->text = nullptr;
     }
-    if (data->reason != XmtCR_CHANGED) return;
-    flChecked = !flChecked;
-    if (flChecked) ProcessMaskedChange(object, data);
+    if (data->reason == XmtCR_CHANGED) ProcessMaskedChange(object, data);
 }

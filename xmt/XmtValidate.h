@@ -39,6 +39,5 @@ void PostValidateErrMsg(int number, char ch);
 void XmtProcessTextFormat(XmtObjectData *object, XmtCallData *data);
 // The field shows stars, unless the format begins with an 'S' that is not part of it. The real text is the
 // stored value, as long as the field accepts it: a change to XMT_CANDIDATE and more is vetoed. An activation
-// has it as its text. The callback of changes is connected twice where the description says CB(c): every
-// second call is passed over.
+// has it as its text.
 void XmtProcessMaskedFormat(XmtObjectData *object, XmtCallData *data);
