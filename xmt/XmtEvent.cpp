@@ -15,6 +15,7 @@
 #include <climits>
 #include <cstring>
 #include <string>
+#include <vector>
 
 enum { MENU_ITEMS = 20, MASK_POSITIONS = 4 };
 
@@ -79,11 +80,12 @@ struct Dispatch {
     Widget widget;
     XmAnyCallbackStruct *call;
     XmtCallData data;
-    std::string name;      // the owner's, for an item
-    std::string typed;     // in a text field
-    std::string whole;     // what a text field holds
-    std::string selection; // as in XmtCallData
-    char *decoded;         // of a list's item or a dialog, managed
+    std::string name;           // the owner's, for an item
+    std::string typed;          // in a text field
+    std::string whole;          // what a text field holds
+    std::string selection;      // as in XmtCallData
+    std::vector<int> positions; // likewise, of a default action
+    char *decoded;              // of a list's item or a dialog, managed
 };
 
 struct ReasonRow {
@@ -298,9 +300,23 @@ static intptr_t GetSelectionMask(const XmListCallbackStruct *call) {
     return static_cast<intptr_t>(mask);
 }
 
+// The record of a default action tells the row, but not what is selected with it.
+static const XmListCallbackStruct *FillSelection(Dispatch *event, XmListCallbackStruct *call) {
+    int *positions = nullptr, count = 0;
+    XmListGetSelectedPos(event->widget, &positions, &count);
+    event->positions.assign(positions, positions + count);
+    XtFree(reinterpret_cast<char *>(positions));
+    call->selected_item_positions = event->positions.data();
+    call->selected_item_count = count;
+    XtVaGetValues(event->widget, XmNselectedItems, &call->selected_items, nullptr);
+    return call;
+}
+
 static void DispatchMultiList(Dispatch *event) {
     const XmListCallbackStruct *call = GetListCall(event);
-    if (!call || (call->reason != XmCR_MULTIPLE_SELECT && call->reason != XmCR_EXTENDED_SELECT)) return;
+    if (!call) return;
+    XmListCallbackStruct whole = *call;
+    if (call->reason == XmCR_DEFAULT_ACTION) call = FillSelection(event, &whole);
     event->data.text = event->decoded = XmtDecodeString(call->item);
     event->data.positions = call->selected_item_positions;
     event->data.count = call->selected_item_count;
@@ -354,15 +370,10 @@ static bool TestValueReason(int motif) {
 }
 
 void XmtEventHandler(Widget widget, XtPointer object, XtPointer callData) {
-    Dispatch event{static_cast<XmtObjectData *>(object),
-                   widget,
-                   static_cast<XmAnyCallbackStruct *>(callData),
-                   {},
-                   "",
-                   "",
-                   "",
-                   "",
-                   nullptr};
+    Dispatch event = {};
+    event.object = static_cast<XmtObjectData *>(object);
+    event.widget = widget;
+    event.call = static_cast<XmAnyCallbackStruct *>(callData);
     XmAnyCallbackStruct shellCall = {GetShellReason(widget, event.object), nullptr};
     if (shellCall.reason) event.call = &shellCall;
     int motif = event.call->reason;

@@ -589,8 +589,10 @@ static void MakeList(XmtInfo *info, Widget form, bool flMulti) {
     text += flMulti ? " Sp(m)" : " Sp(s)";
     if (info->list) text += std::string(" L(") + info->list + ")";
     text += ";";
-    XmtNewWidget(text.c_str(), flMulti ? XmtListBoxMS : XmtListBox, form,
-                 flMulti ? XmNmultipleSelectionCallback : XmNsingleSelectionCallback);
+    Widget list = XmtNewWidget(text.c_str(), flMulti ? XmtListBoxMS : XmtListBox, form,
+                               flMulti ? XmNmultipleSelectionCallback : XmNsingleSelectionCallback);
+    // Return and a double click light a row and call nothing else.
+    if (list) XmtConnect(pNewObjectData, XmNdefaultActionCallback);
 }
 
 Widget XmtNewListBox(Widget parent, intptr_t flMulti) {

@@ -178,7 +178,13 @@ static const struct Step {
     {[](const char *) { ClickRow("one", 2); }, "", "one 250/1=2 b;"},
     {PressSlowly, "Down space", "one 250/1=3 c;"},
     {PressSlowly, "space", "one 250/1=0 c;"}, // nothing is selected
+    {PressSlowly, "space", "one 250/1=3 c;"},
+    {PressSlowly, "Up Return", "one 250/20=2 b;"}, // what lights up is told
+    {PressSlowly, "Down KP_Enter", "one 250/20=3 c;"},
+    {[](const char *) { ClickRow("one", 1), ClickRow("one", 1); }, "", "one 250/1=1 a;one 250/20=1 a;"},
     {[](const char *) { ClickRow("some", 2); }, "", "some 251/20=2 q+q;"},
+    {PressSlowly, "Down Return", "some 251/20=6 r+q+r;"}, // the others stay
+    {[](const char *) { ClickRow("some", 3); }, "", "some 251/20=2 r+q;"},
     {XmtUpdate, "some", ""}, // a pause, or it is a double click
     {[](const char *) { ClickRow("some", 4); }, "", "some 251/20=10 s+q+s;"},
     {XmtUpdate, "some", ""},
