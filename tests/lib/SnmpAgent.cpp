@@ -58,12 +58,18 @@ std::string BerResponse(int id, const std::string &bindings, int errorStatus, in
                       BerInt(id) + BerInt(errorStatus) + BerInt(errorIndex) + BerElement(0x30, bindings));
 }
 
-// Cuts the next element off; its content. Requests of one short name have short elements alone.
+// Cuts the next element off; its content.
 static std::string TakeElement(std::string &in) {
     if (in.size() < 2) return "";
-    size_t end = 2 + static_cast<uint8_t>(in[1]);
-    std::string out = in.substr(2, end - 2);
-    in.erase(0, end);
+    size_t length = static_cast<uint8_t>(in[1]), start = 2;
+    if (length > 0x80) {
+        start += length - 0x80;
+        length = 0;
+        for (size_t i = 2; i < start && i < in.size(); i++)
+            length = length << 8 | static_cast<uint8_t>(in[i]);
+    }
+    std::string out = start < in.size() ? in.substr(start, length) : "";
+    in.erase(0, start + length);
     return out;
 }
 
@@ -85,6 +91,7 @@ static AgentRequest ReadRequest(std::string in) {
     in = TakeElement(in);
     TakeElement(in); // version
     request.community = TakeElement(in);
+    if (!in.empty()) request.pdu = static_cast<uint8_t>(in[0]);
     in = TakeElement(in);
     for (char ch : TakeElement(in)) request.id = request.id << 8 | static_cast<uint8_t>(ch);
     TakeElement(in); // error status and index
@@ -92,6 +99,7 @@ static AgentRequest ReadRequest(std::string in) {
     in = TakeElement(in);
     in = TakeElement(in);
     request.name = Dotted(TakeElement(in));
+    request.value = in;
     return request;
 }
 

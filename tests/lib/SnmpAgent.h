@@ -15,7 +15,9 @@ struct AgentRequest {
     std::string to; // the address asked
     std::string community;
     int id = 0;
-    std::string name; // of the only binding, dotted
+    unsigned pdu = 0;  // 0xA0 get, 0xA3 set
+    std::string name;  // of the only binding, dotted
+    std::string value; // its value, encoded
     sockaddr_in peer = {};
 };
 
