@@ -4,6 +4,8 @@
 // the front again and takes them over, so nobody keeps an entry across one but through pCurPrnData.
 #pragma once
 
+#include "SnmpPkg/Pkg.h"
+
 #include <cstddef>
 #include <cstdint>
 
@@ -31,7 +33,12 @@ extern PrnEntry *pCurPrnData; // the selected printer; without one a copy of the
 
 // The next entry, counted, with empty texts and no flags; what an earlier discovery left in it is released.
 PrnEntry *ClaimPrnEntry();
-PrnEntry *GetPrnEntry(int index); // null outside the table
+PrnEntry *GetPrnEntry(int index);                        // null outside the table
+int DuplicateDiscoveredPrinterTest(const char *address); // 1 if the table has a printer of that address
+// Of a discovery: enters the host that was read, unless its address is there already. Texts are the printer's
+// bytes; a description of more than 127 characters ends in "...".
+int PrdSnmpPkgCB(int error, intptr_t userData, int errorStatus, int errorIndex, SnmpPackage *package,
+                 PkgSource *source);
 // A copy of its own of an entry, replacing an earlier copy's texts.
 void CopyPrnEntry(PrnEntry *to, const PrnEntry *from);
 
