@@ -7,6 +7,7 @@
 #include "prndeck/core/Prd.h"
 #include "prndeck/core/PrdDisc.h"
 #include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdDiscWin.h"
 #include "prndeck/gui/PrdGuiDesc.h"
 #include "prndeck/gui/PrdGuiEvent.h"
 #include "prndeck/gui/PrdGuiIds.h"
@@ -72,6 +73,7 @@ void GenGui() {
         if (desc->step) desc->step();
     }
     InitPpdData();
+    StartDiscovery();
     XmtDisable(MENU_SPACER_LEFT "," MENU_SPACER_RIGHT);
     XmtDisable(MENU_RESET);
     XmtSetPostMsgHelpWidget("tb6");

@@ -2,6 +2,7 @@
 #include "prndeck/gui/PrdGuiDisplay.h"
 
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/gui/PrdGuiBusy.h"
 #include "prndeck/gui/PrdGuiList.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
@@ -33,6 +34,7 @@ void SetDisName(int item) {
 
 void ApplyDisplaySetup() {
     if (DevCount == 0) return;
+    BusyCursor busy("prndeck,dsw"); // a column may have to be asked for
     DisplayStyle = DisStyle;
     UpdatePrListDisplay();
 }

@@ -3,7 +3,9 @@
 
 #include "common/SysCmd.h"
 #include "common/utils.h"
+#include "prndeck/core/DiscPkg.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/gui/PrdDiscWeb.h"
 #include "prndeck/gui/PrdGuiBusy.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiIds.h"
@@ -17,9 +19,11 @@ static void DeselectPrinter() {
     ClearPrinterPanel();
 }
 
+// Nobody holds an entry of the table when it is filled anew.
 void DoRefresh() {
     BusyCursor busy("prndeck");
     DeselectPrinter();
+    DoPkgDiscovery();
     SetupPrnListDisplay();
 }
 
@@ -39,6 +43,9 @@ void WizEventHandler(XmtCallData *data) {
     if (data->reason == XmtCR_CREATE) return;
     int value = static_cast<int>(data->value);
     switch (data->id) {
+    case WIZ_BROWSER: OpenBrowserChoice(); break;
+    case WIZ_WEB: OpenWebPage(); break;
+    case WIZ_PROFILE: GetProfile(); break;
     case WIZ_DRIVER: pSystem("./prnpnxxtty -FP &\n"); break;
     case WIZ_EXIT: exit_app(0);
     case WIZ_LIST: SelectPrinter(value); break;

@@ -23,10 +23,13 @@
 
 // WizEventHandler: 100 to 149 the main window, 150 About, 200 to 207 the display window
 enum {
+    WIZ_BROWSER = 111,
     WIZ_DRIVER = 115,
     WIZ_EXIT = 120,
+    WIZ_WEB = 124,
     WIZ_LIST = 130,
     WIZ_REFRESH = 131,
+    WIZ_PROFILE = 132, // no object has it
     WIZ_DISPLAY = 200,
     WIZ_DISPLAY_NAME = 201,
     WIZ_DISPLAY_ADDRESS = 202,
@@ -34,6 +37,23 @@ enum {
     WIZ_DISPLAY_DESCRIPTION = 204,
     WIZ_DISPLAY_OK = 205,
     WIZ_DISPLAY_APPLY = 207,
+};
+
+// IPDiscoveryEventHandler: 570 to 576 the browser and the questions of a reset, 600 to 641 the discovery
+enum {
+    DISC_BROWSER_OK = 572,
+    DISC_DIALOG = 600,
+    DISC_TABS = 601,
+    DISC_SUBNETS = 621,
+    DISC_SUBNET_ADD = 622,
+    DISC_SUBNET_REMOVE = 623,
+    DISC_SUBNET_SWITCH = 624,
+    DISC_SUBNET_SCAN = 625,
+    DISC_ADDRESSES = 637,
+    DISC_ADDRESS_ADD = 638,
+    DISC_ADDRESS_REMOVE = 639,
+    DISC_OK = 640,
+    DISC_APPLY = 641,
 };
 
 struct GuiId {
@@ -48,12 +68,13 @@ inline constexpr GuiId GuiIds[] = {
     {0, MENU_JOBS},
     {0, MENU_DISCOVERY},
     {0, MENU_UPGRADE},
-    {0, MENU_BROWSER},
+    {WIZ_BROWSER, MENU_BROWSER},
     {0, MENU_RESET},
     {0, MENU_PROPERTIES},
     {0, MENU_WEB},
     {WIZ_DRIVER, MENU_DRIVER},
     {WIZ_EXIT, MENU_EXIT},
+    {WIZ_WEB, "tb3i"},
     {WIZ_LIST, "scrolList"},
     {WIZ_REFRESH, "RefreshButton"},
     {WIZ_DISPLAY, "dsw"},
@@ -63,4 +84,17 @@ inline constexpr GuiId GuiIds[] = {
     {WIZ_DISPLAY_DESCRIPTION, "d_dt"},
     {WIZ_DISPLAY_OK, "do"},
     {WIZ_DISPLAY_APPLY, "da"},
+    {DISC_BROWSER_OK, "bro"},
+    {DISC_DIALOG, "ipDisc"},
+    {DISC_TABS, "ipdt"},
+    {DISC_SUBNETS, "ipsl"},
+    {DISC_SUBNET_ADD, "ipsna"},
+    {DISC_SUBNET_REMOVE, "ipsnr"},
+    {DISC_SUBNET_SWITCH, "ipsned"},
+    {DISC_SUBNET_SCAN, "ipsnin"},
+    {DISC_ADDRESSES, "ipal"},
+    {DISC_ADDRESS_ADD, "ipaa"},
+    {DISC_ADDRESS_REMOVE, "ipar"},
+    {DISC_OK, "idb1"},
+    {DISC_APPLY, "idb2"},
 };

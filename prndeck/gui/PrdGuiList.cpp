@@ -4,12 +4,14 @@
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/core/PrdGuiSnmpText.h"
 #include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdGuiIds.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <iterator>
@@ -77,12 +79,16 @@ std::string GenListTitle() {
     return out;
 }
 
+bool TestControl(char ch) {
+    auto code = static_cast<unsigned char>(ch);
+    return iscntrl(code) || (code >= 0x80 && code < 0xA0);
+}
+
 // A row is one line, whatever a printer puts into its texts.
 void AppendToListEntry(std::string *out, int width, const char *text) {
     static constexpr char Cut[] = "...";
-    std::string field = text;
-    std::replace_if(
-        field.begin(), field.end(), [](char ch) { return ch == '\n' || ch == '\r' || ch == '\t'; }, ' ');
+    std::string field = GetPrinterText(text);
+    std::replace_if(field.begin(), field.end(), TestControl, ' ');
     size_t room = static_cast<size_t>(width);
     if (field.size() > room) field = field.substr(0, room - strlen(Cut)) + Cut;
     field.resize(room, ' ');
@@ -113,9 +119,13 @@ std::string GenListEntry(int index) {
     return out;
 }
 
+void AlignListTitle(const char *label) {
+    XmtSetXmValue(label, XmNmarginLeft, LIST_INDENT);
+}
+
 void PrepareMainWindow() {
     XmtAddMenuKeys(MENU_BAR);
-    XmtSetXmValue("scrolList_L", XmNmarginLeft, LIST_INDENT);
+    AlignListTitle("scrolList_L");
     SetupPrnListDisplay();
 }
 

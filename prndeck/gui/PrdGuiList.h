@@ -24,8 +24,10 @@ std::string GenListTitle();
 // A printer's row, in line with the title; empty for one that isn't there. Asks the printer for a name or a
 // hardware address that is shown and not known yet.
 std::string GenListEntry(int index);
+bool TestControl(char ch); // a control character of ASCII or Latin-1, which fonts show as a gap or a box
 // Adds a column of the width and three blanks; a longer text is cut and ends in "...".
 void AppendToListEntry(std::string *out, int width, const char *text);
+void AlignListTitle(const char *label); // of columns with the rows below it
 void PrepareMainWindow();   // the step behind its text: keys of the menu, place of the titles, empty list
 void SetupPrnListDisplay(); // title and rows anew
 void UpdatePrListDisplay(); // the same rows with other columns

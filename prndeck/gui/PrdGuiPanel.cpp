@@ -1,15 +1,20 @@
 // What the selected printer allows, and the panel that shows it.
 #include "prndeck/gui/PrdGuiPanel.h"
 
-#include "SnmpPkg/Pkg.h"
 #include "common/NlsUtils.h"
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/core/PrdGuiSnmpText.h"
+#include "prndeck/core/PrdOids.h"
 #include "prndeck/core/PrdSets.h"
+#include "prndeck/core/PrdSnmpRead.h"
+#include "prndeck/gui/PrdDiscWeb.h"
 #include "prndeck/gui/PrdGuiIds.h"
+#include "prndeck/gui/PrdGuiList.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtUtils.h"
 
+#include <algorithm>
 #include <cstring>
 #include <iterator>
 #include <string>
@@ -30,14 +35,13 @@ void SetPrinterSelectionData(int index) {
         return;
     }
     pCurPrnData = entry;
+    if (TestBrowser(entry->Address)) entry->Flags |= PRN_WEB;
     XmtEnable(MENU_RESET "," MENU_PROPERTIES);
 }
 
 // The item of the record of the selected printer's model, or null.
 static const char *GetCurModelItem(const char *item, char *value, size_t capacity) {
-    const PrnEntry *entry = GetPrnEntry(Cur_Product_Index);
-    if (!entry || !pPPDData || entry->PpdIndex > PpdCnt) return nullptr;
-    return GetPpdKeyValue(pPPDData[entry->PpdIndex].base, item, value, capacity);
+    return GetPrnModelItem(GetPrnEntry(Cur_Product_Index), item, value, capacity);
 }
 
 // ORDER SNMP_
@@ -77,36 +81,35 @@ void ClearPrinterPanel() {
     for (const char *label : {"mname", "msta", "mloc"}) XmtSetLabelText(label, "");
 }
 
-static const char *GetPanelText(PkgVar *var) {
-    if (var->Status != SUCCESS) return NoAnswer;
-    ConvertSNMPCharacters(var->RecText);
-    return var->RecText;
+// What can be shown of a printer's text; its lines stay.
+static std::string ShowPrinterText(const char *text) {
+    std::string out = GetPrinterText(text);
+    std::replace_if(
+        out.begin(), out.end(), [](char ch) { return ch != '\n' && TestControl(ch); }, ' ');
+    return out;
 }
 
-static bool ReadPanel(SnmpPackage *package, const char *address) {
-    static constexpr char OidConsole[] = "1.3.6.1.2.1.43.16.5.1.2.1.1";
-    static constexpr char OidLocation[] = "1.3.6.1.2.1.1.6.0";
-    static constexpr char OidStatus[] = "1.3.6.1.2.1.25.3.5.1.1.1";
-    int code =
-        SnmpSetup(package, PKG_INIT, PKG_EMPTY, OidConsole, PKG_EMPTY, OidLocation, PKG_EMPTY, OidStatus);
-    if (code == SUCCESS)
-        code = SnmpSend(package, PKG_SENDMODE, PKG_MODE_GET, PKG_PDU, PDU_GET, PKG_ADDRESSES, address);
-    return code == SUCCESS;
+static std::string GetPanelText(const PkgVar *var) {
+    if (var->Status != SUCCESS) return NoAnswer;
+    std::string text = ShowPrinterText(var->RecText);
+    ConvertSNMPCharacters(text.data());
+    return text;
 }
 
 void DiscProcessPrinterSelection(int index) {
     const PrnEntry *entry = GetPrnEntry(index);
     if (!entry) return;
+    static constexpr const char *Names[] = {OidConsoleText, OidSysLocation, OidHrPrinterStatus, nullptr};
     SnmpPackage package;
-    const char *status = "", *location = "";
-    if (ReadPanel(&package, entry->Address)) {
+    std::string status, location;
+    if (ReadPrinter(&package, entry->Address, Names) == SUCCESS) {
         status = GetPanelText(&package.Vars[0]);
         location = GetPanelText(&package.Vars[1]);
     } else {
         XmtPostMsg_(nullptr, NlsText(pDrvCoreDB, SET_MESSAGES, PANEL_READ_FAILED).c_str());
     }
     SetPrinterPicture(pPPDData && entry->PpdIndex <= PpdCnt ? pPPDData[entry->PpdIndex].icon : nullptr);
-    XmtSetLabelTextSize("mname", entry->Description, PANEL_WIDTH, 0);
-    XmtSetLabelTextSize("msta", status, PANEL_WIDTH, 0);
-    XmtSetLabelTextSize("mloc", location, PANEL_WIDTH, 0);
+    XmtSetLabelTextSize("mname", ShowPrinterText(entry->Description).c_str(), PANEL_WIDTH, 0);
+    XmtSetLabelTextSize("msta", status.c_str(), PANEL_WIDTH, 0);
+    XmtSetLabelTextSize("mloc", location.c_str(), PANEL_WIDTH, 0);
 }

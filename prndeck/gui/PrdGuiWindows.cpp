@@ -3,6 +3,8 @@
 
 #include "common/Version.h"
 #include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdDiscDesc.h"
+#include "prndeck/gui/PrdDiscWin.h"
 #include "prndeck/gui/PrdGuiDesc.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiEvent.h"
@@ -22,6 +24,7 @@ const GuiDesc GuiDescs[] = {
     {"MainWinDesc", MainWinDesc, SET_MAIN, WizEventHandler, nullptr, PrepareMainWindow},
     {"DisplaySetupDesc", DisplaySetupDesc, SET_DISPLAY, WizEventHandler, nullptr, PrepareDisplaySetup},
     {"AboutDesc", AboutDesc, SET_ABOUT, WizEventHandler, FillVersion, PrepareAbout},
+    {"IPDiscoveryDesc", IPDiscoveryDesc, SET_DISC, IPDiscoveryEventHandler, nullptr, PrepareDiscovery},
     {},
 };
 

@@ -8,6 +8,9 @@
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/Prd.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/core/PrdDiscNets.h"
+#include "prndeck/core/PrdOids.h"
+#include "prndeck/gui/PrdDiscWeb.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiEvent.h"
 #include "prndeck/gui/PrdGuiIds.h"
@@ -24,6 +27,7 @@
 #include <gtest/gtest.h>
 #include <map>
 #include <memory>
+#include <net/if.h>
 
 static std::unique_ptr<AppTool> Tool;
 
@@ -118,11 +122,18 @@ protected:
         if (!flRig) GTEST_SKIP() << reason;
         if (!Tool) MakeWindows();
         flUserIsRoot = 1;
-        DevCount = 0;
         DisplayStyle = DISPLAY_DEFAULT;
+        LookAt("");
         DoRefresh();
     }
+    // Printers are looked for at these addresses, and nowhere else.
+    static void LookAt(const char *list) { SetText(&pIpList, list); }
     static void MakeWindows() {
+        pDiscIoctl = [](int, unsigned long, void *argument) {
+            static_cast<ifconf *>(argument)->ifc_len = 0;
+            return 0;
+        };
+        BrowserPort = 1; // nothing listens there
         Tool = std::make_unique<AppTool>();
         pNLSLang = SaveStr_("en_US");
         Tool->WriteDb("en_US/CoreString", Texts());
@@ -167,7 +178,9 @@ TEST_F(Gui, ColumnsAreCutAndKeptInOneLine) {
                  {"12345678", "12345678   "},
                  {"123456789", "12345...   "},
                  {"a\nb\tc\r", "a b c      "},
-                 {"%n%s@~", "%n%s@~     "}};
+                 {"%n%s@~", "%n%s@~     "},
+                 {"\xC3\xA9t\xC3\xA9\x1B\x7F", "\xE9t\xE9        "}, // UTF-8
+                 {"\xE9t\x85\xE9", "\xE9t \xE9       "}};            // Latin-1
     for (const auto &c : cases) {
         std::string out;
         AppendToListEntry(&out, 8, c.text);
@@ -218,6 +231,7 @@ TEST_F(Gui, SelectionsAndWhatTheyAllow) {
     Event(130, 3);
     DoRefresh();
     EXPECT_EQ(Enabled(), root + "3_c_3 3_c_4") << "a refresh";
+    EXPECT_EQ(DevCount, 0) << "finds what is there";
     EXPECT_EQ(Cur_Product_Index, -1);
     Event(130, 99); // beyond the list
     EXPECT_EQ(Cur_Product_Index, -1);
@@ -245,15 +259,11 @@ struct Panel {
 static std::string Label(const char *name) {
     return TakeText(XmtGetLabel(name));
 }
-static constexpr char Console[] = "1.3.6.1.2.1.43.16.5.1.2.1.1";
-static constexpr char Location[] = "1.3.6.1.2.1.1.6.0";
-static constexpr char SysName[] = "1.3.6.1.2.1.1.5.0";
-static constexpr char PhysAddress[] = "1.3.6.1.2.1.2.2.1.6.1";
 
 TEST_F(Gui, PanelOfTheSelectedPrinter) {
     Panel panel;
-    panel.values = {{Console, BerElement(0x04, "@/etc/passwd ~%n\\,\xB6s")},
-                    {Location, BerElement(0x04, "Second floor " + std::string(100, 'x'))}};
+    panel.values = {{OidConsoleText, BerElement(0x04, "@/etc/passwd ~%n\\,\xB6s")},
+                    {OidSysLocation, BerElement(0x04, "Second floor " + std::string(100, 'x'))}};
     AddPrinter("127.0.3.2", "tv_on.ppd");
     Event(130, 1);
     EXPECT_EQ(Label("mname"), "Printer: Tarvo 127.0.3.2");
@@ -263,9 +273,9 @@ TEST_F(Gui, PanelOfTheSelectedPrinter) {
     EXPECT_EQ(Label("PrinterPicture"),
               "icon/tv_on/static.xbm"); // a picture that can't be read shows its name
 
-    panel.values.erase(Console);
+    panel.values.erase(OidConsoleText);
     Event(130, 1);
-    EXPECT_EQ(Label("msta"), "Status: \n\n\n") << "an error";
+    EXPECT_EQ(Label("msta"), "Status: \n        \n        \n        ") << "an error";
     Event(130, 0);
     EXPECT_EQ(Label("mname") + "|" + Label("msta") + "|" + Label("mloc"), "Printer: |Status: |Location: ");
     EXPECT_EQ(Label("PrinterPicture"), "icon/prfamily.xbm");
@@ -283,8 +293,8 @@ TEST_F(Gui, NamesAndHardwareAddressesAreReadWhenTheyAreShown) {
     };
     Panel panel;
     for (const auto &c : cases) {
-        panel.values = {{PhysAddress, c.hardware}};
-        if (!c.name.empty()) panel.values[SysName] = c.name;
+        panel.values = {{OidIfPhysAddress, c.hardware}};
+        if (!c.name.empty()) panel.values[OidSysName] = c.name;
         DevCount = 0;
         PrnEntry *entry = AddPrinter("127.0.3.3");
         SetText(&entry->Name, "");
@@ -360,20 +370,24 @@ TEST_F(Gui, RowsAreSelectedByTheMouse) {
     std::string reason;
     if (!FindWindowUser(&reason)) GTEST_SKIP() << reason;
     Panel panel;
-    for (const char *address : {"127.0.3.5", "127.0.3.6", "127.0.3.7"}) AddPrinter(address);
-    SetupPrnListDisplay();
+    const std::string text = BerElement(0x04, "Bo\xC3\xAEte");
+    panel.values = {
+        {OidHrDeviceDescr, text}, {OidLocalizationCharacterSet, BerInt(4)}, {OidSysLocation, text}};
+    LookAt(",127.0.3.5,127.0.3.6,127.0.3.7,");
+    DoRefresh();
     for (int row : {2, 3, 1}) {
         ClickRow(row);
         EXPECT_TRUE(RunLoopUntil([&] { return Cur_Product_Index == row - 1; })) << row;
     }
-    EXPECT_EQ(Label("mname"), "Printer: Tarvo 127.0.3.5");
+    EXPECT_EQ(Label("mname") + Label("mloc"), "Printer: Bo\xEEteLocation: Bo\xEEte");
     ClickRow(1); // once more takes the selection back
     EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == -1; }));
     ClickRow(2);
     EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == 1; }));
+    LookAt(",127.0.3.5,127.0.3.7,");
     ClickAt("RefreshButton");
     EXPECT_TRUE(RunLoopUntil([] { return Cur_Product_Index == -1; }));
-    EXPECT_EQ(XmtGetListCount("scrolList"), 3);
+    EXPECT_EQ(XmtGetListCount("scrolList"), 2);
 }
 
 TEST_F(Gui, ObjectsBearTheNumbersThatAreHeard) {

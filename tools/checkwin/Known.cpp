@@ -6,6 +6,7 @@ static const char octet[] = "the last field of an address goes nowhere";
 static const char margin[] = "the frames' margins hold a second number that nothing reads";
 static const char twice[] = "each frame and hint makes one, and nothing speaks of it";
 static const char version[] = "the program puts its version there";
+static const char sizes[] = "Motif sizes the messages itself";
 static const char later[] = "its window comes later";
 static const char hint[] = "hints of the tool buttons: not every look has them";
 
@@ -37,10 +38,9 @@ const KnownFault KnownFaults[] = {
     {"MainWinDesc", "the target \"mqw\" is no object", later},
     {"MainWinDesc", "the target \"dqw\" is no object", later},
     {"MainWinDesc", "the target \"jmw\" is no object", later},
-    {"MainWinDesc", "the target \"ipDisc\" is no object", later},
-    {"MainWinDesc", "the target \"brw\" is no object", later},
-    {"MainWinDesc", "the target \"resetconf\" is no object", later},
     {"MainWinDesc", "the target \"snmp\" is no object", later},
+    {"IPDiscoveryDesc", "unknown argument \"S\"", sizes},
+    {"IPDiscoveryDesc", "unknown argument \"r\"", sizes},
     {"AboutDesc", "text 2/3 of en_US holds a '%'", version},
     {"AboutDesc", "text 2/3 of de_DE holds a '%'", version},
     {nullptr, nullptr, nullptr},
