@@ -23,12 +23,13 @@ MENUS = [(SETUP, "s", 3), (PRINTER, "p", 8), (HELP, "h", 2)]  # with their lette
 class Deck:
     """A run of the program in a tool directory of its own, until it ends or the test does."""
 
-    def __init__(self, test, display, *words, title=TITLE, prefix=(), change=lambda tool: None, **env):
-        self.test, self.display, self.tool = test, display, DeckTool()
-        test.addCleanup(self.tool.close)
-        shutil.copytree(BUILD / "stage" / "icon", self.tool.path / "icon")
-        self.tool.path.chmod(0o755)
-        change(self.tool)
+    def __init__(self, test, display, *words, title=TITLE, prefix=(), change=lambda tool: None, tool=None, **env):
+        self.test, self.display, self.tool = test, display, tool or DeckTool()
+        if not tool:  # none of an earlier run
+            test.addCleanup(self.tool.close)
+            shutil.copytree(BUILD / "stage" / "icon", self.tool.path / "icon")
+            self.tool.path.chmod(0o755)
+            change(self.tool)
         self.errors = open(self.tool.path / "errors", "w+b")
         environment = {k: v for k, v in display.env().items() if k not in ("LANG", "LC_ALL")}
         self.program = subprocess.Popen([*prefix, self.tool.program, *words], cwd=self.tool.path, stdin=subprocess.DEVNULL,
@@ -127,13 +128,6 @@ class Window(unittest.TestCase):
             self.display.gone("Display")
         deck.press_exit()
 
-    def test_first_discovery_comes_by_itself(self):
-        deck = Deck(self, self.display)
-        picture = self.display.find_parts(deck.window, 6)[3]
-        before = self.display.pixels(picture.id)
-        deck.wait_for(lambda: self.display.pixels(picture.id) != before, "the picture of the family")
-        deck.press_exit()
-
     def test_german(self):
         deck = self.run_deck(title="Tarvo-Druckerverwaltung", LANG="de_DE.UTF-8")
         self.display.keep("main-de", deck.window)
@@ -148,7 +142,8 @@ class Window(unittest.TestCase):
             self.skipTest("another user can't reach the build")
         deck = self.run_deck(prefix=nobody)
         self.display.keep("main-not-root", deck.window)
-        deck.press_exit()
+        self.display.click(deck.bar()[EXIT])
+        deck.ends(said="ERROR: Can't write to IPDisc")  # the subnets that a first start finds
 
     def test_what_is_missing(self):
         def no_icons(tool):
