@@ -2,6 +2,13 @@
 // left behind by events, messages and refills.
 #include "bench/Bench.h"
 #include "common/MemMgr.h"
+#include "common/utils.h"
+#include "print/PrdCommonUtils.h"
+#include "prndeck/core/PrdDisc.h"
+#include "prndeck/gui/PrdGui.h"
+#include "prndeck/gui/PrdGuiEvent.h"
+#include "prndeck/gui/PrdGuiIds.h"
+#include "prndeck/gui/PrdGuiList.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNew.h"
@@ -10,6 +17,7 @@
 #include "xmt/XmtUtils.h"
 
 #include <csignal>
+#include <cstring>
 #include <malloc.h>
 #include <string>
 #include <sys/prctl.h>
@@ -259,6 +267,67 @@ static double AddByHand(int scale) {
     return Since(start, PRINTERS * scale);
 }
 
+// ---- printers in the main window, beside the network
+
+// The real window with so many printers; none of them has a network.
+static void OpenMainWindow(int count) {
+    if (chdir(BUILD_DIR "/stage") != 0) _exit(1);
+    my_name = "prndeck";
+    pToolPath = SaveStr_(BUILD_DIR "/stage");
+    GenGui();
+    XtRealizeWidget(AppShell);
+    for (int i = 0; i < count; i++) {
+        PrnEntry *entry = ClaimPrnEntry();
+        entry->Name = SaveStr("printer%i", i);
+        entry->HostName = SaveStr("host%i", i);
+        entry->Address = SaveStr("printer %i", i);
+        strcpy(entry->HwAddress, "02:00:5e:00:53:07");
+        entry->Description = SaveStr_("Tarvo C410");
+        entry->PpdIndex = GetPpdData(entry->Description);
+    }
+    SetupPrnListDisplay();
+    XSync(AppDisplay, 0);
+}
+
+static double RefreshOurs(int scale) {
+    OpenMainWindow(PRINTERS * scale);
+    auto start = std::chrono::steady_clock::now();
+    SetupPrnListDisplay();
+    XSync(AppDisplay, 0);
+    return Since(start, PRINTERS * scale);
+}
+
+static double ColumnsOurs(int scale) {
+    OpenMainWindow(PRINTERS * scale);
+    DisplayStyle = DISPLAY_ALL;
+    auto start = std::chrono::steady_clock::now();
+    UpdatePrListDisplay();
+    XSync(AppDisplay, 0);
+    return Since(start, PRINTERS * scale);
+}
+
+static double SelectOurs(int scale) {
+    OpenMainWindow(PRINTERS * scale);
+    XmtCallData data = {};
+    data.id = WIZ_LIST;
+    data.reason = XmtCR_DEFAULT;
+    data.value = PRINTERS * scale;
+    auto start = std::chrono::steady_clock::now();
+    WizEventHandler(&data);
+    XSync(AppDisplay, 0);
+    return Since(start, 1);
+}
+
+// What a selection shows: a picture and three labels.
+static double ShowByHand(int scale) {
+    OpenMainWindow(PRINTERS * scale);
+    auto start = std::chrono::steady_clock::now();
+    XmtSetLabel("PrinterPicture", "@icon/tv_c410/static.xbm,fg black, bg white");
+    for (const char *label : {"mname", "msta", "mloc"}) XmtSetLabelText(label, "Tarvo C410");
+    XSync(AppDisplay, 0);
+    return Since(start, 1);
+}
+
 // ---- what is left behind
 
 static void DispatchWaiting() {
@@ -381,6 +450,9 @@ int main() {
     BenchMeasuredRow("window: an object of 500, built and shown", Measure(BuildOurs), Measure(BuildByHand));
     BenchMeasuredRow("window: 1000 printers into a list, one each", Measure(AddOurs), Measure(AddEachByHand));
     BenchMeasuredRow("window: 1000 printers into a list at once", Measure(ReplaceOurs), Measure(AddByHand));
+    BenchMeasuredRow("window: 1000 printers, the list anew", Measure(RefreshOurs), Measure(AddByHand));
+    BenchMeasuredRow("window: 1000 printers, other columns", Measure(ColumnsOurs), Measure(AddByHand));
+    BenchMeasuredRow("window: 1000 printers, one selected", Measure(SelectOurs), Measure(ShowByHand));
     BenchMeasuredRow("window: start to the main window on screen", StartOurs, StartByHand);
     GrowthRow("window: left by 10000 events", Growth<SendEvents>);
     GrowthRow("window: left by 1000 messages", Growth<PostMessages>);
