@@ -146,14 +146,19 @@ std::string BuildDiscoveryList() {
 
 // ---- The stored subnets
 
+// inet_aton takes any text behind white space.
+static bool TestDotted(const char *text) {
+    in_addr word;
+    return strspn(text, "0123456789.") == strlen(text) && inet_aton(text, &word);
+}
+
 // False for texts that are no addresses.
 static bool SetSubnetTexts(SubnetEntry *entry, const char *address, const char *mask) {
-    in_addr word;
     *entry = {};
     if (strlen(address) >= NET_TEXT || strlen(mask) >= NET_TEXT) return false;
     strcpy(entry->Address, address);
     strcpy(entry->Mask, mask);
-    return inet_aton(address, &word) && inet_aton(mask, &word);
+    return TestDotted(address) && TestDotted(mask);
 }
 
 // line: address, mask, and two flags, which are set by the text "1" alone

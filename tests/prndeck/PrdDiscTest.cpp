@@ -11,6 +11,7 @@
 #include "tests/lib/AppTool.h"
 #include "tests/lib/Capture.h"
 
+#include <algorithm>
 #include <arpa/inet.h>
 #include <cstring>
 #include <gtest/gtest.h>
@@ -18,6 +19,7 @@
 #include <net/if.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 // ---- An own host with interfaces as the test wants them
@@ -171,6 +173,35 @@ TEST_F(Disc, AnEmptiedListStaysEmptyAndAnUnchangedOneIsNotWritten) {
     EXPECT_EQ(WriteSNListToDatabase(), 1);
     ASSERT_EQ(stat(tool.Db("IPDisc").c_str(), &after), 0);
     EXPECT_EQ(before.st_ino, after.st_ino);
+}
+
+TEST_F(Disc, ADamagedFileIsKeptBesideTheNewOne) {
+    tool.WriteDb("IPDisc", {{"FavBrowser", "lynx"}, {"SubnetList", "10.1.0.0,255.255.0.0,1,1\n"}});
+    std::string whole = ReadWhole(tool.Db("IPDisc"));
+    std::string damaged = whole.substr(0, whole.size() - 5) + std::string(300, 'x');
+    tool.Write("db/IPDisc.xdb", damaged);
+    Capture capture;
+    InitPkgDisc();
+    EXPECT_EQ(Subnets() + pPreferredWB, "10.0.0.9/255.255.255.0+i lynx");
+    EXPECT_EQ(Stored("SubnetList") + Stored("FavBrowser"), "10.0.0.9,255.255.255.0,1,0\nlynx");
+    EXPECT_EQ(ReadWhole(tool.Path("db/IPDisc.xdb_damaged")), damaged);
+}
+
+TEST_F(Disc, TwoProgramsStoreAtOnceWithoutALoss) {
+    enum { TIMES = 20 };
+    pid_t child = fork();
+    for (int i = 0; i < TIMES; i++) {
+        if (child == 0)
+            WriteBrowser(("lynx " + std::to_string(i)).c_str());
+        else if (AddToIpList(("10.0.0." + std::to_string(i)).c_str()) == IP_ADDED)
+            WriteIPListToDatabase();
+    }
+    if (child == 0) _exit(0);
+    int status;
+    waitpid(child, &status, 0);
+    ReadIPList();
+    EXPECT_EQ(std::count(pIpList, pIpList + strlen(pIpList), ','), TIMES + 1);
+    EXPECT_EQ(Stored("FavBrowser"), "lynx 19");
 }
 
 TEST_F(Disc, EntriesAreAddedReplacedAndRemoved) {
