@@ -35,7 +35,7 @@ void SetPrinterSelectionData(int index) {
         return;
     }
     pCurPrnData = entry;
-    if (TestBrowser(entry->Address)) entry->Flags |= PRN_WEB;
+    if (!(entry->Flags & PRN_WEB) && TestBrowser(entry->Address)) entry->Flags |= PRN_WEB;
     XmtEnable(MENU_RESET "," MENU_PROPERTIES);
 }
 
