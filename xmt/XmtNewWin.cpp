@@ -13,6 +13,7 @@
 #include "xmt/XmtToken.h"
 #include "xmt/XmtValue.h"
 
+#include <algorithm>
 #include <cctype>
 #include <cstring>
 
@@ -191,10 +192,28 @@ Widget XmtNewPromptDialog(Widget parent, intptr_t type) {
     return widget;
 }
 
+// The push buttons of a row get the width of its widest.
+static void AlignButtons(Widget row) {
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    Dimension width, widest = 0;
+    XtVaGetValues(row, XmNchildren, &children, XmNnumChildren, &count, nullptr);
+    for (Cardinal i = 0; i < count; i++) {
+        if (!XmIsPushButton(children[i])) continue;
+        XtVaGetValues(children[i], XmNwidth, &width, nullptr);
+        widest = std::max(widest, width);
+    }
+    XtVaSetValues(row, XmNentryAlignment, XmALIGNMENT_CENTER, nullptr);
+    for (Cardinal i = 0; i < count; i++)
+        if (XmIsPushButton(children[i]))
+            XtVaSetValues(children[i], XmNrecomputeSize, 0, XmNwidth, widest, nullptr);
+}
+
 void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel) {
     Widget board = XmtGetWidget(dialog);
     if (!board || !XmIsBulletinBoard(board)) return;
     XtVaSetValues(board, XmNdefaultButton, XmtGetWidget(ok), XmNcancelButton, XmtGetWidget(cancel), nullptr);
+    if (Widget button = XmtGetWidget(cancel)) AlignButtons(XtParent(button));
 }
 
 // ---- the body of a menu bar

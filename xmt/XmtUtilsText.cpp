@@ -36,14 +36,26 @@ void XmtSetLabel(const char *name, const char *text) {
     XmtClearInfo(&info);
 }
 
+static bool ShowsLabel(Widget widget, XmString string) {
+    unsigned char type = XmPIXMAP;
+    XmString shown = nullptr;
+    XtVaGetValues(widget, XmNlabelType, &type, XmNlabelString, &shown, nullptr);
+    bool flSame = type == XmSTRING && shown && XmStringCompare(shown, string);
+    if (shown) XmStringFree(shown);
+    return flSame;
+}
+
+// A label that shows the text already is let be: setting it lays out all around it anew.
 void XmtSetLabelRaw(const char *name, const char *text) {
     Widget widget = XmtGetWidget(name);
     if (!widget || !text) return;
     XmString string = XmtMakeString(text);
-    Arg args[] = {{const_cast<char *>(XmNlabelType), XmSTRING},
-                  {const_cast<char *>(XmNlabelString), reinterpret_cast<XtArgVal>(string)}};
-    XtSetValues(widget, args, XtNumber(args));
-    XmUpdateDisplay(widget);
+    if (!ShowsLabel(widget, string)) {
+        Arg args[] = {{const_cast<char *>(XmNlabelType), XmSTRING},
+                      {const_cast<char *>(XmNlabelString), reinterpret_cast<XtArgVal>(string)}};
+        XtSetValues(widget, args, XtNumber(args));
+        XmUpdateDisplay(widget);
+    }
     XmStringFree(string);
 }
 
