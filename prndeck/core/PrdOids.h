@@ -1,17 +1,24 @@
-// What printers are asked for, by the names of the MIBs.
+// What printers are asked for, by the names of the MIBs. The tables of the property sheet stand beside its
+// pages (prndeck/gui/PrdGuiSnmpPages.cpp).
 #pragma once
 
 // MIB-II
 inline constexpr char OidSysDescr[] = "1.3.6.1.2.1.1.1.0";
 inline constexpr char OidSysObjectId[] = "1.3.6.1.2.1.1.2.0";
+inline constexpr char OidSysContact[] = "1.3.6.1.2.1.1.4.0";
 inline constexpr char OidSysName[] = "1.3.6.1.2.1.1.5.0";
 inline constexpr char OidSysLocation[] = "1.3.6.1.2.1.1.6.0";
 inline constexpr char OidIfPhysAddress[] = "1.3.6.1.2.1.2.2.1.6.1"; // of the first interface
 // Host Resources MIB, device 1
 inline constexpr char OidHrDeviceDescr[] = "1.3.6.1.2.1.25.3.2.1.3.1";
+inline constexpr char OidHrDeviceStatus[] = "1.3.6.1.2.1.25.3.2.1.5.1";
 inline constexpr char OidHrPrinterStatus[] = "1.3.6.1.2.1.25.3.5.1.1.1";
 // Printer MIB, first entry
+inline constexpr char OidGeneralReset[] = "1.3.6.1.2.1.43.5.1.1.3.1";
+inline constexpr char OidGeneralOperator[] = "1.3.6.1.2.1.43.5.1.1.4.1";
+inline constexpr char OidGeneralServicePerson[] = "1.3.6.1.2.1.43.5.1.1.5.1";
 inline constexpr char OidLocalizationCharacterSet[] = "1.3.6.1.2.1.43.7.1.1.3.1.1";
+inline constexpr char OidMarkerLifeCount[] = "1.3.6.1.2.1.43.10.2.1.4.1.1";
 inline constexpr char OidConsoleText[] = "1.3.6.1.2.1.43.16.5.1.2.1.1";
 
 // The variables of a discovery, in their order. ORDER DISC_VAR

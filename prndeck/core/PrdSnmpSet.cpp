@@ -3,6 +3,7 @@
 
 #include "common/Token.h"
 #include "print/PrdCommonUtils.h"
+#include "prndeck/core/PrdOids.h"
 #include "prndeck/core/PrdSnmpRead.h"
 
 #include <cstring>
@@ -68,7 +69,7 @@ const char SNMPResetModes[] = ",SNMPResetNormal,SNMPResetPrivate,SNMPResetPublic
                               "SNMPResetSendPrivateOnce,SNMPResetSendPublicOnce,";
 
 bool QueryForSNMPStatus(const char *address) {
-    static constexpr const char *DeviceStatus[] = {"1.3.6.1.2.1.25.3.2.1.5.1", nullptr};
+    static constexpr const char *DeviceStatus[] = {OidHrDeviceStatus, nullptr};
     enum { STATUS_UNKNOWN = 1, STATUS_WARNING = 3 }; // with running between them
     SnmpPackage package;
     if (ReadPrinter(&package, address, DeviceStatus) != SUCCESS) return false;
