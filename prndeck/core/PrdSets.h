@@ -9,6 +9,7 @@ enum {
     SET_ABOUT = 2,
     SET_DISPLAY = 3,
     SET_DISC = 14,
+    SET_SHEET = 15,
     SET_MESSAGES = 20,     // what both faces say
     SET_MACROS = 22,       // what the windows' macros hold
     SET_TTY = NLS_TTY_SET, // menus of the terminal

@@ -11,6 +11,7 @@
 #include "prndeck/gui/PrdDiscWeb.h"
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiList.h"
+#include "prndeck/gui/PrdGuiSnmpManagement.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
@@ -288,6 +289,6 @@ void IPDiscoveryEventHandler(XmtCallData *data) {
     case DISC_ADDRESS_REMOVE: RemoveIPaddr(); break;
     case DISC_OK: CloseDiscovery(); break;
     case DISC_APPLY: ApplyDiscovery(); break;
-    default: break; // tabs and fields of which nothing is to be known
+    default: SnmpEventHandler(data); break;
     }
 }

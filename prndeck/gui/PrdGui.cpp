@@ -6,6 +6,7 @@
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/Prd.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/core/PrdGuiSnmpText.h"
 #include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdDiscWin.h"
 #include "prndeck/gui/PrdGuiDesc.h"
@@ -74,6 +75,7 @@ void GenGui() {
     }
     InitPpdData();
     StartDiscovery();
+    TranslateSNMPMessages();
     XmtDisable(MENU_SPACER_LEFT "," MENU_SPACER_RIGHT);
     XmtDisable(MENU_RESET);
     XmtSetPostMsgHelpWidget("tb6");

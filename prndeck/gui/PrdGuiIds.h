@@ -56,6 +56,21 @@ enum {
     DISC_APPLY = 641,
 };
 
+// The same: 700 to 1190 the property sheet
+enum {
+    SHEET_WINDOW = 700,
+    SHEET_TABS = 702,
+    SHEET_STATUS_TABS = 706,
+    SHEET_SET_INTERVAL = 733,
+    SHEET_SAVE_INTERVAL = 734,
+    SHEET_REFRESH = 735,
+    SHEET_NETWORK_TABS = 1089,
+    SHEET_SETTINGS_TABS = 1150,
+    SHEET_OK = 1184,
+    SHEET_APPLY = 1185,
+    SHEET_CANCEL = 1186,
+};
+
 struct GuiId {
     int id; // 0: whatever number it has
     const char *object;
@@ -97,4 +112,15 @@ inline constexpr GuiId GuiIds[] = {
     {DISC_ADDRESS_REMOVE, "ipar"},
     {DISC_OK, "idb1"},
     {DISC_APPLY, "idb2"},
+    {SHEET_WINDOW, "snmp"},
+    {SHEET_TABS, "sdbt"},
+    {SHEET_STATUS_TABS, "sdbt2"},
+    {SHEET_SET_INTERVAL, "snmpris"},
+    {SHEET_SAVE_INTERVAL, "snmpsai"},
+    {SHEET_REFRESH, "snmprn"},
+    {SHEET_NETWORK_TABS, "ssntab"},
+    {SHEET_SETTINGS_TABS, "sdbt3"},
+    {SHEET_OK, "snmpb1"},
+    {SHEET_APPLY, "snmpb2"},
+    {SHEET_CANCEL, "snmpb3"},
 };

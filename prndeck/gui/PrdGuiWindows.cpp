@@ -9,6 +9,8 @@
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiEvent.h"
 #include "prndeck/gui/PrdGuiList.h"
+#include "prndeck/gui/PrdGuiSnmpDesc.h"
+#include "prndeck/gui/PrdGuiSnmpManagement.h"
 #include "xmt/XmtNewWin.h"
 
 static std::string FillVersion() {
@@ -25,6 +27,7 @@ const GuiDesc GuiDescs[] = {
     {"DisplaySetupDesc", DisplaySetupDesc, SET_DISPLAY, WizEventHandler, nullptr, PrepareDisplaySetup},
     {"AboutDesc", AboutDesc, SET_ABOUT, WizEventHandler, FillVersion, PrepareAbout},
     {"IPDiscoveryDesc", IPDiscoveryDesc, SET_DISC, IPDiscoveryEventHandler, nullptr, PrepareDiscovery},
+    {"SystemPropertyDesc", SystemPropertyDesc, SET_SHEET, IPDiscoveryEventHandler, nullptr, PrepareSheet},
     {},
 };
 

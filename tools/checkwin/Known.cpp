@@ -38,7 +38,6 @@ const KnownFault KnownFaults[] = {
     {"MainWinDesc", "the target \"mqw\" is no object", later},
     {"MainWinDesc", "the target \"dqw\" is no object", later},
     {"MainWinDesc", "the target \"jmw\" is no object", later},
-    {"MainWinDesc", "the target \"snmp\" is no object", later},
     {"IPDiscoveryDesc", "unknown argument \"S\"", sizes},
     {"IPDiscoveryDesc", "unknown argument \"r\"", sizes},
     {"AboutDesc", "text 2/3 of en_US holds a '%'", version},

@@ -1,0 +1,5 @@
+// The windows of the property sheet as texts, in the language of xmt/XmtNew.h.
+#pragma once
+
+// Each "%s" stands for a text of the catalogue, from number 1 on in the window's set.
+extern const char SystemPropertyDesc[];  // snmp: the property sheet; snmpwait
