@@ -56,8 +56,10 @@ enum {
     DISC_APPLY = 641,
 };
 
-// The same: 700 to 1190 the property sheet
+// The same: the reset, 700 to 1190 the property sheet
 enum {
+    RESET_WAIT_CLOSE = 458,
+    RESET_CONFIRM = 576,
     SHEET_WINDOW = 700,
     SHEET_TABS = 702,
     SHEET_STATUS_TABS = 706,
@@ -112,6 +114,8 @@ inline constexpr GuiId GuiIds[] = {
     {DISC_ADDRESS_REMOVE, "ipar"},
     {DISC_OK, "idb1"},
     {DISC_APPLY, "idb2"},
+    {RESET_WAIT_CLOSE, "rwb1"},
+    {RESET_CONFIRM, "resetconf"},
     {SHEET_WINDOW, "snmp"},
     {SHEET_TABS, "sdbt"},
     {SHEET_STATUS_TABS, "sdbt2"},

@@ -1,4 +1,4 @@
-// The windows of the property sheet as texts.
+// The windows of the property sheet and the reset as texts.
 #include "prndeck/gui/PrdGuiSnmpDesc.h"
 
 const char SystemPropertyDesc[] = R"(
@@ -191,4 +191,16 @@ const char SystemPropertyDesc[] = R"(
 *80(1190,snmpwait,prndeck,%s,snmpwmb,snmpwwa)
  *74(snmpwa,%s)
 }}}
+)";
+
+const char SNMPResetWaitDialog[] = R"(
+*80(450,resetwait,prndeck,%s,rwmb,rwwa)
+ *79(rwh,rwht,%s)
+ *74(rwmsg,%s)
+ *74(rwstat,..........)
+}}
+}*72(rwbp,rwmb,4)
+ id(458)
+ *70(rwb1,%s)
+}
 )";

@@ -14,6 +14,7 @@
 #include "prndeck/gui/PrdGuiBusy.h"
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiSnmpPages.h"
+#include "prndeck/gui/PrdGuiSnmpReset.h"
 #include "xmt/XmtCopy.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNewTab.h"
@@ -266,6 +267,8 @@ static void TurnedTo(const XmtCallData *data) {
 void SnmpEventHandler(XmtCallData *data) {
     if (data->reason == XmtCR_CREATE) return;
     switch (data->id) {
+    case RESET_WAIT_CLOSE: CloseResetWait(); break;
+    case RESET_CONFIRM: ConfirmReset(data->reason); break;
     case SHEET_WINDOW: OpenPropertySheet(); break;
     case SHEET_TABS:
     case SHEET_STATUS_TABS:

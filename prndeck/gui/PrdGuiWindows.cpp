@@ -11,6 +11,7 @@
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiSnmpDesc.h"
 #include "prndeck/gui/PrdGuiSnmpManagement.h"
+#include "prndeck/gui/PrdGuiSnmpReset.h"
 #include "xmt/XmtNewWin.h"
 
 static std::string FillVersion() {
@@ -28,6 +29,8 @@ const GuiDesc GuiDescs[] = {
     {"AboutDesc", AboutDesc, SET_ABOUT, WizEventHandler, FillVersion, PrepareAbout},
     {"IPDiscoveryDesc", IPDiscoveryDesc, SET_DISC, IPDiscoveryEventHandler, nullptr, PrepareDiscovery},
     {"SystemPropertyDesc", SystemPropertyDesc, SET_SHEET, IPDiscoveryEventHandler, nullptr, PrepareSheet},
+    {"SNMPResetWaitDialog", SNMPResetWaitDialog, SET_RESET, IPDiscoveryEventHandler, nullptr,
+     PrepareResetWait},
     {},
 };
 
