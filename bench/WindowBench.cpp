@@ -1,6 +1,7 @@
 // Windows from descriptions beside the same ones written by hand for Motif, printers in a list, and what is
 // left behind by events, messages and refills.
 #include "bench/Bench.h"
+#include "bench/BenchDisplay.h"
 #include "common/MemMgr.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
@@ -29,33 +30,6 @@ enum { BLOCKS = 39, BLOCK_OBJECTS = 13, PRINTERS = 1000, EVENTS = 10000, MESSAGE
 static const char FontName[] = "7x13";
 
 // ---- a display, and processes of their own: windows last as long as their process
-
-static pid_t Server;
-
-static bool StartServer() {
-    int pipes[2];
-    if (pipe(pipes) != 0) return false;
-    Server = fork();
-    if (Server == 0) {
-        prctl(PR_SET_PDEATHSIG, SIGKILL);
-        std::string number = std::to_string(pipes[1]);
-        if (!freopen("/dev/null", "w", stderr)) _exit(1);
-        execlp("Xvfb", "Xvfb", "-displayfd", number.c_str(), "-screen", "0", "1280x1024x24", "-nolisten",
-               "tcp", "-noreset", nullptr);
-        _exit(1);
-    }
-    close(pipes[1]);
-    std::string display = ":";
-    for (char ch; read(pipes[0], &ch, 1) == 1 && ch != '\n';) display += ch;
-    close(pipes[0]);
-    setenv("DISPLAY", display.c_str(), 1);
-    return display.size() > 1;
-}
-
-static void StopServer() {
-    kill(Server, SIGTERM);
-    waitpid(Server, nullptr, 0);
-}
 
 static void Ignore(XmtCallData *) {}
 
