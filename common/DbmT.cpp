@@ -7,8 +7,10 @@
 
 #include <algorithm>
 #include <bit>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -168,11 +170,19 @@ static void SetImage(DbTHandle *h, char *image, size_t size) {
     DropIndex(h);
 }
 
+// Whoever waits reads why.
+static void TellUnreadable(const std::string &path) {
+    int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) ErrorMsg(ERR_WARN, 0, "can't read %s: %s", path.c_str(), strerror(errno));
+    if (file >= 0) close(file);
+}
+
 // A file that is being written, or not readable for a moment, gets time. Owns: the contents.
 static char *ReadPatiently(const std::string &path) {
     for (int i = 0; i < DBM_OPEN_TRIES; i++) {
         if (char *content = GetSavedFileContent(path.c_str(), nullptr)) return content;
         if (GetFileSize(path.c_str()) == 0) break;
+        if (i == 0) TellUnreadable(path);
         pSleep(1);
     }
     return nullptr;

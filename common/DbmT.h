@@ -54,7 +54,7 @@ struct DbTWalk {
 void DbTClose(DbTHandle *handle); // writes nothing
 // Reloads the image if the file changed. A missing file leaves the handle as it is. A file that can't be read
 // is tried 10 times, a second apart, and not again before it changes: the handle is then empty, of type
-// DBT_NONE.
+// DBT_NONE. The first attempt names it and the reason on standard error.
 void DbTUpDate(DbTHandle *handle);
 void DbTSetDbType(DbTHandle *handle, int type); // and the swap flag with it
 // The next record, null at the end; index 0 starts over. The cursor stands at the key in the header format.
