@@ -194,13 +194,13 @@ static std::string ReadQue(const char *directory) {
 }
 
 // The name of a new file beside the list that takes after it, with the text in it; empty if that is not to be
-// had.
+// had. It is on the disk before it is renamed: after a power cut an empty list would hide its jobs.
 static std::string WriteNewQue(const std::string &path, std::string_view text) {
     std::string name = path + ".XXXXXX";
     int file = mkostemp(name.data(), O_CLOEXEC);
     if (file < 0) return "";
     struct stat info;
-    bool flWritten = stat(path.c_str(), &info) == 0 && WriteAll(file, text) &&
+    bool flWritten = stat(path.c_str(), &info) == 0 && WriteAll(file, text) && fsync(file) == 0 &&
                      fchown(file, info.st_uid, info.st_gid) == 0 && fchmod(file, info.st_mode & 07777) == 0;
     if (close(file) == 0 && flWritten) return name;
     unlink(name.c_str());
