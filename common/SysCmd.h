@@ -175,8 +175,8 @@ void FreeResponseList(ResponseNode *list); // null is fine
 std::string ShArg(std::string_view value);
 
 // ---- Processes, packages, disks
-// Owns: the texts; null where nothing was found. All end the program, with status 0, where ps, pkginfo, df or
-// du are missing.
+// Owns: the texts; null where nothing was found. A null or empty name or path finds nothing. All end the
+// program, with status 0, where ps, pkginfo, df or du are missing.
 [[nodiscard]] char *GetSysPsIdList(const char *name); // " 12 345 " of the processes of exactly that name
 [[nodiscard]] char *
 CheckProcTableForExecs(const char *names); // "a,b": a line "a ( 12 345 )" for each that runs

@@ -6,10 +6,6 @@
 
 #include <string>
 
-static bool IsEmpty(const char *text) {
-    return !text || !*text;
-}
-
 void CreateFile(const char *directory, const char *name, const char *mode, const char *owner,
                 const char *group) {
     if (!IsEmpty(directory) && !FindFile(directory, nullptr))
@@ -22,7 +18,7 @@ void CreateFile(const char *directory, const char *name, const char *mode, const
 }
 
 void DeleteFile(const char *directory, const char *name) {
-    if (!FindFile(directory, name)) return;
+    if (IsEmpty(name) || !FindFile(directory, name)) return;
     SysCmd(CMD_RM, 2, "%s", ShArg(JoinPath(directory, name)).c_str());
 }
 
@@ -34,7 +30,7 @@ void DeleteFile_(const char *path, const char *name) {
 }
 
 void RenameFile(const char *directory, const char *from, const char *to) {
-    if (!FindFile(directory, from)) return;
+    if (IsEmpty(from) || IsEmpty(to) || !FindFile(directory, from)) return;
     std::string source = ShArg(JoinPath(directory, from));
     std::string target = ShArg(JoinPath(directory, to));
     SysCmd(-CMD_MV, 2, "%s %s", source.c_str(), target.c_str());

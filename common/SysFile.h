@@ -8,7 +8,8 @@
 // sets mode, owner and group (each may be null) of the file, or of the directory if there is no name.
 void CreateFile(const char *directory, const char *name, const char *mode, const char *owner,
                 const char *group);
-// Both do nothing if FindFile does not find the file. DeleteFile_ with a null name takes the path apart.
+// Both do nothing if FindFile does not find the file, or without a name of it. DeleteFile_ with a null name
+// takes the path apart.
 void DeleteFile(const char *directory, const char *name);
 void DeleteFile_(const char *path, const char *name);
 void RenameFile(const char *directory, const char *from, const char *to); // does nothing if from is missing

@@ -27,6 +27,7 @@ static char *CloseIdList(const std::string &list) {
 }
 
 char *GetSysPsIdList(const char *name) {
+    if (IsEmpty(name)) return nullptr;
     std::string list;
     ResponseNode *lines = GetCmdResponse(CMD_PS, name, "%s", "");
     for (ResponseNode *node = lines; node; node = node->next)
@@ -36,6 +37,7 @@ char *GetSysPsIdList(const char *name) {
 }
 
 char *CheckProcTableForExecs(const char *names) {
+    if (!names) return nullptr;
     std::string running;
     for (const char *p = names + strspn(names, ","); *p; p += strspn(p, ",")) {
         std::string name(p, strcspn(p, ","));
@@ -102,6 +104,7 @@ int GetDiskSpace(const char *path, DiskRecord *record) {
 
 int AvailSpace(const char *directory, const char *file, double needed) {
     DiskRecord record = {};
+    if (IsEmpty(directory)) return 0;
     if (file && *file && FindFile(directory, file)) {
         GetDiskSpace(directory, &record);
         return record.available + DUPath((std::string(directory) + "/" + file).c_str()) >= needed;
@@ -116,6 +119,7 @@ int AvailSpace(const char *directory, const char *file, double needed) {
 }
 
 double DUPath(const char *path) {
+    if (IsEmpty(path)) return 0;
     ResponseNode *lines = GetCmdResponse(CMD_DU, nullptr, "%s", ShArg(path).c_str());
     double size = lines ? strtod(lines->text, nullptr) : 0;
     FreeResponseList(lines);

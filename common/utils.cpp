@@ -44,10 +44,6 @@ const char *pLogPath;
 void (*pOpenUpLog)(const char *path);
 char *pToolPath;
 
-static bool IsEmpty(const char *text) {
-    return !text || !*text;
-}
-
 std::string JoinPath(const char *directory, const char *name) {
     if (IsEmpty(directory)) return name ? name : "";
     if (IsEmpty(name)) return directory;
@@ -557,7 +553,7 @@ void InitProcess() {
 }
 
 char *GetEnv(const char *name) {
-    const char *value = getenv(name);
+    const char *value = name ? getenv(name) : nullptr;
     return value ? SaveStr_(value) : nullptr;
 }
 

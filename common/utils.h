@@ -15,6 +15,11 @@
 #include <string>
 #include <sys/types.h>
 
+// No text at all, or an empty one.
+inline bool IsEmpty(const char *text) {
+    return !text || !*text;
+}
+
 enum { LINEBUF_SIZE = 4096, LINE_SIZE = 262143, INPUT_LINE = 512 };
 enum { FILE_OPEN, FILE_ENDED, FILE_FAILED };                  // FileStatus
 enum { TYPE_MISSING, TYPE_DIRECTORY, TYPE_LINK, TYPE_OTHER }; // GetFileType

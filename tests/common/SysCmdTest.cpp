@@ -3,6 +3,7 @@
 #include "common/SysCmd.h"
 
 #include "common/MemMgr.h"
+#include "common/SysFile.h"
 #include "common/utils.h"
 #include "tests/lib/Capture.h"
 
@@ -150,6 +151,20 @@ TEST_F(Commands, TableFilledFromThePath) {
 }
 
 // ---- Processes
+
+TEST_F(Commands, WithoutANameNothingIsFound) {
+    ChildEnd end = RunForked([] {
+        SystemSpy spy;
+        for (const char *none : {static_cast<const char *>(nullptr), ""}) {
+            if (GetSysPsIdList(none) || CheckProcTableForExecs(none) || DUPath(none) != 0) exit(1);
+            if (AvailSpace(none, nullptr, 0) || KillProcessByName(none)) exit(2);
+            DeleteFile("/tmp", none); // would name the directory
+            RenameFile("/tmp", "", none);
+        }
+        if (GetEnv(nullptr)) exit(3);
+    });
+    EXPECT_EQ(end.status, 0) << end.err;
+}
 
 TEST_F(Commands, Kill) {
     ChildEnd end = RunForked([] {
