@@ -173,21 +173,21 @@ def draw_banner():
 
 
 def draw_hint():
-    """A lamp: 32 by 32 bits, in the colours of its label."""
-    b = Bits(32, 32)
-    b.fill(arc(16, 12, 9, 9), black)
-    b.fill([(10, 17), (22, 17), (19.6, 23), (12.4, 23)], black)
-    b.fill(arc(16, 12, 7.4, 7.4), white)
-    b.fill([(11, 16.5), (21, 16.5), (18.2, 23), (13.8, 23)], white)
-    b.line([(13, 12), (15, 15), (17, 15), (19, 12)])  # the wire
-    b.line([(15, 15), (15, 22)])
-    b.line([(17, 15), (17, 22)])
-    for y in (23, 26):
-        b.fill(rounded(11.5, y, 9, 2, 1), black)
-    b.fill(rect(14, 29, 4, 2), black)
+    """A lamp: 26 by 26 bits, in the colours of its label. A hint's frame has no room for more."""
+    b = Bits(26, 26)
+    b.fill(arc(13, 10, 7.4, 7.4), black)
+    b.fill([(8, 14), (18, 14), (16, 19), (10, 19)], black)
+    b.fill(arc(13, 10, 6, 6), white)
+    b.fill([(9, 13.5), (17, 13.5), (14.8, 19), (11.2, 19)], white)
+    b.line([(10, 10), (12, 12), (14, 12), (16, 10)])  # the wire
+    b.line([(12, 12), (12, 18)])
+    b.line([(14, 12), (14, 18)])
+    for y in (19, 22):
+        b.fill(rounded(9.5, y, 7, 2, 1), black)
+    b.fill(rect(11, 24, 4, 2), black)
     for angle in (180, 225, 270, 315, 360):
         a = math.radians(angle)
-        b.line([(16 + 11.6 * math.cos(a), 12 + 11.6 * math.sin(a)), (16 + 14.4 * math.cos(a), 12 + 14.4 * math.sin(a))])
+        b.line([(13 + 9.4 * math.cos(a), 10 + 9.4 * math.sin(a)), (13 + 12 * math.cos(a), 10 + 12 * math.sin(a))])
     return b
 
 
