@@ -213,7 +213,11 @@ void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel)
     Widget board = XmtGetWidget(dialog);
     if (!board || !XmIsBulletinBoard(board)) return;
     XtVaSetValues(board, XmNdefaultButton, XmtGetWidget(ok), XmNcancelButton, XmtGetWidget(cancel), nullptr);
-    if (Widget button = XmtGetWidget(cancel)) AlignButtons(XtParent(button));
+    XmtAlignButtons(cancel);
+}
+
+void XmtAlignButtons(const char *button) {
+    if (Widget widget = XmtGetWidget(button)) AlignButtons(XtParent(widget));
 }
 
 // ---- the body of a menu bar

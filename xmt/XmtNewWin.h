@@ -51,6 +51,7 @@ Widget XmtNewMenuBarMenu(Widget parent);
 // In a dialog of our own Return presses the button that has the focus, else ok, and Escape presses cancel,
 // which may be null. The buttons beside cancel become as wide as the widest.
 void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel);
+void XmtAlignButtons(const char *button); // the same for those beside that one
 // Gives the entries of a bar and of its menus the keys back that flNoBarMenuTraversal took: arrows move,
 // Return and space choose, Escape closes. The bar's text says St(T), or its pulldowns stay without.
 void XmtAddMenuKeys(const char *bar);

@@ -228,6 +228,7 @@ void RemoveIPaddr() {
 
 void PrepareDiscovery() {
     XmtSetDialogButtons("brw", "bro", "brca");
+    XmtAlignButtons("idb1");
     SetDiscoveryTab(TAB_SUBNETS);
     for (const char *label : {"ipsl_L", "ipal_L"}) AlignListTitle(label);
 }
