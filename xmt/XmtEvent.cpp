@@ -40,6 +40,7 @@ static void FinishEvent() {
 
 void XmtMainEventLoop() {
     XtRealizeWidget(AppShell);
+    XmtSetLeastSize();
     flExitMainLoop = 0;
     flInEventLoop = 1;
     while (!flExitMainLoop) {

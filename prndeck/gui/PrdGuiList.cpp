@@ -125,6 +125,8 @@ void AlignListTitle(const char *label) {
 
 void PrepareMainWindow() {
     XmtAddMenuKeys(MENU_BAR);
+    XmtLetGrow("w2");
+    XmtLetListGrow("scrolList");
     AlignListTitle("scrolList_L");
     SetupPrnListDisplay();
 }

@@ -201,6 +201,27 @@ class OtherDisplays(unittest.TestCase):
             display.do("keydown", "Alt_L", "key", "F4", "keyup", "Alt_L")
             deck.ends()
 
+    def test_taller_and_smaller(self):
+        with Display(manager=True) as display:
+            deck = Deck(self, display, "-nd")
+            rows = lambda: display.find_parts(deck.window, 6)  # from the banner to the buttons
+            form = lambda: display.parts(deck.window)[0]
+
+            def below():  # from the end of the list to the panel of the printer
+                body = display.find_parts(rows()[2].id, 2)[-1]
+                return rows()[3].y - body.y - body.height
+
+            before, size, gap = rows(), form(), below()
+            display.do("windowsize", "--sync", deck.window, size.width + 100, size.height + 200)
+            wait_for(lambda: form().height == size.height + 200, "the taller window")
+            grown = {part.id: part.height for part in rows()}
+            display.keep("main-taller", deck.window)
+            self.assertEqual(below(), gap, "the list fills its row")
+            for place, part in enumerate(before):
+                self.assertEqual(grown[part.id] - part.height, 200 if place == 2 else 0, place)
+            display.do("windowsize", deck.window, 100, 100)
+            wait_for(lambda: form()[3:] == size[3:], "the least size")
+
     def test_eight_planes(self):
         with Display(screen="1024x768x8") as display:
             deck = Deck(self, display, "-nd")
