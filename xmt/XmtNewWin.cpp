@@ -27,11 +27,25 @@ int flNoBarMenuTraversal;
 
 // ---- main windows
 
+static XtErrorMsgHandler WarnAsBefore;
+
+// Motif asks for the pointer again when a click reaches a menu that is just closing, and says so.
+static void WarnOfMotif(String name, String type, String kind, String text, String *words, Cardinal *count) {
+    if (strstr(text, "XtGrabPointer failed")) return PutLogMsg("%s: the pointer is in use\n", name);
+    WarnAsBefore(name, type, kind, text, words, count);
+}
+
+// Motif sets a handler of its own with the first shell.
+static void SetMainShell(Widget shell) {
+    AppShell = shell;
+    WarnAsBefore = XtAppSetWarningMsgHandler(AppContext, WarnOfMotif);
+}
+
 static Widget NewShell(const std::string &name) {
     Arg args[1];
     XtSetArg(args[0], XmNcolormap, AppColormap);
     Widget shell = XtAppCreateShell(name.c_str(), AppClass, applicationShellWidgetClass, AppDisplay, args, 1);
-    if (!AppShell) AppShell = shell;
+    if (!AppShell) SetMainShell(shell);
     return shell;
 }
 

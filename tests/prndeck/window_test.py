@@ -89,6 +89,15 @@ class Window(unittest.TestCase):
             wait_for(lambda: not self.display.menus(deck.window), "the menu to go")
         deck.press_exit()
 
+    def test_clicks_faster_than_menus(self):
+        deck = self.run_deck()
+        setup = deck.bar()[SETUP]
+        for _ in range(3):
+            self.display.do("mousemove", setup.x + 5, setup.y + 5, *["click", "1", "click", "3", "click", "2"] * 7)
+        self.display.do("mousemove", 5, 1000, "click", 1)
+        wait_for(lambda: not self.display.menus(deck.window), "the menu to go")
+        deck.press_exit()
+
     def test_menus_by_their_letters(self):
         deck = self.run_deck()
         self.display.point(deck.window)
