@@ -82,6 +82,14 @@ static int GetScreenNum(Display *display) {
     return screen < ScreenCount(display) ? screen : 0;
 }
 
+// What is dragged from a label to a list ends in XmStringFree of a number: Motif 2.3.8 can't take it. Nothing
+// here is meant to be dragged; texts are marked and pasted all the same.
+static void ForbidDragging() {
+    XrmDatabase all = XtScreenDatabase(AppScreen);
+    XrmPutStringResource(&all, "*dragInitiatorProtocolStyle", "DRAG_NONE");
+    XrmPutStringResource(&all, "*dragReceiverProtocolStyle", "DRAG_NONE");
+}
+
 static bool FailInitApp() {
     fflush(stdout);
     fprintf(stderr, "%s: WARNING: can't open display\n", my_name);
@@ -103,6 +111,7 @@ bool XmtInitApp(const char *name, const char *appClass, int *argc, char **argv) 
     AppScreenNum = GetScreenNum(AppDisplay);
     AppScreen = ScreenOfDisplay(AppDisplay, AppScreenNum);
     AppColormap = DefaultColormapOfScreen(AppScreen);
+    ForbidDragging();
     flInitAppTimedOut = 0;
     return true;
 }

@@ -29,9 +29,9 @@ int flNoBarMenuTraversal;
 
 static XtErrorMsgHandler WarnAsBefore;
 
-// Motif asks for the pointer again when a click reaches a menu that is just closing, and says so.
+// A menu that comes or goes while the pointer or the keys belong to another does without, and says so.
 static void WarnOfMotif(String name, String type, String kind, String text, String *words, Cardinal *count) {
-    if (strstr(text, "XtGrabPointer failed")) return PutLogMsg("%s: the pointer is in use\n", name);
+    if (strncmp(text, "XtGrab", 6) == 0) return PutLogMsg("%s: %s\n", name, text);
     WarnAsBefore(name, type, kind, text, words, count);
 }
 
