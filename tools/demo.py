@@ -1,5 +1,9 @@
 """A house of simulated printers in a private network, and what a discovery run finds in it; then, while the printers answer,
-the program that the arguments name.  Started by ./run demo."""
+the program that the arguments name, or without arguments prndeck in its windows, where there is a display.  Started by ./run demo."""
+import os
+import re
+import shutil
+import signal
 import socket
 import subprocess
 import sys
@@ -14,6 +18,8 @@ from snmpask import BUILD, VARIABLES, ask  # noqa: E402
 SIM = BUILD + "/tools/prnsim/prnsim"
 FLEET = str(TOP / "tools/prnsim/demo.fleet")
 ROW = "{:<16}{:<26}{:<9}{}"
+# Queues that are there from the start: name, model's file, address.
+QUEUES = (("lobby", "tv_p340.ppd", "10.71.1.11"), ("graphics", "tv_c410.ppd", "10.71.1.12"), ("night-run", "tv_w760.ppd", "10.71.2.21"))
 
 
 def host_names(addresses):
@@ -49,6 +55,31 @@ def show(net):
     print(f"\n{counts['yes']} printers, {counts['no']} other hosts, {counts['-']} that answered once and never again.")
 
 
+def why_no_windows():
+    display = os.environ.get("DISPLAY", "")
+    if not display:
+        return "No display: the windows are left out."
+    if not re.match(r"(unix)?:", display):
+        return f"The display {display} is another host's: the demo's network can't reach it, so the windows are left out."
+    return ""
+
+
+def run_windows():
+    """prndeck in a tool directory of its own, with queues in the tool's own store; nothing of it stays."""
+    with tempfile.TemporaryDirectory(prefix="prndeck-demo.") as scratch:
+        deck = Path(scratch) / "deck"
+        shutil.copytree(Path(BUILD) / "stage", deck, symlinks=False, ignore=shutil.ignore_patterns("que.xdb", "IPDisc.xdb", "hostq"))
+        os.mkdir(scratch + "/spool")
+        netns.cover("/var/spool", scratch + "/spool")  # where jobs wait
+        path = str(deck) + ":" + os.environ["PATH"]
+        env = {**os.environ, "PRNQ_STORE": "file", "PATH": path}
+        for name, ppd, address in QUEUES:
+            words = [str(deck / "prnqtool"), name, "-log", "prndeck", "-ppd", ppd, "-pm", "wp", "-lpd", "-hn", address, "-psqn", "lp", "-fe", "-ui"]
+            subprocess.run(words, cwd=deck, env=env, check=True)
+        print("\nThe windows of prndeck, with queues that go with the demo. Exit ends it.", flush=True)
+        return subprocess.run([str(deck / "prndeck")], cwd=deck, env=env).returncode
+
+
 def main():
     reason = netns.enter()
     if reason:
@@ -63,9 +94,18 @@ def main():
             hosts.flush()
             netns.cover("/etc/hosts", hosts.name)
         show(net)
-        return subprocess.run(sys.argv[1:]).returncode if sys.argv[1:] else 0  # its network is this one
+        if sys.argv[1:]:
+            return subprocess.run(sys.argv[1:]).returncode  # its network is this one
+        reason = why_no_windows()
+        if reason:
+            print("\n" + reason)
+            return 0
+        return run_windows()
 
 
+# What was made is removed, however the demo is ended.
+for number in (signal.SIGTERM, signal.SIGHUP):
+    signal.signal(number, lambda got, _: sys.exit(128 + got))
 try:
     sys.exit(main())
 except KeyboardInterrupt:
