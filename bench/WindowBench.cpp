@@ -17,6 +17,7 @@
 #include "xmt/XmtString.h"
 #include "xmt/XmtUtils.h"
 
+#include <X11/IntrinsicP.h>
 #include <csignal>
 #include <cstring>
 #include <malloc.h>
@@ -411,8 +412,67 @@ static double StartOurs(int) {
     return TimeStart(BUILD_DIR "/stage/prndeck", "-nd");
 }
 
-static double StartByHand(int) {
-    return TimeStart(BUILD_DIR "/bench/handWindow", nullptr);
+static const std::string WidgetFile = std::string(BUILD_DIR) + "/bench/widgets";
+
+static double StartSame(int) {
+    return TimeStart(BUILD_DIR "/bench/sameWindows", WidgetFile.c_str());
+}
+
+static double StartBare(int) {
+    return TimeStart(BUILD_DIR "/bench/sameWindows", nullptr);
+}
+
+// ---- the widgets of all windows, for the yardstick
+
+static int WidgetLines;
+
+// What Motif makes by itself in a widget of this class is made again with it.
+static bool HoldsItsOwn(Widget widget) {
+    unsigned char kind = 0;
+    if (XmIsRowColumn(widget)) XtVaGetValues(widget, XmNrowColumnType, &kind, nullptr);
+    return kind == XmMENU_OPTION || XmIsMessageBox(widget) || XmIsSelectionBox(widget);
+}
+
+static std::string LabelOf(Widget widget, unsigned char *type) {
+    if (!XmIsLabel(widget) && !XmIsLabelGadget(widget)) return "";
+    XmString label = nullptr;
+    XtVaGetValues(widget, XmNlabelType, type, XmNlabelString, &label, nullptr);
+    char *text = label ? static_cast<char *>(XmStringUnparse(label, nullptr, XmCHARSET_TEXT, XmCHARSET_TEXT,
+                                                             nullptr, 0, XmOUTPUT_ALL))
+                       : nullptr;
+    std::string result = text ? text : "";
+    XtFree(text);
+    XmStringFree(label);
+    return result.substr(0, result.find('\n'));
+}
+
+static void WriteWidget(FILE *out, Widget widget, int parent) {
+    if (XtIsTransientShell(widget) && !XmIsDialogShell(widget)) return; // Motif's own, for a list's help
+    unsigned char kind = 0, type = XmSTRING;
+    if (XmIsRowColumn(widget)) XtVaGetValues(widget, XmNrowColumnType, &kind, nullptr);
+    std::string label = LabelOf(widget, &type);
+    fprintf(out, "%d %s %d %d %d %s|%s\n", parent, XtClass(widget)->core_class.class_name,
+            XtIsManaged(widget) && !XtIsShell(XtParent(widget)), kind, type == XmPIXMAP, XtName(widget),
+            label.c_str());
+    int line = WidgetLines++;
+    for (Cardinal i = 0; i < widget->core.num_popups; i++) WriteWidget(out, widget->core.popup_list[i], line);
+    if (!XtIsComposite(widget) || HoldsItsOwn(widget)) return;
+    CompositeWidget composite = reinterpret_cast<CompositeWidget>(widget);
+    for (Cardinal i = 0; i < composite->composite.num_children; i++)
+        if (!XmIsScrollBar(composite->composite.children[i]))
+            WriteWidget(out, composite->composite.children[i], line);
+}
+
+static double WriteWidgets(int) {
+    OpenMainWindow(0);
+    FILE *out = fopen(WidgetFile.c_str(), "w");
+    if (!out) return 0;
+    CompositeWidget shell = reinterpret_cast<CompositeWidget>(AppShell);
+    for (Cardinal i = 0; i < AppShell->core.num_popups; i++)
+        WriteWidget(out, AppShell->core.popup_list[i], -1);
+    for (Cardinal i = 0; i < shell->composite.num_children; i++)
+        WriteWidget(out, shell->composite.children[i], -1);
+    return fclose(out) == 0 ? WidgetLines : 0;
 }
 
 int main() {
@@ -427,7 +487,10 @@ int main() {
     BenchMeasuredRow("window: 1000 printers, the list anew", Measure(RefreshOurs), Measure(AddByHand));
     BenchMeasuredRow("window: 1000 printers, other columns", Measure(ColumnsOurs), Measure(AddByHand));
     BenchMeasuredRow("window: 1000 printers, one selected", Measure(SelectOurs), Measure(ShowByHand));
-    BenchMeasuredRow("window: start to the main window on screen", StartOurs, StartByHand);
+    double widgets = Apart(WriteWidgets, 1);
+    printf("window: the program starts with %.0f widgets\n", widgets);
+    BenchMeasuredRow("window: start beside the same widgets", StartOurs, StartSame);
+    BenchMeasuredRow("window: start beside a bare window", StartOurs, StartBare);
     GrowthRow("window: left by 10000 events", Growth<SendEvents>);
     GrowthRow("window: left by 1000 messages", Growth<PostMessages>);
     GrowthRow("window: left by 1000 refills of a list", Growth<RefillList>);
