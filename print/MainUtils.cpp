@@ -11,10 +11,12 @@
 #include "print/Told.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <string>
 #include <string_view>
+#include <unistd.h>
 #include <unordered_set>
 
 static constexpr char OldConfig[] = "77yyprinters";
@@ -151,14 +153,22 @@ static void SetQueListTold(const std::string &told) {
     pQueListTold = told.empty() ? nullptr : SaveStr_(told.c_str());
 }
 
+std::string GetQueToolFault() {
+    std::string path = std::string(pToolPath) + "/prnqtool";
+    if (access(path.c_str(), X_OK) == 0) return "";
+    const char *reason = strerror(errno);
+    return path + ": " + reason;
+}
+
 char *GetQueList() {
+    std::string fault = GetQueToolFault();
     ToldEar ear;
     ResponseNode *lines = GetCmdResponse(CMD_QUIET, nullptr, "%s/prnqtool -LQ", ShArg(pToolPath).c_str());
     std::string names;
     for (ResponseNode *line = lines; line; line = line->next)
         if (const char *name = GetToken(line->text, QueWordDelims)) names += std::string(",") + name;
     FreeResponseList(lines);
-    SetQueListTold(ear.Text());
+    SetQueListTold(fault.empty() ? ear.Text() : fault);
     if (names.empty()) return nullptr;
     char *list = SaveStr_(names.c_str());
     SortTokens(list, ',', 1);

@@ -8,6 +8,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
 #include <type_traits>
 
 enum { CFG_DIRECT = 1, CFG_NO_DB = 2, CFG_LPRNG = 4, CFG_AIX = 8, CFG_BSD = 16, CFG_V5 = 32, CFG_CUPS = 64 };
@@ -55,6 +56,8 @@ void SetConfigFlags();
 // 1 if the file exists in the tool directory.
 int TestConfigFlag(const char *file);
 
+// Why prnqtool can't be started; empty if it can.
+std::string GetQueToolFault();
 // All queues of the host, from prnqtool: ",q1,q2", sorted; null if there is none. Owns: the result.
 // Uses: the token state, pQueListTold.
 [[nodiscard]] char *GetQueList();

@@ -103,9 +103,10 @@ std::string MakeFeatureLine(const char *ppdFile, int flBanner) {
 }
 
 int RunQueLine(const std::string &line, std::string *told) {
+    std::string fault = GetQueToolFault();
     ToldEar ear;
     int status = SysCmd(CMD_LINE, 0, "%s", line.c_str());
-    *told = ear.Text();
+    *told = fault.empty() ? ear.Text() : fault;
     return status;
 }
 
