@@ -2,6 +2,7 @@
 #pragma once
 
 #include <climits>
+#include <string>
 
 // Writer of all of them: the start-up. They hold for the whole run.
 extern char AppDir[PATH_MAX];  // a copy of pToolPath
@@ -26,6 +27,8 @@ int ScanWords(int count, char **words);
 // Lists the models of the directory "ppd" in PpdList and PpdModelList. Uses: Line, which keeps the list of
 // models. Ends: without a PPD file, with status 0.
 void LoadModels();
+// Name of a model number, empty if there is none. Uses: the token state.
+std::string GetModelName(int model);
 void UpdatePrinters();
 
 // File name of the manual in the language of the run. Owns: the result.

@@ -12,8 +12,6 @@
 #include <cstring>
 #include <string_view>
 
-static constexpr char UnseenChars[] = " \t\r\n";
-
 const int aBannerFontSize[BANNER_SIZES] = {8, 10, 12, 14, 16, 18, 20, 22, 24, 26, 28, 30, 32, 34, 36, 38, 40};
 const char pBannerFontSizes[] = ",8,10,12,14,16,18,20,22,24,26,28,30,32,34,36,38,40";
 static_assert(BANNER_DEFAULT_SIZE < BANNER_SIZES);
@@ -40,7 +38,7 @@ std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]) {
     std::string text;
     for (int i = 0; i < BANNER_ROWS; i++) {
         const char *title = rows[i].title;
-        if (!title[strspn(title, UnseenChars)]) continue;
+        if (!*title) continue;
         int size = aBannerFontSize[std::clamp(rows[i].size, 0, BANNER_SIZES - 1)];
         text += ".h" + std::to_string(i + 1) + " " + std::to_string(size) + " " + title + "\n";
     }
@@ -56,9 +54,10 @@ static bool WriteBannerFile(const char *text) {
     return false;
 }
 
-void PutBannerFile(const char *text) {
-    if (*text && WriteBannerFile(text)) return;
+int PutBannerFile(const char *text) {
+    if (*text && WriteBannerFile(text)) return 1;
     DeleteFile(pToolPath, BannerFile);
+    return !*text;
 }
 
 std::string PutDefaultBanner(const char *text) {

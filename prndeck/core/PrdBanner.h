@@ -27,11 +27,11 @@ void SetBannerRow(BannerRow *row, std::string_view title, int size);
 // The rows of a text, null for none. A title without a line is empty, with the default size; a size that
 // isn't in the list reads as the first; a line without two blanks or with another key is skipped.
 void ReadBannerText(const char *text, BannerRow rows[BANNER_ROWS]);
-// The text of the rows: empty if no title has a character that is seen.
+// The text of the rows: a line for each title, empty if all are.
 std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]);
 // Writes the text to ".bsettings" in the tool directory; an empty text, or one that can't be written, removes
-// the file.
-void PutBannerFile(const char *text);
+// the file. 0 for one that can't be written, behind a message on standard error.
+int PutBannerFile(const char *text);
 // With a text: the line that makes ".bsettings" the system's default; without: the line that clears the
 // default. Runs it and removes the file, since a default is no queue's own banner. What prnqtool told of it.
 std::string PutDefaultBanner(const char *text);

@@ -1,6 +1,7 @@
 // The command lines for prnqtool and the driver front end.
 #include "prndeck/core/PrdQueLine.h"
 
+#include "common/MemMgr.h"
 #include "common/SysCmd.h"
 #include "common/SysFile.h"
 #include "common/Words.h"
@@ -102,6 +103,23 @@ std::string MakeFeatureLine(const char *ppdFile, int flBanner) {
            ShArg(std::string(pToolPath) + "/ppd/" + ppdFile);
 }
 
+static bool HasModelItem(const char *ppdFile, const char *item) {
+    char value[PPD_VALUE];
+    return GetPpdKeyValue(ppdFile, item, value, sizeof value) != nullptr;
+}
+
+static std::string MakeDriverLine(const char *program, const FeatureCall &call) {
+    std::string source = call.flStored ? " -MS " + ShArg(call.queue) : " -GS " + ShArg(call.ppdFile);
+    return ToolProgram(program) + source + " 1>>/dev/null 2>>/dev/null";
+}
+
+std::string MakeFeatureWindowLine(const FeatureCall &call) {
+    if (HasModelItem(call.ppdFile, "v5ModelName")) return MakeDriverLine("v5driver", call);
+    if (HasModelItem(call.ppdFile, "v4DriverPluginFilename")) return MakeDriverLine("driver", call);
+    return ToolProgram(Prefix) + Interface + "tty " + (*call.queue ? "-d" + ShArg(call.queue) : "") + " " +
+           (call.flBanner ? "-SBP" : "") + " -GS" + ShArg(std::string(pToolPath) + "/ppd/" + call.ppdFile);
+}
+
 int RunQueLine(const std::string &line, std::string *told) {
     std::string fault = GetQueToolFault();
     ToldEar ear;
@@ -128,4 +146,13 @@ int TestToolFile(const char *name) {
 void DeleteWorkFiles() {
     DeleteFile(pToolPath, SettingsFile);
     DeleteFile(pToolPath, BannerFile);
+}
+
+int PutSettingsFile(QueRecord *record) {
+    if (!record->settings) return 1;
+    std::string path = std::string(pToolPath) + "/" + SettingsFile;
+    int written = CreateTextFile(path.c_str(), "wt", 0, "%s", record->settings);
+    PutMem(record->settings);
+    record->settings = nullptr;
+    return written;
 }

@@ -8,6 +8,9 @@
 
 enum { STATUS_LPSCHED = 16 }; // of RunQueLine: lpsched failed to stop
 
+// What both faces say of a target, in the set of messages.
+enum { MSG_NO_ADDRESS = 126, MSG_NO_REMOTE = 129 };
+
 // Where a queue prints. No text may be null.
 struct QueTarget {
     int type;            // QueueType
@@ -41,6 +44,16 @@ std::string MakeDefaultBannerLine(int flSet);
 // The front end's own dialogue on the terminal, for the features of a model.
 std::string MakeFeatureLine(const char *ppdFile, int flBanner);
 
+// The same where a display is: the program that sets the features of the model. For a queue that is stored
+// flStored has it asked for by its name; else it is the name of the queue in the making, which may be empty.
+struct FeatureCall {
+    const char *ppdFile;
+    const char *queue;
+    int flStored;
+    int flBanner;
+};
+std::string MakeFeatureWindowLine(const FeatureCall &call);
+
 // Runs a line with its output thrown away: 0, or a number of errno. *told is what prnqtool complained or
 // warned of, a line each, for the face to show; empty if it did as it was told.
 int RunQueLine(const std::string &line, std::string *told);
@@ -62,3 +75,6 @@ extern const char SettingsFile[]; // the feature settings of the queue at hand
 extern const char BannerFile[];   // its banner lines
 int TestToolFile(const char *name);
 void DeleteWorkFiles();
+// Moves the settings of a record to ".settings", if it has any; 0 if they can't be written, behind a message
+// on standard error.
+int PutSettingsFile(QueRecord *record);

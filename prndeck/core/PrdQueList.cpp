@@ -35,6 +35,11 @@ void ReadQueLists() {
     if (pQueList) pTarvoQueList = GetTarvoQueList();
 }
 
+int TestHostQueue(const char *name) {
+    ReadQueLists();
+    return pQueList && FindToken(name, pQueList) > 0;
+}
+
 // ---- The database
 
 // Two changes within a second, or a file put in place of another, differ in one of these; all 0 for no file.

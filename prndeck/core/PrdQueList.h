@@ -7,6 +7,9 @@ extern char *pTarvoQueList; // ",q1": the family's queues among them, or null
 
 // Reads both anew. Starts prnqtool.
 void ReadQueLists();
+// 1 if the host has a queue of that name. Reads both lists anew: a menu or window may have been open for
+// hours, and others make queues as well.
+int TestHostQueue(const char *name);
 // Releases the host's list: whoever finds it null reads both anew.
 void DropQueList();
 // The family's queues as ",q1,q2", sorted; null if there is none. Owns: the result.

@@ -113,3 +113,8 @@ void LoadModels() {
     snprintf(Line, sizeof Line, "%s", models.c_str());
     PpdModelList = SaveStr_(Line);
 }
+
+std::string GetModelName(int model) {
+    const char *name = PpdModelList ? GetTokenN(PpdModelList, ",", model) : nullptr;
+    return name ? name : "";
+}

@@ -18,7 +18,6 @@ QueRecord MPS_tty;
 char pModifyQueName[QUE_NAME];
 char pCloneQueName[QUE_NAME];
 int PrinterModelTty;
-char *pSettingsTty;
 
 std::string AskTty(int prompt) {
     char answer[TTY_ANSWER] = "";
@@ -91,9 +90,4 @@ const char *GetItemText(const TextMenuItem *items, int index) {
 
 int GetItemChoice(const TextMenuItem *items, int index) {
     return static_cast<int>(items[index].value.i);
-}
-
-std::string GetModelName(int model) {
-    const char *name = PpdModelList ? GetTokenN(PpdModelList, ",", model) : nullptr;
-    return name ? name : "";
 }

@@ -33,7 +33,6 @@ enum {
     TTY_MODIFY_PROMPT = 1107,
     TTY_COPY_PROMPT = 1108,
 };
-enum { MSG_NO_ADDRESS = 126, MSG_NO_REMOTE = 129 };
 
 // The host check of entries: not the reserved address, else an address or any text.
 #define TTY_HOST_FORMAT "!(0.0.0.0)|!(255.255.255.255)|d(0,255).d(0,255).d(0,255).d(0,255)|t(1,255)"
@@ -114,7 +113,6 @@ extern QueRecord MPS_tty;             // the queue being modified or copied; its
 extern char pModifyQueName[QUE_NAME]; // its name; both plain, quoted where a line is made
 extern char pCloneQueName[QUE_NAME];
 extern int PrinterModelTty; // its model number, 0 if its PPD file is not in PpdList
-extern char *pSettingsTty;  // its feature settings while they are written out
 
 // ---- Main menu and lists
 
@@ -163,4 +161,3 @@ void ShowToldTty(const std::string &told);
 // The text of an item, empty if it has none.
 const char *GetItemText(const TextMenuItem *items, int index);
 int GetItemChoice(const TextMenuItem *items, int index);
-std::string GetModelName(int model);

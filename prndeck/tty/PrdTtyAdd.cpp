@@ -2,7 +2,6 @@
 #include "prndeck/tty/PrdTty.h"
 
 #include "common/SysCmd.h"
-#include "common/Token.h"
 #include "menu/MenuState.h"
 #include "print/PrdCommonUtils.h"
 #include "prndeck/tty/PrdTtyBanner.h"
@@ -199,10 +198,8 @@ int SetupTty(TextMenu *menu, TextMenuItem *) {
 
 // ---- Apply
 
-// The menu may have been open for hours: others make queues as well.
 static int ConfirmName(const char *name) {
-    ReadQueLists();
-    if (!pQueList || !FindToken(name, pQueList)) return 1;
+    if (!TestHostQueue(name)) return 1;
     return PromptYN(
         "%s is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "
         "\"%s\"\nReplace %s",

@@ -10,6 +10,7 @@
 #include "prndeck/tty/PrdTty.h"
 
 #include <cstdio>
+#include <cstring>
 
 char BannerLine[BANNER_TEXT];
 
@@ -117,12 +118,17 @@ int InitBannerInfoMenu(TextMenu *menu) {
     return 0;
 }
 
+// An empty entry leaves a title as it is, so that one of blanks is how to be rid of it.
+static const char *GetTitleItem(const TextMenuItem *item) {
+    const char *title = item->value.s ? item->value.s : "";
+    return title[strspn(title, " \t\r\n")] ? title : "";
+}
+
 static std::string GetBannerItems(const TextMenuItem *items) {
     BannerRow rows[BANNER_ROWS];
     for (int i = 0; i < BANNER_ROWS; i++) {
         const TextMenuItem *row = &items[i * BM_ROW];
-        SetBannerRow(&rows[i], row[BM_TITLE].value.s ? row[BM_TITLE].value.s : "",
-                     static_cast<int>(row[BM_SIZE].value.i));
+        SetBannerRow(&rows[i], GetTitleItem(&row[BM_TITLE]), static_cast<int>(row[BM_SIZE].value.i));
     }
     return MakeBannerText(rows);
 }

@@ -4,6 +4,7 @@
 #include "common/NlsUtils.h"
 #include "common/Token.h"
 #include "print/PrdCommonUtils.h"
+#include "prndeck/core/Prd.h"
 
 #include <cstdio>
 #include <iterator>
@@ -98,10 +99,8 @@ int InitCloneQueMenu(TextMenu *menu) {
 
 // ---- Apply
 
-// The menu may have been open for hours: others make queues as well.
 static int ConfirmCopyName(const char *name) {
-    ReadQueLists();
-    if (!pQueList || !FindToken(name, pQueList)) return 1;
+    if (!TestHostQueue(name)) return 1;
     return PromptYN(
         "%s is a previously defined queue!!!!!\nUsing this queue name will destroy your current queue "
         "\"%s\"",

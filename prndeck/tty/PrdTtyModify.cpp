@@ -7,6 +7,7 @@
 #include "common/Token.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
+#include "prndeck/core/Prd.h"
 #include "prndeck/tty/PrdTtyBanner.h"
 
 #include <cstdio>
@@ -101,16 +102,6 @@ int InitModifyQueMenu(TextMenu *) {
 
 // ---- The queue as it stands
 
-static void PutSettingsFile() {
-    pSettingsTty = MPS_tty.settings;
-    MPS_tty.settings = nullptr;
-    if (!pSettingsTty) return;
-    std::string path = std::string(pToolPath) + "/" + SettingsFile;
-    CreateTextFile(path.c_str(), "wt", 0, "%s", pSettingsTty);
-    PutMem(pSettingsTty);
-    pSettingsTty = nullptr;
-}
-
 static void SetQueLabel(int item, int leadIn, const char *value) {
     snprintf(QueLabels[item], MENU_TEXT_SIZE, "%s%s", NlsText(pDrvCoreDB, SET_TTY, leadIn).c_str(), value);
     ModifyQueMenuItems[item].state = STATE_NORMAL;
@@ -140,7 +131,7 @@ static void SetQueLabels(const char *name) {
 
 void SetQueSettingsTty(const char *name) {
     GetQueDbEntry(&MPS_tty, name);
-    PutSettingsFile();
+    PutSettingsFile(&MPS_tty);
     TextMenuItem *items = ModifyQueMenuItems;
     items[MOD_DEFAULT].initial.i = TestDefaultQueue(name);
     items[MOD_INTERFACE].initial.i = MPS_tty.userInterface != 0;

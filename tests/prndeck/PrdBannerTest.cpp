@@ -33,7 +33,9 @@ TEST(BannerText, Read) {
 }
 
 TEST(BannerText, Write) {
-    BannerRow rows[BANNER_ROWS] = {{"", 6}, {" \t\r\n", 6}, {"third %d", 16}};
+    BannerRow rows[BANNER_ROWS] = {{"", 6}, {" ", 6}, {"third %d", 16}};
+    EXPECT_EQ(MakeBannerText(rows), ".h2 20  \n.h3 40 third %d\n");
+    rows[1] = {"", 6};
     EXPECT_EQ(MakeBannerText(rows), ".h3 40 third %d\n");
     rows[0] = {"a b", -1}; // positions beyond the list
     rows[2] = {"c", 99};

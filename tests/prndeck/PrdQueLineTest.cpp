@@ -77,3 +77,20 @@ TEST(GetQuePlace, KindAndWordsOfTheCountRecord) {
         EXPECT_EQ(std::string(Kinds[place.kind]) + " " + words, c.want);
     }
 }
+
+TEST(MakeFeatureWindowLine, TheProgramThatSetsAModelsFeatures) {
+    struct Case {
+        FeatureCall call;
+        const char *want;
+    };
+    static const Case Cases[] = {
+        {{"tv_5.ppd", "q1", 0, 1}, "T/v5driver -GS tv_5.ppd 1>>/dev/null 2>>/dev/null"},
+        {{"tv_4.ppd", "", 0, 0}, "T/driver -GS tv_4.ppd 1>>/dev/null 2>>/dev/null"},
+        {{"tv_4.ppd", "a b", 1, 0}, "T/driver -MS 'a b' 1>>/dev/null 2>>/dev/null"},
+        {{"tv_3.ppd", "", 0, 0}, "T/prnpnxxtty   -GST/ppd/tv_3.ppd"},
+        {{"tv_3.ppd", "$x", 1, 1}, "T/prnpnxxtty -d'$x' -SBP -GST/ppd/tv_3.ppd"}};
+    AppTool tool;
+    tool.WriteDb("en_US/PrtString", {{"tv_5", ".sppditem v5ModelName\n5\n.eppditem\n"},
+                                     {"tv_4", ".sppditem v4DriverPluginFilename\n4\n.eppditem\n"}});
+    for (const Case &c : Cases) EXPECT_EQ(Plain(MakeFeatureWindowLine(c.call)), c.want);
+}
