@@ -223,9 +223,32 @@ static void AlignButtons(Widget row) {
             XtVaSetValues(children[i], XmNrecomputeSize, 0, XmNwidth, widest, nullptr);
 }
 
+// Motif has Return press a button, the one with the focus too, only where there is a default button.
+static void AddButtonKeys(Widget widget) {
+    static constexpr char Keys[] = ":<Key>osfActivate: ArmAndActivate()\n"
+                                   "~s ~m ~a <Key>Return: ArmAndActivate()\n";
+    if (XmIsPushButton(widget)) XtOverrideTranslations(widget, XtParseTranslationTable(Keys));
+    if (!XtIsComposite(widget)) return;
+    WidgetList children = nullptr;
+    Cardinal count = 0;
+    XtVaGetValues(widget, XmNchildren, &children, XmNnumChildren, &count, nullptr);
+    for (Cardinal i = 0; i < count; i++) AddButtonKeys(children[i]);
+}
+
+// Motif's own mark does not show on buttons with a frame.
+static void MarkDefaultButton(Widget board, Widget ok) {
+    enum { FRAME = 1, DEFAULT_FRAME = 2 };
+    Widget old = nullptr;
+    XtVaGetValues(board, XmNdefaultButton, &old, nullptr);
+    if (old) XtVaSetValues(old, XmNborderWidth, FRAME, nullptr);
+    if (ok) XtVaSetValues(ok, XmNborderWidth, DEFAULT_FRAME, nullptr);
+}
+
 void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel) {
     Widget board = XmtGetWidget(dialog);
     if (!board || !XmIsBulletinBoard(board)) return;
+    if (!ok) AddButtonKeys(board);
+    MarkDefaultButton(board, XmtGetWidget(ok));
     XtVaSetValues(board, XmNdefaultButton, XmtGetWidget(ok), XmNcancelButton, XmtGetWidget(cancel), nullptr);
     XmtAlignButtons(cancel);
 }

@@ -48,8 +48,9 @@ void BuildMenuBar(Widget parent, XmtInfo *bar, const char *prefix);
 // name_cb, for which the arguments are read a second time.
 Widget XmtNewMenuBarButton(Widget parent);
 Widget XmtNewMenuBarMenu(Widget parent);
-// In a dialog of our own Return presses the button that has the focus, else ok, and Escape presses cancel,
-// which may be null. The buttons beside cancel become as wide as the widest.
+// In a dialog of our own Return presses the button that has the focus, else ok, which gets a thicker frame,
+// and Escape presses cancel. Both may be null; without ok Return in a field is the field's alone. The buttons
+// beside cancel become as wide as the widest.
 void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel);
 void XmtAlignButtons(const char *button); // the same for those beside that one
 // In a form whose rows hang one below the other, each from the one above, the object takes what height the
