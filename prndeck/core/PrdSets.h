@@ -8,6 +8,13 @@ enum {
     SET_MAIN = 1,
     SET_ABOUT = 2,
     SET_DISPLAY = 3,
+    SET_MODIFY_LIST = 4,
+    SET_DELETE = 5,
+    SET_COPY_LIST = 6,
+    SET_ADD = 7,
+    SET_COPY = 8,
+    SET_BANNER = 10,
+    SET_MODIFY = 11,
     SET_DISC = 14,
     SET_SHEET = 15,
     SET_MESSAGES = 20, // what both faces say
