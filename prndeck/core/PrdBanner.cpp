@@ -40,7 +40,9 @@ std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]) {
         const char *title = rows[i].title;
         if (!*title) continue;
         int size = aBannerFontSize[std::clamp(rows[i].size, 0, BANNER_SIZES - 1)];
-        text += ".h" + std::to_string(i + 1) + " " + std::to_string(size) + " " + title + "\n";
+        std::string line = ".h" + std::to_string(i + 1) + " " + std::to_string(size) + " " + title;
+        std::replace(line.begin(), line.end(), '\n', ' ');
+        text += line + "\n";
     }
     return text;
 }

@@ -27,7 +27,7 @@ void SetBannerRow(BannerRow *row, std::string_view title, int size);
 // The rows of a text, null for none. A title without a line is empty, with the default size; a size that
 // isn't in the list reads as the first; a line without two blanks or with another key is skipped.
 void ReadBannerText(const char *text, BannerRow rows[BANNER_ROWS]);
-// The text of the rows: a line for each title, empty if all are.
+// The text of the rows: a line for each title, in which a line end becomes a blank; empty if all titles are.
 std::string MakeBannerText(const BannerRow rows[BANNER_ROWS]);
 // Writes the text to ".bsettings" in the tool directory; an empty text, or one that can't be written, removes
 // the file. 0 for one that can't be written, behind a message on standard error.

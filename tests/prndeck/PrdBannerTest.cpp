@@ -37,7 +37,7 @@ TEST(BannerText, Write) {
     EXPECT_EQ(MakeBannerText(rows), ".h2 20  \n.h3 40 third %d\n");
     rows[1] = {"", 6};
     EXPECT_EQ(MakeBannerText(rows), ".h3 40 third %d\n");
-    rows[0] = {"a b", -1}; // positions beyond the list
+    rows[0] = {"a\nb", -1}; // positions beyond the list
     rows[2] = {"c", 99};
     EXPECT_EQ(MakeBannerText(rows), ".h1 8 a b\n.h3 40 c\n");
 }
