@@ -15,6 +15,7 @@
 #include "prndeck/gui/PrdGuiMacros.h"
 #include "prndeck/gui/PrdGuiPanel.h"
 #include "prndeck/gui/PrdGuiWindows.h"
+#include "prndeck/gui/PrdWizard.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNew.h"
@@ -73,6 +74,7 @@ void GenGui() {
         XmtNewObject(nullptr, desc->handler, 0, GenGuiText(desc).c_str());
         if (desc->step) desc->step();
     }
+    GenWizardGui();
     InitPpdData();
     StartDiscovery();
     TranslateSNMPMessages();

@@ -11,6 +11,7 @@
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiPanel.h"
+#include "prndeck/gui/PrdWizard.h"
 
 // The selection goes first: the model of a printer that is still selected would decide what is enabled.
 static void DeselectPrinter() {
@@ -43,6 +44,7 @@ void WizEventHandler(XmtCallData *data) {
     if (data->reason == XmtCR_CREATE) return;
     int value = static_cast<int>(data->value);
     switch (data->id) {
+    case WIZ_ADD: ReopenAddQue(); break;
     case WIZ_BROWSER: OpenBrowserChoice(); break;
     case WIZ_WEB: OpenWebPage(); break;
     case WIZ_PROFILE: GetProfile(); break;

@@ -5,6 +5,7 @@
 #include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdDiscDesc.h"
 #include "prndeck/gui/PrdDiscWin.h"
+#include "prndeck/gui/PrdGuiBanner.h"
 #include "prndeck/gui/PrdGuiDesc.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiEvent.h"
@@ -12,6 +13,8 @@
 #include "prndeck/gui/PrdGuiSnmpDesc.h"
 #include "prndeck/gui/PrdGuiSnmpManagement.h"
 #include "prndeck/gui/PrdGuiSnmpReset.h"
+#include "prndeck/gui/PrdWizard.h"
+#include "prndeck/gui/PrdWizardDesc.h"
 #include "xmt/XmtNewWin.h"
 
 static std::string FillVersion() {
@@ -31,6 +34,14 @@ const GuiDesc GuiDescs[] = {
     {"SystemPropertyDesc", SystemPropertyDesc, SET_SHEET, IPDiscoveryEventHandler, nullptr, PrepareSheet},
     {"SNMPResetWaitDialog", SNMPResetWaitDialog, SET_RESET, IPDiscoveryEventHandler, nullptr,
      PrepareResetWait},
+    {"ModifyQueDesc", ModifyQueDesc, SET_MODIFY_LIST, WizardEventHandler, nullptr, PrepareModifyList},
+    {"ModifyQueWinDesc", ModifyQueWinDesc, SET_MODIFY, WizardEventHandler, nullptr, PrepareModifyQue},
+    {"DeleteQueDesc", DeleteQueDesc, SET_DELETE, WizardEventHandler, nullptr, PrepareDeleteQue},
+    {"CopyQueSelectionDesc", CopyQueSelectionDesc, SET_COPY_LIST, WizardEventHandler, nullptr,
+     PrepareCopyList},
+    {"CopyQueDesc", CopyQueDesc, SET_COPY, WizardEventHandler, nullptr, PrepareCopyQue},
+    {"ConfigureBannerDesc", ConfigureBannerDesc, SET_BANNER, WizardEventHandler, nullptr, PrepareBanner},
+    {"AddQueDesc", AddQueDesc, SET_ADD, WizardEventHandler, FillModels, PrepareAddQue},
     {},
 };
 

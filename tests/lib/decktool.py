@@ -11,7 +11,7 @@ BUILD = Path(os.environ["PRN_BUILD"])
 
 # Notes a line of words for each run but -LQ, which is counted and answered from a file.
 PRNQTOOL = r"""#!/bin/sh
-if [ "$*" = -LQ ]; then echo >>asked; cat queues 2>/dev/null; exit; fi
+if [ "$*" = -LQ ]; then { echo >>asked; } 2>/dev/null; cat queues 2>/dev/null; exit; fi
 printf '%s' "${0##*/}" >>lines
 for word; do printf ' <%s>' "$word" >>lines; done
 echo >>lines

@@ -7,6 +7,7 @@ static const char margin[] = "the frames' margins hold a second number that noth
 static const char twice[] = "each frame and hint makes one, and nothing speaks of it";
 static const char version[] = "the program puts its version there";
 static const char sizes[] = "Motif sizes the messages itself";
+static const char models[] = "the program puts the models there";
 static const char later[] = "its window comes later";
 static const char hint[] = "hints of the tool buttons: not every look has them";
 
@@ -31,16 +32,14 @@ const KnownFault KnownFaults[] = {
     {"MainWinDesc", "the target \"tb1L\" is no object", hint},
     {"MainWinDesc", "the target \"tb3iL\" is no object", hint},
     {"MainWinDesc", "the target \"tb3L\" is no object", hint},
-    {"MainWinDesc", "the target \"wqw\" is no object", later},
-    {"MainWinDesc", "the target \"wqrpn_B1\" is no object", later},
-    {"MainWinDesc", "the target \"cq\" is no object", later},
-    {"MainWinDesc", "the target \"cqw\" is no object", later},
-    {"MainWinDesc", "the target \"mqw\" is no object", later},
-    {"MainWinDesc", "the target \"dqw\" is no object", later},
     {"MainWinDesc", "the target \"jmw\" is no object", later},
     {"IPDiscoveryDesc", "unknown argument \"S\"", sizes},
     {"IPDiscoveryDesc", "unknown argument \"r\"", sizes},
     {"AboutDesc", "text 2/3 of en_US holds a '%'", version},
     {"AboutDesc", "text 2/3 of de_DE holds a '%'", version},
+    {"AddQueDesc", "text 7/4 of en_US holds a '%'", models},
+    {"AddQueDesc", "text 7/4 of de_DE holds a '%'", models},
+    {"AddQueDesc", "\"wqb2\" is the name of an object of AddQueDesc",
+     "nothing speaks of the box and its spacer"},
     {nullptr, nullptr, nullptr},
 };
