@@ -139,6 +139,10 @@ QuePlace GetQuePlace(const QueRecord *record) {
     return place;
 }
 
+void StartLpsched() {
+    if (TestCmd(CMD_LPSCHED)) SysCmd(CMD_LPSCHED, 1, "%s", "");
+}
+
 int TestToolFile(const char *name) {
     return FindFile(pToolPath, name);
 }

@@ -57,6 +57,8 @@ std::string MakeFeatureWindowLine(const FeatureCall &call);
 // Runs a line with its output thrown away: 0, or a number of errno. *told is what prnqtool complained or
 // warned of, a line each, for the face to show; empty if it did as it was told.
 int RunQueLine(const std::string &line, std::string *told);
+// Behind STATUS_LPSCHED; a host without lpsched would end the program.
+void StartLpsched();
 
 // Where a stored queue prints, as it is shown. A queue is of one kind: with a remote queue (a print server's,
 // or through LPD), else on a local device or at a host.

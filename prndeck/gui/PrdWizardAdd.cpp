@@ -3,7 +3,6 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
-#include "common/SysCmd.h"
 #include "common/SysFile.h"
 #include "common/Token.h"
 #include "common/utils.h"
@@ -167,7 +166,7 @@ static void PostLpsched(const char *title) {
     XmtSetPostMsgWidget(WizardEventHandler, WIZARD_RETRY);
     XmtPostMsg_(title, LpschedText);
     fprintf(stderr, "Error:  Could not stop lpsched\n");
-    SysCmd(CMD_LPSCHED, 1, "%s", "");
+    StartLpsched();
 }
 
 static void RunAddLine(const std::string &line, const char *title) {

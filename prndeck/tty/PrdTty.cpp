@@ -81,7 +81,7 @@ void RunQueLineTty(const std::string &line) {
     ShowToldTty(told);
     if (status != STATUS_LPSCHED) return;
     PutMem(PromptUser("Error stopping lpsched.  See README for details.", nullptr, 0));
-    SysCmd(CMD_LPSCHED, 1, "%s", "");
+    StartLpsched();
 }
 
 const char *GetItemText(const TextMenuItem *items, int index) {
