@@ -12,8 +12,9 @@
 #include <iterator>
 #include <string>
 #include <strings.h>
+#include <sys/stat.h>
 
-enum { ENTITY_NAME = 16, FIRST_ENTITY = 160, BODY_PART = 1024 };
+enum { ENTITY_NAME = 16, FIRST_ENTITY = 160, BODY_PART = 1024, HTML_FILE_MAX = 1 << 26 };
 
 HtmlFile *aFile[HTML_FILES];
 int FileIndex = 0;
@@ -381,8 +382,15 @@ void FreeHtmlFile(HtmlFile *file) {
     PutMem(file);
 }
 
+// A link may name anything: a pipe or a device would never end, and offsets in a text are ints.
+static bool IsReadable(const std::string &path) {
+    struct stat info;
+    return stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode) && info.st_size <= HTML_FILE_MAX;
+}
+
 // Reads and lays out the content; null and all released if it has no page.
 static HtmlFile *LoadHtmlFile(const std::string &name, const char *buffer) {
+    if (!buffer && !IsReadable(name)) return nullptr;
     char *content = buffer ? SaveStr_(buffer) : GetSavedFileContent(name.c_str(), nullptr);
     if (!content) return nullptr;
     HtmlFile *file = static_cast<HtmlFile *>(GetMem(sizeof(HtmlFile)));
@@ -400,10 +408,21 @@ static HtmlFile *LoadHtmlFile(const std::string &name, const char *buffer) {
     return file;
 }
 
+// Length of the file's part of a name: up to the first '#', but directories may hold one themselves.
+static size_t FilePart(const char *name, const char *buffer) {
+    size_t first = strcspn(name, "#");
+    for (size_t length = first; !buffer && length > 0; length += 1 + strcspn(name + length + 1, "#")) {
+        if (IsReadable(std::string(name, length))) return length;
+        if (!name[length]) break;
+    }
+    return first;
+}
+
 HtmlFile *ParseHtmlFile(const char *name, const char *buffer) {
     if (!name || strncasecmp(name, "http://", 7) == 0) return nullptr;
     if (strncasecmp(name, "file://", 7) == 0) name += 7;
-    std::string path(name, strcspn(name, "#"));
+    size_t length = FilePart(name, buffer);
+    std::string path(name, length);
     HtmlFile *file = FindHtmlFile(path.c_str());
     if (file) {
         pCurrentPage = file->Pages;
@@ -413,7 +432,7 @@ HtmlFile *ParseHtmlFile(const char *name, const char *buffer) {
     HtmlPage *before = pCurrentPage;
     file = LoadHtmlFile(path, buffer);
     pCurrentPage = file ? file->Pages : before;
-    if (file && strchr(name, '#')) GoToTarget(strchr(name, '#'));
+    if (file && name[length]) GoToTarget(name + length);
     return file;
 }
 
@@ -479,11 +498,15 @@ static void FollowTarget(const char *target) {
         GoToTarget(strrchr(target, '#'));
         return;
     }
+    int position = TargetPos;
+    TargetPos = 0; // the place of the link says nothing of another file
     if (HtmlFile *file = FindHtmlFile(target)) {
         pCurrentPage = file->Pages;
         return;
     }
-    if (!ParseHtmlFile(target, nullptr)) printf("Error in reading file %s\n", target);
+    if (ParseHtmlFile(target, nullptr)) return;
+    TargetPos = position;
+    printf("Error in reading file %s\n", target);
 }
 
 void ProcessLink(HtmlLink *link) {

@@ -126,7 +126,8 @@ extern const unsigned char *const HTMLKeySizes; // the length of each, semicolon
 extern const char HtmlKeys[];                   // the tags the layout knows, a FindToken list
 
 // The file, its first page (or the page or anchor behind "#" in the name) current; null if it cannot be read,
-// has no page, starts with "http://", or is one file too many. buffer: the content, copied; null reads the
+// is no plain file or larger than 64 MB, has no page, starts with "http://", or is one file too many. A "#"
+// in a directory's name is part of it. buffer: the content, copied; null reads the
 // file. Uses: the token state.
 HtmlFile *ParseHtmlFile(const char *name, const char *buffer);
 // The loaded file of exactly that name, made current, or null.

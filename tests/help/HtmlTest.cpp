@@ -2,9 +2,11 @@
 #include "help/html.h"
 
 #include "common/MemMgr.h"
+#include "tests/lib/Capture.h"
 
 #include <gtest/gtest.h>
 #include <string>
+#include <sys/stat.h>
 
 // Each buffer gets a file name of its own: a loaded name is not read again.
 static HtmlFile *Load(const std::string &content, const char *target = "") {
@@ -150,4 +152,33 @@ TEST(Html, LinksAndHistory) {
     EXPECT_STREQ(pCurrentPage->Name, "b");
     EXPECT_EQ(HtmlHelp("first.html", nullptr), 1) << "a loaded file is not read again";
     EXPECT_EQ(pCurrentPage, one);
+}
+
+TEST(Html, Files) {
+    FileIndex = 0;
+    Scratch tool;
+    const std::string page = tool.Write(
+        "a#1/b#2/x.html", "<html page=one><body>1</body></html><html page=\"two\"><body>2</body></html>");
+    ASSERT_EQ(HtmlHelp(page.c_str(), nullptr), 1) << "a '#' in a directory's name";
+    EXPECT_STREQ(pCurrentPage->TextImage, "1\n");
+    FileIndex = 0;
+    ASSERT_NE(ParseHtmlFile(("file://" + page + "#two").c_str(), nullptr), nullptr);
+    EXPECT_STREQ(pCurrentPage->TextImage, "2\n");
+    ASSERT_EQ(mkfifo(tool.Path("pipe").c_str(), 0644), 0);
+    for (const char *name : {"pipe", "a#1", "a#1/gone.html"})
+        EXPECT_EQ(ParseHtmlFile(tool.Path(name).c_str(), nullptr), nullptr) << name;
+    EXPECT_EQ(ParseHtmlFile("/dev/zero", nullptr), nullptr);
+
+    HtmlPage *two = pCurrentPage;
+    HtmlLink link = {};
+    std::string target = tool.Path("pipe");
+    TargetPos = 7;
+    link.Target = target.data();
+    ProcessLink(&link);
+    EXPECT_TRUE(pCurrentPage == two && TargetPos == 7) << "a link to nothing";
+    target = tool.Write("other.html", "<html><body>3</body></html>");
+    link.Target = target.data();
+    ProcessLink(&link);
+    EXPECT_STREQ(pCurrentPage->TextImage, "3\n");
+    EXPECT_EQ(TargetPos, 0) << "another file is shown from its top";
 }
