@@ -13,7 +13,8 @@
 #include <string>
 #include <type_traits>
 
-enum { NLS_TTY_SET = 25, NLS_MENU_TEXT = 128, NLS_GUI_TEXT = 1024, NLS_FETCH = 2048, NLS_TOPIC = 64 };
+enum { NLS_TTY_SET = 25, NLS_HELP_SET = 35 };
+enum { NLS_MENU_TEXT = 128, NLS_GUI_TEXT = 1024, NLS_FETCH = 2048, NLS_TOPIC = 64 };
 enum { NLS_FETCH_NUMBER = 0, NLS_FETCH_KEY = 1, NLS_FETCH_LONG = 3 }; // modes of NlsFetchString
 
 extern DbTHandle *pDrvCoreDB; // messages and labels; writers: the start-up, and GetDesiredNLSLang for a while

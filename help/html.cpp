@@ -507,6 +507,7 @@ static void FollowTarget(const char *target) {
     if (ParseHtmlFile(target, nullptr)) return;
     TargetPos = position;
     printf("Error in reading file %s\n", target);
+    fflush(stdout); // it may be a log, and the program runs on
 }
 
 void ProcessLink(HtmlLink *link) {
@@ -539,5 +540,6 @@ int HtmlHelp(const char *name, const char *buffer) {
         printf("Error reading HTML buffer\n");
     else
         printf("Error in reading HTML file %s\n", name);
+    fflush(stdout);
     return 0;
 }

@@ -281,6 +281,7 @@ static bool MakeFileDialog() {
     XmtNewObject(pAppWinName, XmtFSEventHandler, 0, "Df XmtFS c(bg white, fg black) M(f) St(T);");
     Widget dialog = XmtGetWidget(FileDialog);
     if (dialog) XtUnmanageChild(XmFileSelectionBoxGetChild(dialog, XmDIALOG_HELP_BUTTON));
+    if (dialog) XtRemoveAllCallbacks(dialog, XmNhelpCallback); // the help key is for the main window
     return dialog != nullptr;
 }
 

@@ -170,7 +170,11 @@ static void RemoveButtons(const XmtObjectData *dialog, const XmtInfo *info) {
     if (dialog->type == XmtFileDialog || dialog->type == XmtmessageDialog) return;
     for (XmtValues word(info->no.c_str()); word.Next();) {
         int button = word.value.empty() ? 0 : XmtFindToken(word.value.c_str(), RemovableButtons);
-        if (button > 0) XtUnmanageChild(DialogButton(dialog, RemovableButton[button]));
+        if (button <= 0) continue;
+        XtUnmanageChild(DialogButton(dialog, RemovableButton[button]));
+        // The help key then is for the window that the dialog belongs to.
+        if (RemovableButton[button] == XmDIALOG_HELP_BUTTON)
+            XtRemoveAllCallbacks(dialog->widget, XmNhelpCallback);
     }
 }
 

@@ -9,9 +9,8 @@ extern char AppDir[PATH_MAX];  // a copy of pToolPath
 extern const char PrnOutCFG[]; // value of the environment variable of that name, for the siblings
 extern char *pUser;            // login name, or null
 extern int flUserIsRoot;
-extern int flWiz;      // the word -wiz; nothing depends on it
-extern int flDiscOff;  // no discovery of its own accord
-extern int flHelpOnly; // the help window is the whole application
+extern int flWiz;     // the word -wiz; nothing depends on it
+extern int flDiscOff; // no discovery of its own accord
 
 enum { FACE_ANY, FACE_TTY, FACE_HELP }; // what the words ask for
 

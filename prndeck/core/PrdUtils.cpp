@@ -28,7 +28,6 @@ char *pUser;
 int flUserIsRoot;
 int flWiz;
 int flDiscOff;
-int flHelpOnly;
 
 void InitToolPath(const char *argv0) {
     pToolPath = GetToolPath(argv0);

@@ -11,19 +11,20 @@
 #include "prndeck/gui/PrdDiscWin.h"
 #include "prndeck/gui/PrdGuiDesc.h"
 #include "prndeck/gui/PrdGuiEvent.h"
+#include "prndeck/gui/PrdGuiHelp.h"
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiMacros.h"
 #include "prndeck/gui/PrdGuiPanel.h"
 #include "prndeck/gui/PrdGuiWindows.h"
 #include "prndeck/gui/PrdWizard.h"
 #include "xmt/XmtEvent.h"
+#include "xmt/XmtHelp.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
-#include <cstdio>
 #include <iterator>
 #include <string>
 
@@ -99,11 +100,9 @@ int RunGui() {
     return 1;
 }
 
-// There is no window for the manual yet.
 void RunHelpOnly() {
     flHelpOnly = 1;
-    if (OpenWindowFace())
-        fprintf(stderr, "%s: WARNING: no window for the manual; \"h\" shows it in the terminal menus\n",
-                my_name);
-    exit_app(1);
+    if (!OpenWindowFace()) exit_app(1);
+    ShowManual();
+    exit_app(0);
 }

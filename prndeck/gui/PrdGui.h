@@ -17,8 +17,8 @@ int RunGui();
 void GenMacros();
 // Makes all windows, and sets what can be used before a printer is selected. The display must be open.
 void GenGui();
-// The word -help: the manual in a window of its own. Ends: with 0 when it is closed, with 1 if there is no
-// display or no window for it.
+// The word -help: the manual in a window of its own. Ends: with 0 when it is closed or can't be read, with 1
+// if there is no display.
 [[noreturn]] void RunHelpOnly();
 // Timer: the first discovery.
 void InitGui(intptr_t unused);

@@ -8,6 +8,7 @@
 #include "prndeck/gui/PrdDiscWeb.h"
 #include "prndeck/gui/PrdGuiBusy.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
+#include "prndeck/gui/PrdGuiHelp.h"
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiPanel.h"
@@ -44,11 +45,16 @@ void WizEventHandler(XmtCallData *data) {
     if (data->reason == XmtCR_CREATE) return;
     int value = static_cast<int>(data->value);
     switch (data->id) {
+    case WIZ_MAIN:
+        if (data->reason == XmtCR_HELP) ShowManual();
+        break;
     case WIZ_ADD: ReopenAddQue(); break;
     case WIZ_BROWSER: OpenBrowserChoice(); break;
     case WIZ_WEB: OpenWebPage(); break;
     case WIZ_PROFILE: GetProfile(); break;
     case WIZ_DRIVER: pSystem("./prnpnxxtty -FP &\n"); break;
+    case WIZ_HELP:
+    case WIZ_CONTENTS: ShowManual(); break;
     case WIZ_EXIT: exit_app(0);
     case WIZ_LIST: SelectPrinter(value); break;
     case WIZ_REFRESH: DoRefresh(); break;

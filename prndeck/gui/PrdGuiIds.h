@@ -19,15 +19,19 @@
 #define MENU_PROPERTIES   MENU_BAR "_3_c_6"
 #define MENU_WEB          MENU_BAR "_3_c_7"
 #define MENU_DRIVER       MENU_BAR "_3_c_8"
+#define MENU_HELP         MENU_BAR "_5_d_1"
 #define MENU_EXIT         MENU_BAR "_7"
 
 // WizEventHandler: 100 to 149 the main window, 150 About, 200 to 207 the display window
 enum {
+    WIZ_MAIN = 100, // F1 in any window
     WIZ_ADD = 102,
     WIZ_BROWSER = 111,
     WIZ_DRIVER = 115,
+    WIZ_HELP = 117,
     WIZ_EXIT = 120,
     WIZ_WEB = 124,
+    WIZ_CONTENTS = 126, // no object that is heard has it
     WIZ_LIST = 130,
     WIZ_REFRESH = 131,
     WIZ_PROFILE = 132, // no object has it
@@ -142,8 +146,11 @@ inline constexpr GuiId GuiIds[] = {
     {0, MENU_RESET},
     {0, MENU_PROPERTIES},
     {0, MENU_WEB},
+    {WIZ_MAIN, "prndeck"},
     {WIZ_ADD, "tb1"},
     {WIZ_DRIVER, MENU_DRIVER},
+    {WIZ_HELP, MENU_HELP},
+    {WIZ_HELP, "tb6"},
     {WIZ_EXIT, MENU_EXIT},
     {WIZ_WEB, "tb3i"},
     {WIZ_LIST, "scrolList"},

@@ -7,6 +7,7 @@
 #include "prndeck/core/PrdGuiSnmpText.h"
 #include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdGuiIds.h"
+#include "xmt/XmtCallback.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
@@ -124,6 +125,8 @@ void AlignListTitle(const char *label) {
 }
 
 void PrepareMainWindow() {
+    // F1 climbs from the focus to the first window that hears of it: the dialogs belong to this one.
+    if (XmtObjectData *window = XmtFindObject("prndeck")) XmtConnect(window, XmNhelpCallback);
     XmtAddMenuKeys(MENU_BAR);
     XmtLetGrow("w2");
     XmtLetListGrow("scrolList");

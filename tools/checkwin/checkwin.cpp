@@ -15,6 +15,7 @@
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Reader.h"
 #include "tools/checkwin/Report.h"
+#include "xmt/XmtHelp.h"
 
 #include <cstdio>
 #include <cstring>
@@ -104,11 +105,24 @@ static void CheckDescription(const Catalogue &catalogue, const char *name, const
     CheckText(name, FillHoles(catalogue, chars, holes, set));
 }
 
+static const Hole HelpHoles[] = {{}, {NLS_HELP_SET, 1}, {NLS_HELP_SET, 2}, {NLS_HELP_SET, 3}};
+
+// The manual's own window, which nothing else is made beside.
+static void CheckAlone(const Catalogue &catalogue) {
+    ForgetObjects();
+    MacroTexts.clear();
+    CheckDescription(catalogue, "XmtHelpMWDesc", XmtHelpMWDesc, HelpHoles, 0);
+    CheckWanted();
+    ForgetObjects();
+    MacroTexts.clear();
+}
+
 static void CheckShipped(const Catalogue &catalogue) {
     static const Hole holes[] = {{}, {}, {}, {}, {}, {}, {SET_MACROS, 1}, {SET_MACROS, 2}, {}};
     CheckDescription(catalogue, "MainMacroDesc", MainMacroDesc, holes, 0);
     for (const GuiDesc *desc = GuiDescs; desc->name; desc++)
         CheckDescription(catalogue, desc->name, desc->text, nullptr, desc->set);
+    CheckDescription(catalogue, "XmtHtmlHelpDesc", XmtHtmlHelpDesc, HelpHoles, 0);
 }
 
 // What the program hears by number.
@@ -129,8 +143,7 @@ static bool CheckLanguage(const Job &job, const std::filesystem::path &directory
         fprintf(stderr, "checkwin: can't read %s\n", path.c_str());
         return false;
     }
-    ForgetObjects();
-    MacroTexts.clear();
+    CheckAlone(catalogue);
     CheckShipped(catalogue);
     if (job.file) CheckDescription(catalogue, job.file, job.text, nullptr, job.set);
     CheckWanted();
