@@ -31,10 +31,11 @@ class Deck:
                 shutil.copytree(BUILD / "stage" / name, self.tool.path / name)
             self.tool.path.chmod(0o755)
             change(self.tool)
-        self.errors = open(self.tool.path / "errors", "w+b")
+        self.errors, output = open(self.tool.path / "errors", "w+b"), open(self.tool.path / "output", "wb")
         environment = {k: v for k, v in display.env().items() if k not in ("LANG", "LC_ALL")}
         self.program = subprocess.Popen([*prefix, self.tool.program, *words], cwd=self.tool.path, stdin=subprocess.DEVNULL,
-                                        stdout=open(self.tool.path / "output", "wb"), stderr=self.errors, env={**environment, **env})
+                                        stdout=output, stderr=self.errors, env={**environment, **env})
+        output.close()
         test.addCleanup(self.stop)
         self.window = self.wait_for(lambda: display.windows(title), "the window " + title)[0] if title else None
 
