@@ -19,6 +19,7 @@ if missing() or os.geteuid() != 0:
 
 STAGE = Path(os.environ["PRN_BUILD"]) / "stage"
 MESSAGE = " " * 5  # title of a message box without one
+MANUAL = "prndeck Help"
 # Stands in for the front end: notes its words, and leaves what was chosen there.
 FRONT_END = "#!/bin/sh\nprintf '<%s>' \"$@\" >>front\necho Duplex=DuplexTumble >.settings\n"
 HOSTILE = '50% "off" $(touch x) \\'
@@ -188,7 +189,7 @@ class Wizard(unittest.TestCase):
         self.assertFalse((self.tool.path / "x").exists())
 
     def replace_first(self):
-        """The question before a queue is replaced: Help comes back to it, Cancel to the window, OK replaces."""
+        """The question before a queue is replaced: Help comes back to it behind the manual, Cancel to the window, OK replaces."""
         before = self.tool.record("first")
         self.open("add")
         self.type("first")
@@ -197,6 +198,9 @@ class Wizard(unittest.TestCase):
         self.tabs(7, "Return")
         self.message("replace")
         self.key("Right", "Right", "Return")
+        self.focused(MANUAL)
+        self.key("Escape")
+        self.display.gone(MANUAL)
         self.message("replace-again")
         self.answer("Escape")
         self.focused(self.words["add"][1])
