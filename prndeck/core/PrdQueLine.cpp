@@ -9,6 +9,7 @@
 #include "print/PrdCommonUtils.h"
 #include "print/Told.h"
 
+#include <cstdio>
 #include <string_view>
 
 static constexpr char Prefix[] = "prn"; // of the family's programs
@@ -136,6 +137,9 @@ static int GetPlaceKind(const QueRecord *record) {
 QuePlace GetQuePlace(const QueRecord *record) {
     QuePlace place = {.kind = GetPlaceKind(record), .counted = 0, .address = "", .remote = ""};
     place.counted = GetQueCountWords(record->printer, place.address, place.remote, PLACE_WORD);
+    // All queues of a printer share its count record, which holds the name of the one made last.
+    if (place.counted && place.kind == PLACE_REMOTE && *record->lprQueue)
+        snprintf(place.remote, PLACE_WORD, "%s", record->lprQueue);
     return place;
 }
 

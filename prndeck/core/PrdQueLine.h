@@ -68,7 +68,8 @@ struct QuePlace {
     int kind;                 // PLACE_
     int counted;              // the printer has a count record, whose words follow
     char address[PLACE_WORD]; // host name or device path, empty without the record
-    char remote[PLACE_WORD];  // remote queue, or the printer's name on the print server; empty without it
+    char remote[PLACE_WORD];  // remote queue, or the printer's name on the print server; empty without it;
+                              // the queue's own word for PLACE_REMOTE, else the record's
 };
 QuePlace GetQuePlace(const QueRecord *record);
 

@@ -56,20 +56,23 @@ TEST(GetQuePlace, KindAndWordsOfTheCountRecord) {
         const char *printer;
         int type;
         unsigned char lpd;
+        const char *own;
         const char *want;
     };
-    static const Case Cases[] = {{"h", QUEUE_PRINTER_HOST, 0, "host h lp"},
-                                 {"h", QUEUE_PRINTER_HOST, 1, "remote h lp"},
-                                 {"h", QUEUE_SERVER, 0, "remote h lp"},
-                                 {"/dev/l", QUEUE_SERVER_DEVICE, 0, "device /dev/l "},
-                                 {"/dev/l", QUEUE_PRINTER_DEVICE, 1, "remote /dev/l "},
-                                 {"none", QUEUE_SERVER_HOST, 0, "host - -"}};
+    static const Case Cases[] = {{"h", QUEUE_PRINTER_HOST, 0, "own", "host h lp"},
+                                 {"h", QUEUE_PRINTER_HOST, 1, "own", "remote h own"},
+                                 {"h", QUEUE_SERVER, 0, "own", "remote h own"},
+                                 {"h", QUEUE_SERVER, 0, "", "remote h lp"},
+                                 {"/dev/l", QUEUE_SERVER_DEVICE, 0, "", "device /dev/l "},
+                                 {"/dev/l", QUEUE_PRINTER_DEVICE, 1, "", "remote /dev/l "},
+                                 {"none", QUEUE_SERVER_HOST, 0, "own", "host - -"}};
     static const char *const Kinds[] = {"remote", "host", "device"};
     AppTool tool;
     tool.WriteDb("que", {{"h count", CountData("h lp")}, {"/dev/l count", CountData("/dev/l")}});
     for (const Case &c : Cases) {
         QueRecord record = {};
         strcpy(record.printer, c.printer);
+        strcpy(record.lprQueue, c.own);
         record.type = c.type;
         record.lpd = c.lpd;
         QuePlace place = GetQuePlace(&record);

@@ -296,8 +296,8 @@ TEST_F(Wizard, WhereAQueuePrintsStandsInTheRowsOfItsKind) {
 }
 
 TEST_F(Wizard, TheLinesOfACopyAndOfAChange) {
-    Tool->WriteDb("que", {{"q", QueData("q p lp tv_a.ppd 1 1 0 1 0 0")},
-                          {"p count", CountData("h r")},
+    Tool->WriteDb("que", {{"q", QueData("q p r tv_a.ppd 1 1 0 1 0 0")},
+                          {"p count", CountData("h last")},
                           {"q **", "A=B\n"},
                           {"q **banner", ".h3 12 third\n"}});
     Event(WIZARD_COPY_CHOICE, 1, "q");

@@ -95,6 +95,10 @@ class Flows(unittest.TestCase):
         self.assertEqual(self.tool.read(".settings"), "Tray=2 100%\n")
         self.assertEqual(self.tool.read(".bsettings"), ".h1 30 Room 5\n")
 
+    def test_modify_shows_the_queues_own_name_at_a_shared_printer(self):
+        self.tool.que({"q1": "q1 host own tv_w520.ppd 0 0 1 1 0 1 \0", "host count": "\2\0\0\0host last\0"})
+        self.assertIn("Host and queue: host using own ", self.play("2\nq1\n8\n6\n"))
+
     def test_modify_unknown_queues(self):
         self.tool.queues("q1", "other", "w" * 31, "w" * 32)
         self.tool.que({name: name + " host lp tv_w520.ppd 0 0 1 1 0 1 " for name in ("q1", "w" * 31, "w" * 32)})
@@ -122,7 +126,8 @@ class Flows(unittest.TestCase):
                                      "<psp> <-dn> </dev/x> <-psqn> <print>")):
             self.tool.write("lines", "")
             place = "/dev/x" if "<-dn>" in tail else "localhost"
-            self.tool.que({"q1": "q1 p lp tv_w520.ppd %d \0" % kind, "p count": "\1\0\0\0%s ps1\0" % place})
+            own = "ps1" if "<wps>" in tail else "lp"  # the server's other queue, made later, is "ps2"
+            self.tool.que({"q1": "q1 p %s tv_w520.ppd %d \0" % (own, kind), "p count": "\2\0\0\0%s ps2\0" % place})
             out = self.play("3\nq1\n1 new\n7\n6\n")
             self.assertIn("Printer model: Tarvo W520 ", out.split("\f")[2])
             self.assertEqual(self.tool.lines(), ["prnqtool <new> <-log> <prndeck> <-cl> <q1> <-pm> " + tail])
