@@ -129,11 +129,11 @@ static std::string InstallBanner() {
     return Reload(pid, path) ? "" : "the scheduler doesn't read its files again";
 }
 
-bool CupsBannerReady() {
+bool CupsBannerReady(bool flTell) {
     static int state = -1;
     if (state >= 0) return state;
     std::string error = InstallBanner();
     state = error.empty();
-    if (!state) TellUser("warning: no banner page yet, its file can't be installed: " + error);
+    if (!state && flTell) TellUser("warning: no banner page yet, its file can't be installed: " + error);
     return state;
 }

@@ -4,5 +4,5 @@
 
 // True if the scheduler knows the banner "prnq". If its file is missing it is written and the scheduler told
 // to read its files again, but only while no job waits, since a job that prints would hold everybody up.
-// Otherwise warns once.
-bool CupsBannerReady();
+// Otherwise, with flTell, the first call warns; the answer holds for the whole run.
+bool CupsBannerReady(bool flTell);

@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <strings.h>
 #include <unistd.h>
 
 enum { TITLE_MAX = 240 }; // a name at the scheduler holds 255 bytes
@@ -66,18 +67,27 @@ static void AddOption(Words &words, const std::string &option, const std::string
     words.insert(words.end(), {"-o", option + "=\"" + quoted + "\""});
 }
 
+// The scheduler would take a value in braces for a collection, of which nothing reaches the page, and these
+// two words for a yes or no, which it prints as 1 or 0. A blank that can't be broken leaves them texts.
+static std::string TitleValue(const std::string &title) {
+    static constexpr char HardBlank[] = "\u00a0";
+    std::string value = CleanUtf8(title, TITLE_MAX);
+    bool flRead =
+        value.starts_with('{') || !strcasecmp(value.c_str(), "true") || !strcasecmp(value.c_str(), "false");
+    return flRead ? HardBlank + value : value;
+}
+
 // All in one request, and an absent title as one without a size: to remove an option is a request of its own,
 // which would also make a queue of an unknown name, and an empty value is a line that the scheduler can't
 // read back.
 static void AddBanner(Words &words, const Queue &queue, const Titles &titles) {
-    bool flBanner = queue.flBanner && CupsBannerReady();
+    bool flBanner = queue.flBanner && CupsBannerReady(true);
     words.insert(words.end(),
                  {"-o", flBanner ? "job-sheets-default=prnq,none" : "job-sheets-default=none,none"});
     for (size_t row = 0; flBanner && row < titles.size(); row++) {
         bool flTitle = !titles[row].text.empty();
         std::string letter(1, BannerLetters[row]);
-        AddOption(words, "prnq-h" + letter + "-default",
-                  flTitle ? CleanUtf8(titles[row].text, TITLE_MAX) : "-");
+        AddOption(words, "prnq-h" + letter + "-default", flTitle ? TitleValue(titles[row].text) : "-");
         AddOption(words, "prnq-s" + letter + "-default", std::to_string(flTitle ? titles[row].size : 0));
     }
 }

@@ -9,6 +9,7 @@
 #include "siblings/lib/Queue.h"
 #include "siblings/lib/Records.h"
 #include "siblings/lib/Spool.h"
+#include "siblings/prnqtool/Banners.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -199,6 +200,7 @@ static std::string FinishPut(Put &put) {
     if (error.empty()) error = CommitChange();
     if (error.empty()) {
         if (put.flOnHost) DropJobs(put.place, put.place == PLACE_CUPS ? put.queue : put.old);
+        SettleBanners(TheHost, {put.queue.name});
         return "";
     }
     UndoPut(put);
@@ -272,7 +274,10 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
     bool flModified = error.empty();
     if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
     if (error.empty()) error = CommitChange();
-    if (error.empty()) return "";
+    if (error.empty()) {
+        SettleBanners(TheHost, {queue.name});
+        return "";
+    }
     if (flModified && place == PLACE_CUPS) {
         CupsModify(old, TitlesOf(old, banner), flPpd);
         FollowDefault(RecordsDefault(), before, false);
@@ -372,8 +377,10 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
         if (error.empty()) error = RecordsPrepare();
     }
     if (error.empty() && !places.empty()) error = CommitChange();
-    if (error.empty())
+    if (error.empty()) {
         for (const Queue &queue : stored) DropJobs(PLACE_FILE, queue);
+        SettleBanners(TheHost, {});
+    }
     return !error.empty() || (!flFailed && kept.empty()) ? error : "not all queues were removed";
 }
 
@@ -419,6 +426,12 @@ static std::string ShowBanner(const std::vector<Queue> &queues, const std::strin
     return "";
 }
 
+static std::vector<std::string> NamesOf(const std::vector<Queue> &queues) {
+    std::vector<std::string> names;
+    for (const Queue &queue : queues) names.push_back(queue.name);
+    return names;
+}
+
 static std::string SetSystemBanner(const std::string &banner) {
     std::string error = BeginChange();
     if (!error.empty()) return error;
@@ -430,7 +443,10 @@ static std::string SetSystemBanner(const std::string &banner) {
     if (!error.empty()) return error;
     error = ShowBanner(queues, banner);
     if (error.empty()) error = CommitChange();
-    if (error.empty()) return "";
+    if (error.empty()) {
+        SettleBanners(TheHost, NamesOf(queues));
+        return "";
+    }
     ShowBanner(queues, before);
     DropChange();
     return error;

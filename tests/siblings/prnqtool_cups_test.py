@@ -1,5 +1,6 @@
 """The queue tool on a real scheduler: jobs arrive, refusals keep the old queue, faults of the scheduler change nothing."""
 import os
+import re
 import shutil
 import subprocess
 import sys
@@ -98,15 +99,40 @@ class Jobs(OnScheduler):
             self.assertIn(shown, page)
             self.assertNotIn(hidden, page)
             self.assertIn(PAGE, page)
+        for number, (title, shown) in enumerate((("{x} y", b"{x} y"), ("True", b"True"), ("false y", b"false y")), 3):
+            self.tool.write("sys", ".h2 20 %s\n" % title)
+            self.tool_run("-dbps sys")
+            self.cups.stop()  # what it reads back must be the same
+            self.cups.start()
+            self.lp("all")
+            self.assertRegex(printer.wait(number)[number - 1], rb"\((\\302\\240)?" + re.escape(shown) + rb"\) 020")
         self.tool_run("-xdbps")
         self.lp("all")
-        self.assertNotIn(b"Everybody", printer.wait(3)[2])
+        self.assertNotIn(b"false", printer.wait(6)[5])
         self.lp("own", "-o", "raw", "-o", "job-sheets=none,none")
-        self.assertEqual(printer.wait(4)[3], DOCUMENT)
+        self.assertEqual(printer.wait(7)[6], DOCUMENT)
         self.tool_run("own -mq")
         self.lp("own")
-        self.assertEqual(printer.wait(5)[4].count(b"showpage"), 1)
+        self.assertEqual(printer.wait(8)[7].count(b"showpage"), 1)
         self.assertNotIn("Syntax error", self.cups.log())
+
+    def test_banner_page_that_has_to_wait_comes_with_a_later_change(self):
+        printer = self.printer()
+        self.cups.run("lpadmin", "-p", "other", "-v", "file:/dev/null")  # takes jobs, but prints none
+        self.cups.run("cupsaccept", "other")
+        self.lp("other")
+        self.tool.write(".bsettings", ".h1 20 Late\n")
+        for name in "late", "gone", "off":
+            done = self.add(name, "-pm psp -hn 127.0.0.1:%d -bp -bps .bsettings" % printer.port, ppd="tv_a.ppd")
+            self.assertIn("no banner page yet", done.stderr)
+        self.tool_run("off -mq")
+        self.assertNotIn("banner", self.tool_run("-x gone").stderr)  # still waiting, and said often enough
+        self.cups.run("cancel", "-a", "other")
+        self.tool_run("-xdbps")
+        self.assertEqual(self.cups.options("off")["JobSheets"], "none none")
+        self.lp("late")
+        self.assertIn(b"(Late) 020", printer.wait(1)[0])
+        self.assertFalse(os.path.exists(self.tool.path + "/db/.prnq_banner"))
 
 
 class Refusals(OnScheduler):
