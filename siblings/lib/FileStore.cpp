@@ -52,6 +52,34 @@ bool FileStoreHas(const std::string &name) {
     return FindLine(name) != Lines.end();
 }
 
+// The URI of a line, and its spool directory, which may hold blanks.
+static void SplitLine(std::string_view line, std::string_view &uri, std::string_view &directory) {
+    TakeUpTo(line, " ");
+    line.remove_prefix(std::min<size_t>(line.size(), 1));
+    uri = TakeUpTo(line, " ");
+    line.remove_prefix(std::min<size_t>(line.size(), 1));
+    directory = line;
+}
+
+std::string FileStoreCheck(const Queue &queue) {
+    auto found = FindLine(queue.name);
+    std::string_view uri, directory;
+    if (found == Lines.end()) return "";
+    SplitLine(*found, uri, directory);
+    // Above the printer's part it is the environment's and the tool directory's affair.
+    bool flSame = uri == QueueUri(queue) && directory.ends_with(SpoolPrinter(queue));
+    return flSame ? "" : "the record of queue \"" + queue.name + "\" was changed by others; add it anew";
+}
+
+std::string FileStoreSpool(const Queue &queue) {
+    auto found = FindLine(queue.name);
+    std::string_view uri, directory;
+    bool flSound = CheckQueueTarget(queue).empty() && FileStoreCheck(queue).empty();
+    if (flSound || found == Lines.end()) return SpoolDirectory(queue);
+    SplitLine(*found, uri, directory);
+    return std::string(directory);
+}
+
 void FileStorePut(const Queue &queue) {
     std::string line = queue.name + ": " + QueueUri(queue) + " " + SpoolDirectory(queue);
     auto found = FindLine(queue.name);

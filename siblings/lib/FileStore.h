@@ -13,6 +13,11 @@
 std::string FileStoreOpen();
 std::vector<std::string> FileStoreQueues(); // in the order of the file
 bool FileStoreHas(const std::string &name);
+// Where the queue prints and spools: its records are open to everybody, the file is not. A text for the user
+// if the record of a queue of the store tells otherwise, and nothing may be printed by it; else empty.
+std::string FileStoreCheck(const Queue &queue);
+// Where its jobs wait: by its record if that passes, else by its line.
+std::string FileStoreSpool(const Queue &queue);
 void FileStorePut(const Queue &queue); // adds the queue or changes its line in place
 void FileStoreDelete(const std::string &name);
 

@@ -54,13 +54,18 @@ static bool SplitPath(std::string_view path, std::vector<std::string> &parts) {
     return true;
 }
 
+std::string SpoolPrinter(const Queue &queue) {
+    std::vector<std::string> parts;
+    std::string printer;
+    if (!SplitPath(PrinterPath(queue), parts)) return "";
+    for (const std::string &part : parts) printer += "/" + part;
+    return printer;
+}
+
 std::string SpoolDirectory(const Queue &queue) {
     const char *tool = strrchr(pToolPath, '/');
-    std::string directory = Root() + "/" + (tool ? tool + 1 : pToolPath);
-    std::vector<std::string> parts;
-    if (!SplitPath(PrinterPath(queue), parts) || parts.empty()) return "";
-    for (const std::string &part : parts) directory += "/" + part;
-    return directory;
+    std::string printer = SpoolPrinter(queue);
+    return printer.empty() ? "" : Root() + "/" + (tool ? tool + 1 : pToolPath) + printer;
 }
 
 // Opens one component below the directory, which it closes.

@@ -31,6 +31,7 @@ struct JobTicket {
 // "ROOT/TOOLDIR/PRINTER" of a queue that passed its check, empty if its printer has no sound path. ROOT is
 // /var/spool/Tarvo, or what PRNQ_SPOOL tells.
 std::string SpoolDirectory(const Queue &queue);
+std::string SpoolPrinter(const Queue &queue); // the last part of it, "/PRINTER"; empty as well
 
 // Comes first. Makes the directory and those above, from ROOT on, with flMake; errno is set after an error.
 // It and each of those above must be a directory, no link, that nobody else but root may write: then no name

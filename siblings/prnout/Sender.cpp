@@ -99,7 +99,8 @@ static std::string FindQueue(const JobTicket &ticket, Queue &queue) {
     std::string quoted = "queue \"" + ticket.queue + "\" ";
     if (!FileStoreHas(ticket.queue)) return quoted + "does not exist";
     if (!RecordsRead(ticket.queue, queue)) return quoted + "has no record";
-    return CheckQueueTarget(queue);
+    std::string error = CheckQueueTarget(queue);
+    return error.empty() ? FileStoreCheck(queue) : error;
 }
 
 // Why the job can't be printed as things are, or empty. Trying again would keep all behind it from the

@@ -2,6 +2,7 @@
 #include "siblings/lib/BannerPage.h"
 #include "siblings/lib/Child.h"
 #include "siblings/lib/CupsJobs.h"
+#include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Frame.h"
 #include "siblings/lib/Records.h"
@@ -158,6 +159,8 @@ static std::string PrintBySpool(const CupsPrint &print, int file) {
     std::string name, error, quoted = "queue \"" + print.queue + "\" ";
     if (!RecordsRead(print.queue, queue)) return quoted + "has no record; add it anew";
     if (!CheckQueueTarget(queue).empty()) return "the record of " + quoted + "is damaged; add it anew";
+    error = FileStoreCheck(queue);
+    if (!error.empty()) return error;
     std::string directory = SpoolDirectory(queue);
     if (directory.empty()) return quoted + "has no printer";
     error = SpoolOpen(directory, true);

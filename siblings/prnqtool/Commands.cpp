@@ -149,8 +149,17 @@ static std::string FollowDefault(const std::string &before, const std::string &n
 
 // ---- Add, copy
 
+// Where the jobs of a queue of the tool's own store wait.
+static std::string SpoolOf(const std::string &name) {
+    Queue queue;
+    RecordsRead(name, queue);
+    queue.name = name;
+    return FileStoreSpool(queue);
+}
+
 struct Put {
     Queue queue, old;
+    std::string spool; // of the old queue in the tool's own store
     Place place;
     bool flOnHost;      // the host has a queue of this name
     bool flRecorded;    // and it has records
@@ -185,11 +194,9 @@ static void UndoPut(const Put &put) {
 
 // The jobs that wait were meant for what was there before. The queue stands: a job that stays is no reason to
 // refuse.
-static void DropJobs(Place place, const Queue &queue) {
-    std::string error;
-    if (place == PLACE_CUPS) error = CupsCancelAll(queue.name);
-    if (place == PLACE_FILE && IsSound(queue)) error = SpoolRemoveQueue(SpoolDirectory(queue), queue.name);
-    if (!error.empty()) TellUser("warning: jobs of queue \"" + queue.name + "\" still wait: " + error);
+static void DropJobs(Place place, const std::string &name, const std::string &spool) {
+    std::string error = place == PLACE_CUPS ? CupsCancelAll(name) : SpoolRemoveQueue(spool, name);
+    if (!error.empty()) TellUser("warning: jobs of queue \"" + name + "\" still wait: " + error);
 }
 
 static std::string FinishPut(Put &put) {
@@ -199,7 +206,7 @@ static std::string FinishPut(Put &put) {
     if (error.empty()) error = FollowDefault(put.before, RecordsDefault(), put.queue.flDefault);
     if (error.empty()) error = CommitChange();
     if (error.empty()) {
-        if (put.flOnHost) DropJobs(put.place, put.place == PLACE_CUPS ? put.queue : put.old);
+        if (put.flOnHost) DropJobs(put.place, put.queue.name, put.spool);
         SettleBanners(TheHost, {put.queue.name});
         return "";
     }
@@ -211,6 +218,7 @@ static std::string FinishPut(Put &put) {
 static std::string PutQueue(const Queue &queue) {
     Put put = {.queue = queue,
                .old = {},
+               .spool = SpoolOf(queue.name),
                .place = HostFind(TheHost, queue.name),
                .flOnHost = false,
                .flRecorded = false,
@@ -299,6 +307,8 @@ static std::string ModifyQueue(const Options &options) {
     if (place == PLACE_NONE) return "queue \"" + name + "\" does not exist";
     if (!RecordsRead(name, old)) return "queue \"" + name + "\" has no record; add it anew";
     if (!IsSound(old)) return "the record of queue \"" + name + "\" is damaged; add it anew";
+    error = FileStoreCheck(old);
+    if (!error.empty()) return error;
     queue = old;
     queue.flBanner = options.flBanner;
     queue.flFeatures = options.flFeatures;
@@ -342,12 +352,15 @@ static void EditDeletion(const std::vector<std::string> &names, const std::vecto
     }
 }
 
-// Of the tool's own store, as they are before their records go.
-static std::vector<Queue> StoredQueues(const std::vector<std::string> &names) {
-    std::vector<Queue> queues;
-    Queue queue;
+struct Spooled {
+    std::string name, spool;
+};
+
+// Of the tool's own store, before their records and lines go.
+static std::vector<Spooled> StoredQueues(const std::vector<std::string> &names) {
+    std::vector<Spooled> queues;
     for (const std::string &name : names)
-        if (HostFind(TheHost, name) == PLACE_FILE && RecordsRead(name, queue)) queues.push_back(queue);
+        if (HostFind(TheHost, name) == PLACE_FILE) queues.push_back({name, SpoolOf(name)});
     return queues;
 }
 
@@ -365,7 +378,7 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
     std::vector<std::string> hosted;
     for (const std::string &name : places)
         if (HostFind(TheHost, name) == PLACE_CUPS) hosted.push_back(name);
-    std::vector<Queue> stored = StoredQueues(places);
+    std::vector<Spooled> stored = StoredQueues(places);
     EditDeletion(places, {});
     std::string error = places.empty() ? "" : PrepareChange();
     if (!error.empty()) return error;
@@ -378,7 +391,7 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
     }
     if (error.empty() && !places.empty()) error = CommitChange();
     if (error.empty()) {
-        for (const Queue &queue : stored) DropJobs(PLACE_FILE, queue);
+        for (const Spooled &queue : stored) DropJobs(PLACE_FILE, queue.name, queue.spool);
         SettleBanners(TheHost, {});
     }
     return !error.empty() || (!flFailed && kept.empty()) ? error : "not all queues were removed";

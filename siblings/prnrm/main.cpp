@@ -1,6 +1,7 @@
 // prnrm: removes waiting jobs of a queue, of the host's scheduler or of the tool's own store.
 #include "siblings/lib/Child.h"
 #include "siblings/lib/CupsJobs.h"
+#include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Frame.h"
 #include "siblings/lib/Records.h"
@@ -52,7 +53,7 @@ static std::string OpenQueue(Removal &removal) {
     bool flRecorded = RecordsRead(removal.queue, queue) && CheckQueueTarget(queue).empty();
     if (!flRecorded && place == PLACE_FILE)
         return "the record of queue \"" + removal.queue + "\" is missing or damaged; add it anew";
-    if (flRecorded) removal.directory = SpoolDirectory(queue);
+    if (flRecorded) removal.directory = FileStoreSpool(queue);
     if (flRecorded) removal.sharers = CupsSharers(removal.host, removal.directory);
     if (place == PLACE_CUPS && !flRecorded) removal.sharers.push_back(removal.queue);
     return "";

@@ -5,6 +5,7 @@ import os
 import pty
 import re
 import resource
+import select
 import signal
 import socket
 import subprocess
@@ -15,6 +16,7 @@ import unittest
 from cups import Scheduler
 from fakeprinter import FakeLpd, FakePrinter
 from tooldir import QueueTool, ToolDir
+import xdb
 
 FIRMWARE = b"\x1b%-12345X@PJL ENTER LANGUAGE=XFLASH\r\n" + bytes(range(256)) * 200
 TEXT = b"%!PS-Adobe-3.0\n" + b"% one page\n" * 300  # what a scheduler without further filters takes
@@ -417,6 +419,26 @@ class OnFile(Scenario, unittest.TestCase):
                 self.tool_run(change, status=1 if "none.ppd" in change else 0)
                 self.assertEqual(len(self.names(here)), left)
                 self.remove("q2", "-")
+
+    def test_a_changed_record_sends_nothing_elsewhere(self):
+        """The database is open to everybody, "hostq" is not: what they disagree on isn't printed, nor made good by a change."""
+        master, slave = pty.openpty()
+        tty.setraw(slave)
+        self.addCleanup(lambda: (os.close(master), os.close(slave)))
+        port = free_port()
+        self.queue("q", port)
+        self.out("-dq", self.tool.path + "/file.txt")
+        database = self.tool.path + "/db/que.xdb"
+        records = self.tool.records()
+        records["q"] = records["q"].replace(b"127.0.0.1:%d" % port, os.ttyname(slave).encode()).replace(b"tv_a.ppd 0", b"tv_a.ppd 2")
+        xdb.write(database, [(key.encode(), data) for key, data in records.items()])
+        here = "127.0.0.1:%d" % port
+        self.assertTrue(until(lambda: self.status(here).startswith("held: A00001: the record of queue \"q\" was changed")), self.status(here))
+        self.assertIn("was changed", self.out("-dq", self.tool.path + "/file.txt", status=1))
+        self.assertIn("was changed", self.tool_run("q -mq -ui", status=1).stderr)
+        self.assertFalse(select.select([master], [], [], 0.3)[0])
+        self.tool_run("q -x")
+        self.assertEqual(self.waiting(), [])
 
     def test_no_way_out_of_the_spool(self):
         port = free_port()
