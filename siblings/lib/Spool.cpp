@@ -189,19 +189,6 @@ std::string SpoolStatus(const std::string &directory, std::string_view text) {
 
 // ---- Tickets
 
-std::string SpoolRemoveQueue(const std::string &directory, const std::string &queue) {
-    struct stat status;
-    if (directory.empty() || lstat(directory.c_str(), &status)) return "";
-    std::string error = SpoolOpen(directory, false);
-    if (!error.empty()) return error;
-    for (const SpoolJob &job : SpoolJobs(directory)) {
-        JobTicket ticket;
-        bool flOurs = IsOwnJob(job.name) && ReadTicket(directory + "/" + job.control, ticket);
-        if (flOurs && ticket.queue == queue && error.empty()) error = SpoolRemove(directory, job);
-    }
-    return error;
-}
-
 std::string UserName() {
     const struct passwd *entry = getpwuid(getuid());
     return entry && entry->pw_name && *entry->pw_name ? entry->pw_name
@@ -372,6 +359,63 @@ std::string SpoolRemove(const std::string &directory, const SpoolJob &job) {
     if (error.empty()) DeleteJobFromQue(directory.c_str(), job.control.c_str(), 0);
     return error;
 }
+
+// ---- The jobs of one queue
+
+// A job's ticket, if it is one of the tool's own store and the queue's.
+static bool ReadJobOf(const std::string &directory, const SpoolJob &job, const std::string &queue,
+                      JobTicket &ticket) {
+    bool flOurs = IsOwnJob(job.name) && ReadTicket(directory + "/" + job.control, ticket);
+    return flOurs && ticket.queue == queue;
+}
+
+// A directory that isn't there has no jobs. Answers an empty text, or what is wrong with it.
+static std::string JobsOf(const std::string &directory, std::vector<SpoolJob> &jobs) {
+    struct stat status;
+    if (directory.empty() || lstat(directory.c_str(), &status)) return "";
+    std::string error = SpoolOpen(directory, false);
+    if (error.empty()) jobs = SpoolJobs(directory);
+    return error;
+}
+
+std::string SpoolRemoveQueue(const std::string &directory, const std::string &queue) {
+    std::vector<SpoolJob> jobs;
+    JobTicket ticket;
+    std::string error = JobsOf(directory, jobs);
+    for (const SpoolJob &job : jobs)
+        if (error.empty() && ReadJobOf(directory, job, queue, ticket)) error = SpoolRemove(directory, job);
+    return error;
+}
+
+bool IsSpoolPrinting(const std::string &directory) {
+    std::string status;
+    if (!ReadWholeFile(directory + "/.status", SPOOL_TEXT_MAX, status).empty()) return false;
+    FileLock lock(directory + "/.sender", 0);
+    return !lock.IsHeld() && status.starts_with("printing");
+}
+
+// The copy is on the disk before the job goes: a cut in between leaves it twice, never lost.
+static std::string MoveJob(const std::string &from, const std::string &to, const SpoolJob &job,
+                           const JobTicket &ticket) {
+    std::string data = from + "/" + job.data, name;
+    int file = open(data.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0) return Failed("open", data);
+    std::string error = SpoolAdd(to, ticket, file, name);
+    close(file);
+    return error.empty() ? SpoolRemove(from, job) : error;
+}
+
+std::string SpoolMoveQueue(const std::string &from, const std::string &to, const std::string &queue) {
+    std::vector<SpoolJob> jobs;
+    JobTicket ticket;
+    std::string error = JobsOf(from, jobs);
+    if (error.empty() && !jobs.empty()) error = SpoolOpen(to, true);
+    for (const SpoolJob &job : jobs)
+        if (error.empty() && ReadJobOf(from, job, queue, ticket)) error = MoveJob(from, to, job, ticket);
+    return error;
+}
+
+// ---- What killed programs left
 
 // Nobody who may have the job in hand is left once the lock is free: who copies has it, and a job with a line
 // or a control file is the sender's.

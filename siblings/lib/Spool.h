@@ -57,6 +57,11 @@ std::string SpoolRemove(const std::string &directory, const SpoolJob &job);
 // Removes the waiting jobs of one queue of the tool's own store; a directory that isn't there has none.
 std::string SpoolRemoveQueue(const std::string &directory, const std::string &queue);
 
+// True while the sender of the directory has a job at the printer.
+bool IsSpoolPrinting(const std::string &directory);
+// Moves the waiting jobs of such a queue to another directory, where they get new names.
+std::string SpoolMoveQueue(const std::string &from, const std::string &to, const std::string &queue);
+
 // Removes the data files that programs left which were killed while they copied.
 void SpoolSweep(const std::string &directory);
 

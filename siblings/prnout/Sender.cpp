@@ -13,44 +13,17 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <csignal>
 #include <cstdlib>
 #include <cstring>
 #include <ctime>
 #include <fcntl.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 enum { RETRY_SECONDS = 10, WATCH_SECONDS = 2, WATCH_DOWN_SECONDS = 30 };
 enum { LOCK_SECONDS = 1 }; // other programs look for a sender by its lock, and hold it for a moment then
 
 // ---- Processes
-
-[[noreturn]] static void BecomeDetached(const char *mode, const std::string &directory) {
-    sigset_t none;
-    setsid();
-    pid_t worker = fork();
-    if (worker) _exit(worker < 0 ? errno : 0);
-    int null = open("/dev/null", O_RDWR);
-    for (int stream = 0; stream < 3 && null >= 0; stream++) dup2(null, stream);
-    close_range(3, ~0u, 0);
-    sigemptyset(&none);
-    sigprocmask(SIG_SETMASK, &none, nullptr);
-    execl("/proc/self/exe", "prnout", mode, directory.c_str(), nullptr);
-    _exit(1);
-}
-
-std::string StartDetached(const char *mode, const std::string &directory) {
-    int status = 0;
-    pid_t child = fork();
-    if (!child) BecomeDetached(mode, directory);
-    if (child < 0) return std::string("can't start the sender: ") + strerror(errno);
-    while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-    }
-    int reason = WIFEXITED(status) ? WEXITSTATUS(status) : EINTR;
-    return reason ? std::string("can't start the sender: ") + strerror(reason) : "";
-}
 
 // Another process that does the work is no error.
 static std::string Taken(const std::string &directory) {

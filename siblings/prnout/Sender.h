@@ -4,10 +4,6 @@
 
 #include <string>
 
-// Starts "prnout MODE DIRECTORY" on its own: no terminal, no parent, no open files. Does nothing but cost a
-// moment if there is one already. Empty, or why it can't be started.
-std::string StartDetached(const char *mode, const std::string &directory);
-
 // Delivers job after job, oldest first, and tries again for as long as the printer can't be reached; returns
 // when no job is left that it could print. Jobs of a queue that is gone are held. A job leaves the spool only
 // after it was delivered whole. Sweeps the spool first. PRNQ_RETRY tells the seconds between two tries (10).

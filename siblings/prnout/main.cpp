@@ -2,6 +2,7 @@
 #include "siblings/lib/BannerPage.h"
 #include "siblings/lib/Child.h"
 #include "siblings/lib/CupsJobs.h"
+#include "siblings/lib/Detached.h"
 #include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Frame.h"
@@ -28,6 +29,8 @@ static const char UsageText[] = "usage: prnout [-d QUEUE] [-DL] [-oNoUi] FILE  s
                                 "  -oNoUi    ask nothing (nothing is ever asked)\n"
                                 "  -send     print the jobs that wait in a spool directory\n"
                                 "  -watch    keep the list of a spool directory true while jobs wait\n";
+
+static const char Self[] = "/proc/self/exe"; // also where a newer one has been installed
 
 struct Words {
     std::string queue, file;
@@ -137,7 +140,7 @@ static void ShowQueue(const Host &host, const Queue &queue, long number, const s
     std::string error = SpoolOpen(directory, true);
     if (geteuid() && (!error.empty() || !MayWriteSpool(directory))) return;
     if (error.empty()) error = CupsRefresh(directory, CupsSharers(host, directory), number, title, waiting);
-    if (error.empty() && waiting) error = StartDetached("-watch", directory);
+    if (error.empty() && waiting) error = StartDetached(Self, "-watch", directory);
     if (!error.empty()) TellUser("warning: the list of jobs isn't up to date: " + error);
 }
 
@@ -175,7 +178,7 @@ static std::string PrintBySpool(const CupsPrint &print, int file) {
             SpoolStatus(directory, "waiting: " + name + " is next\n");
     }
     // The job is taken: who was told otherwise would print it twice.
-    error = StartDetached("-send", directory);
+    error = StartDetached(Self, "-send", directory);
     if (!error.empty()) TellUser("warning: job " + name + " waits for the next call: " + error);
     return "";
 }

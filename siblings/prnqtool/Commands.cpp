@@ -1,7 +1,9 @@
 // The commands: add, copy, modify, delete, default banner, list.
 #include "siblings/prnqtool/Commands.h"
 
+#include "common/utils.h"
 #include "siblings/lib/Child.h"
+#include "siblings/lib/Detached.h"
 #include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Host.h"
@@ -271,11 +273,31 @@ static std::string CopyQueue(const Options &options) {
 
 // ---- Modify
 
+static std::string NotChanged(const Queue &queue, const std::string &error) {
+    return "queue \"" + queue.name + "\" not changed: " + error;
+}
+
+// A device's spool directory goes by the user interface, and its jobs go along. One that is at the printer
+// can't: the sender of the other directory would print into it.
+static std::string CheckMove(const std::string &from, const std::string &to) {
+    return from != to && IsSpoolPrinting(from) ? "a job is being printed; try again when it is done" : "";
+}
+
+static void MoveJobs(const std::string &from, const std::string &to, const std::string &name) {
+    std::string error = from == to ? "" : SpoolMoveQueue(from, to, name);
+    if (!error.empty())
+        TellUser("warning: jobs of queue \"" + name + "\" still wait in " + from + ": " + error);
+    if (from != to && !SpoolJobs(to).empty())
+        StartDetached((std::string(pToolPath) + "/prnout").c_str(), "-send", to);
+}
+
 static std::string FinishModify(const Queue &queue, const Queue &old, Place place) {
-    std::string before = RecordsDefault(), banner = RecordsBanner();
+    std::string before = RecordsDefault(), banner = RecordsBanner(), from = FileStoreSpool(old),
+                to = SpoolDirectory(queue), error = place == PLACE_FILE ? CheckMove(from, to) : "";
+    if (!error.empty()) return NotChanged(queue, error);
     RecordsPut(queue);
-    if (place == PLACE_FILE) FileStorePut(queue); // a device's spool directory goes by the user interface
-    std::string error = PrepareChange();
+    if (place == PLACE_FILE) FileStorePut(queue);
+    error = PrepareChange();
     if (!error.empty()) return error;
     bool flPpd = queue.flFeatures != old.flFeatures || queue.settings != old.settings;
     if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner), flPpd);
@@ -283,6 +305,7 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
     if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
     if (error.empty()) error = CommitChange();
     if (error.empty()) {
+        if (place == PLACE_FILE) MoveJobs(from, to, queue.name);
         SettleBanners(TheHost, {queue.name});
         return "";
     }
@@ -291,7 +314,7 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
         FollowDefault(RecordsDefault(), before, false);
     }
     DropChange();
-    return "queue \"" + queue.name + "\" not changed: " + error;
+    return NotChanged(queue, error);
 }
 
 static std::string ModifyQueue(const Options &options) {

@@ -12,6 +12,7 @@ import subprocess
 import time
 import tty
 import unittest
+from pathlib import Path
 
 from cups import Scheduler
 from fakeprinter import FakeLpd, FakePrinter
@@ -419,6 +420,36 @@ class OnFile(Scenario, unittest.TestCase):
                 self.tool_run(change, status=1 if "none.ppd" in change else 0)
                 self.assertEqual(len(self.names(here)), left)
                 self.remove("q2", "-")
+
+    def test_jobs_follow_their_queue_to_another_directory(self):
+        """The user interface of a queue on a device decides about its spool directory."""
+        device = self.tool.path + "/port"  # comes with the printer
+        flat, deep = device.replace("/", "_"), device[1:]
+        self.add("q", "-pm wp -dn " + device)
+        self.add("q2", "-pm wp -dn " + device)
+        for queue in "q", "q2", "q":
+            self.out("-d" + queue, self.tool.path + "/file.txt")
+        self.assertTrue(until(lambda: self.status(flat).startswith("waiting: " + device)))
+        self.tool_run("q -mq -ui")
+        self.assertEqual((self.names(flat), self.names(deep)), (["A00002"], ["A00001", "A00002"]))
+        self.assertTrue(until(lambda: (self.status(deep) or "").startswith("waiting: " + device)), self.status(deep))
+        sender, = [pid for pid in self.detached() if self.spool(deep) in Path("/proc/%d/cmdline" % pid).read_text().split("\0")]
+        os.kill(sender, signal.SIGSTOP)
+        with open(self.spool(deep) + "/.status", "w") as status:
+            status.write("printing A00001 on " + device)
+        self.assertIn("is being printed", self.tool_run("q -mq", status=1).stderr)
+        os.kill(sender, signal.SIGCONT)
+        self.assertEqual(self.names(deep), ["A00001", "A00002"])
+        master, slave = pty.openpty()
+        tty.setraw(slave)
+        self.addCleanup(lambda: (os.close(master), os.close(slave)))
+        self.remove("q2", "-")
+        os.symlink(os.ttyname(slave), device)
+        got = b""
+        while len(got) < 2 * len(TEXT):
+            got += os.read(master, 4096)
+        self.assertEqual(got, 2 * TEXT)
+        self.idle(deep)
 
     def test_a_changed_record_sends_nothing_elsewhere(self):
         """The database is open to everybody, "hostq" is not: what they disagree on isn't printed, nor made good by a change."""
