@@ -13,17 +13,22 @@
 #include <cstring>
 #include <iterator>
 #include <numeric>
+#include <sys/prctl.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 enum {
-    RESPONSE_LINE = 4096, // a longer line of a child arrives in pieces
-    SHOW_UP_TRIES = 10,   // seconds that SysCmd waits for a command with delay -1 to show up
-    SEARCHED_MAX = 64,    // directories that are remembered as searched
-    STATUS_LAST = 151,    // statuses above it are not reported
+    RESPONSE_LINE = 4096,  // a longer line of a child arrives in pieces
+    SHOW_UP_TRIES = 10,    // seconds that SysCmd waits for a command with delay -1 to show up
+    SEARCHED_MAX = 64,     // directories that are remembered as searched
+    STATUS_LAST = 151,     // statuses above it are not reported
+    STATUS_NO_SHELL = 127, // as system answers it
 };
 
-int (*pSystem)(const char *) = system;
+static int RunShell(const char *line);
+
+int (*pSystem)(const char *) = RunShell;
 FILE *(*pPopen)(const char *, const char *) = popen;
 int (*pPclose)(FILE *) = pclose;
 unsigned (*pSleep)(unsigned) = sleep;
@@ -369,9 +374,44 @@ static std::string CloseLine(int row, int mode, bool flLog) {
     return row >= 2 ? Dq(redirection) + "\"" : redirection;
 }
 
-static int RunLine(const std::string &line, int mode) {
+static bool flEndsWithUs; // the line that runs has the program's terminal; writer: RunLine
+
+// Between fork and exec.
+[[noreturn]] static void ExecShell(const char *line, pid_t parent) {
+    signal(SIGINT, SIG_DFL);
+    signal(SIGQUIT, SIG_DFL);
+    prctl(PR_SET_PDEATHSIG, SIGHUP);
+    if (getppid() == parent) execl("/bin/sh", "sh", "-c", line, nullptr);
+    _exit(STATUS_NO_SHELL);
+}
+
+// A program called by its path: the shell makes room for it instead of waiting for it.
+static std::string ExecLine(const std::string &line) {
+    bool flPath = line.starts_with('/') || line.starts_with("'/");
+    return flPath && line.find_first_of(";&|()\n") == line.npos ? "exec " + line : line;
+}
+
+// As system, but a program that talks on the terminal doesn't outlive us: it would share the terminal with
+// the shell that we were started from.
+static int RunShell(const char *line) {
+    if (!flEndsWithUs) return system(line);
+    pid_t us = getpid();
+    std::string whole = ExecLine(line);
+    auto interrupt = signal(SIGINT, SIG_IGN), quit = signal(SIGQUIT, SIG_IGN);
+    pid_t child = fork();
+    if (child == 0) ExecShell(whole.c_str(), us);
+    int status = -1;
+    while (child > 0 && waitpid(child, &status, 0) < 0 && errno == EINTR) {
+    }
+    signal(SIGINT, interrupt);
+    signal(SIGQUIT, quit);
+    return status;
+}
+
+static int RunLine(const std::string &line, int mode, bool flTerminal) {
     fflush(stdout);
     errno = 0;
+    flEndsWithUs = flTerminal;
     if (pSystem(line.c_str()) == 0) return 0;
     // A command that ran and failed leaves no errno; mode 2 must end the program all the same.
     return errno == 0 && mode == 2 ? EIO : errno;
@@ -416,7 +456,7 @@ int SysCmd(int row, int mode, const char *format, ...) {
 
     if (flLog && flSysCmdLog) LogLine(line); // without the redirection
     line += CloseLine(row, mode, flLog);
-    int status = RunLine(line, mode);
+    int status = RunLine(line, mode, flShown && !flLog);
     if (flShown) ReportStatus(status, mode);
     DelayAfter(ComList[row]);
     return status;

@@ -153,7 +153,7 @@ int TestCmd(int row); // 1 for a row of 2 or more with a known path
 [[nodiscard]] char *GetCmd(int row);
 [[nodiscard]] char *GetCmdNoFlags(int row);
 // Runs a row with the formatted text behind it. A negative row or row 0 keeps it out of the log; then modes 1
-// and 2 leave the command the program's terminal.
+// and 2 leave the command the program's terminal, and it is ended (SIGHUP) if the program dies.
 //   mode 0  output thrown away, never logged
 //   mode 1  output into the log, a dot on standard output, a failure noted in the log
 //   mode 2  the same, but a failure is printed and ends the program

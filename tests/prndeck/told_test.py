@@ -1,9 +1,12 @@
 """What the queue tool refuses reaches the person at the terminal, through the real programs: what is said, that a terminal
 waits for a line behind it and a pipe does not, and what stands afterwards."""
+import contextlib
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
+import time
 import unittest
 
 from cups import Scheduler
@@ -21,6 +24,13 @@ REFUSED = {
     "a name like an option": (["1 -new", "5 localhost"], "option -new is unknown"),
     "a name that differs by case": (["1 KEPT", "5 localhost"], 'queue name "KEPT" differs from queue "kept" by upper and lower case only'),
 }
+
+
+def until(condition, seconds=10):
+    end = time.monotonic() + seconds
+    while not condition() and time.monotonic() < end:
+        time.sleep(0.01)
+    return condition()
 
 
 class Told(unittest.TestCase):
@@ -98,6 +108,31 @@ class Told(unittest.TestCase):
             self.assertIn(GONE, answer)
         cups.start()
         self.assertEqual(set(cups.queues()), {"kept"})
+
+    def test_a_killed_program_takes_the_feature_dialogue_along(self):
+        """Else it would go on reading the terminal, beside the shell that both were started from."""
+        self.own_store()
+        term = self.enterContext(Term(["/bin/sh", "-c", "./prndeck -tty; echo back; read line; echo got $line"], cwd=self.path, env=self.env))
+        term.wait(MENU)
+        term.line("2", "to modify: ")
+        for line in ("kept", "2"):  # and its features on
+            term.line(line, MENU)
+        term.line("4")
+        term.wait("Tarvo C410")
+        programs = {os.path.basename(exe): pid for pid, exe in self.running()}
+        self.assertEqual(set(programs), {"prndeck", "prnpnxxtty"})
+        os.kill(programs["prndeck"], signal.SIGKILL)
+        term.wait("back")
+        self.assertTrue(until(lambda: not list(self.running())))
+        term.line("text", "got text")
+
+    def running(self):
+        """Number and file of the processes of this test's tool directory."""
+        for pid in filter(str.isdigit, os.listdir("/proc")):
+            with contextlib.suppress(OSError):
+                exe = os.readlink("/proc/%s/exe" % pid)
+                if exe.startswith(self.path):
+                    yield int(pid), exe
 
 
 if __name__ == "__main__":
