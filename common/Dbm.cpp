@@ -14,7 +14,10 @@
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
+#include <sys/sysmacros.h>
 #include <unistd.h>
+
+static constexpr int TriesPerSecond = 1000000 / static_cast<int>(DBM_LOCK_PAUSE);
 
 // ---- Scrambling
 
@@ -128,28 +131,65 @@ static bool IsLockFile(int file, const std::string &path) {
 
 int DbmLockTries = DBM_LOCK_TRIES;
 
-static int TakeLockFile(const std::string &path) {
-    int file = -1;
-    for (int i = 0; i < DbmLockTries; i++) {
-        file = OpenLockFile(path);
-        if (file < 0) return -1;
+// The process that holds a lock on the file, by the kernel's list; 0 if that doesn't tell.
+static int FindHolder(int file) {
+    struct stat held;
+    char line[LINEBUF_SIZE];
+    FILE *locks = fstat(file, &held) == 0 ? fopen("/proc/locks", "re") : nullptr;
+    int holder = 0;
+    while (locks && holder == 0 && fgets(line, sizeof line, locks)) {
+        unsigned upper, lower;
+        unsigned long inode;
+        int process;
+        // "1: FLOCK  ADVISORY  WRITE 123 08:01:4711 0 EOF"
+        bool flLock = sscanf(line, "%*d: FLOCK %*s %*s %d %x:%x:%lu", &process, &upper, &lower, &inode) == 4;
+        if (flLock && inode == held.st_ino && makedev(upper, lower) == held.st_dev) holder = process;
+    }
+    if (locks) fclose(locks);
+    return holder;
+}
+
+static std::string LockFault(const std::string &path, int file) {
+    int holder = FindHolder(file);
+    return path + " is locked by " + (holder > 0 ? "process " + std::to_string(holder) : "another program");
+}
+
+// The descriptor with the lock, or -1 and why.
+static int TakeLockFile(const std::string &path, int tries, std::string &fault) {
+    for (int i = 0; i < tries; i++) {
+        int file = OpenLockFile(path);
+        if (file < 0) {
+            fault = "can't open " + path + ": " + strerror(errno);
+            return -1;
+        }
         bool flLocked = flock(file, LOCK_EX | LOCK_NB) == 0;
         if (flLocked && IsLockFile(file, path)) return file;
+        if (!flLocked && i + 1 == tries) fault = LockFault(path, file);
         close(file);
         if (!flLocked) usleep(DBM_LOCK_PAUSE);
     }
-    fflush(stdout);
-    fprintf(stderr, "ERROR: %s is locked by another program\n", path.c_str());
+    if (fault.empty()) fault = path + " is replaced over and over";
     return -1;
 }
 
-DbmLock::DbmLock(const char *db) : name(db ? db : ""), file(-1), outer(pHeldLock) {
+void DbmLock::Take(int tries) {
     flHeld = outer && outer->name == name;
     if (flHeld) return;
     MakeLocalDirectory();
-    file = TakeLockFile(DbmPath(name.c_str(), "xdb"));
+    file = TakeLockFile(DbmPath(name.c_str(), "xdb"), tries, fault);
     flHeld = file >= 0;
     if (flHeld) pHeldLock = this;
+}
+
+DbmLock::DbmLock(const char *db) : name(db ? db : ""), file(-1), outer(pHeldLock) {
+    Take(DbmLockTries);
+    if (flHeld) return;
+    fflush(stdout);
+    fprintf(stderr, "ERROR: %s\n", fault.c_str());
+}
+
+DbmLock::DbmLock(const char *db, int seconds) : name(db ? db : ""), file(-1), outer(pHeldLock) {
+    Take(std::max(seconds, 1) * TriesPerSecond);
 }
 
 DbmLock::~DbmLock() {

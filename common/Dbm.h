@@ -88,13 +88,18 @@ void DbmFreeDbLinkList(DbLink *chain);
 class DbmLock {
 public:
     explicit DbmLock(const char *db);
+    // The same for a caller that waits some seconds, and tells by Fault why it hasn't got it.
+    DbmLock(const char *db, int seconds);
     ~DbmLock();
     DbmLock(const DbmLock &) = delete;
     DbmLock &operator=(const DbmLock &) = delete;
     bool IsHeld() const { return flHeld; }
+    // Empty if it is held; else the file, and by which process it is locked if the host tells so.
+    const std::string &Fault() const { return fault; }
 
 private:
-    std::string name;
+    void Take(int tries);
+    std::string name, fault;
     int file;
     DbmLock *outer;
     bool flHeld;

@@ -113,14 +113,17 @@ void RestartRunLimit() {
     RunStart = Now();
 }
 
-// Whole-run limit: what is left of it bounds each child. PRNQ_LIMIT shortens the limit of one child.
-static double ChildSeconds() {
-    if (RunStart == 0) RestartRunLimit();
+int ChildLimit() {
     const char *limit = getenv("PRNQ_LIMIT");
     int seconds = limit ? atoi(limit) : 0;
-    if (seconds < 1 || seconds > CHILD_LIMIT) seconds = CHILD_LIMIT;
+    return seconds < 1 || seconds > CHILD_LIMIT ? static_cast<int>(CHILD_LIMIT) : seconds;
+}
+
+// Whole-run limit: what is left of it bounds each child.
+static double ChildSeconds() {
+    if (RunStart == 0) RestartRunLimit();
     return std::max(
-        0.0, std::min(static_cast<double>(seconds), RunStart + static_cast<double>(RUN_LIMIT) - Now()));
+        0.0, std::min(static_cast<double>(ChildLimit()), RunStart + static_cast<double>(RUN_LIMIT) - Now()));
 }
 
 // Moves what a pipe holds into the text; false at its end.

@@ -29,6 +29,8 @@ std::string FindProgram(const std::string &name);
 // group is killed.
 Ran RunChild(const std::vector<std::string> &words);
 
+// The limit of one command in seconds: CHILD_LIMIT, or less if PRNQ_LIMIT tells so.
+int ChildLimit();
 // Starts the limit for all commands anew: for a run that goes on for as long as there is work.
 void RestartRunLimit();
 

@@ -66,8 +66,20 @@ std::string PrepareFile(const std::string &path, std::string_view content, unsig
     return error;
 }
 
+// A new name lasts when its directory has reached the disk. A file system that can't sync a directory says
+// EINVAL.
+static bool SyncDirectoryOf(const std::string &path) {
+    size_t slash = path.rfind('/');
+    std::string directory = slash == path.npos ? "." : path.substr(0, slash + 1);
+    int file = open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    if (file < 0) return false;
+    bool flSynced = !fsync(file) || errno == EINVAL;
+    close(file);
+    return flSynced;
+}
+
 std::string CommitFile(const std::string &path) {
-    if (!rename((path + "_new").c_str(), path.c_str())) return "";
+    if (!rename((path + "_new").c_str(), path.c_str()) && SyncDirectoryOf(path)) return "";
     std::string error = Failed("replace", path);
     DropFile(path);
     return error;

@@ -22,6 +22,12 @@ static bool IsDamaged(size_t fileSize) {
     return Handle->size != fileSize;
 }
 
+std::string RecordsLock(int seconds) {
+    static const DbmLock *lock;
+    if (!lock) lock = new DbmLock(QueDb, seconds); // ends with the process
+    return lock->Fault();
+}
+
 std::string RecordsOpen() {
     struct stat status;
     bool flThere = !lstat(Database, &status);

@@ -4,13 +4,18 @@
 // A change of a queue touches up to six records. They reach the disk together by one rename, so that a run
 // that is killed leaves all of the old ones or all of the new ones. RecordsOpen comes first; then reads and
 // edits in any order; then RecordsPrepare, which proves that the disk takes the new file; then RecordsCommit
-// or RecordsDrop.
+// or RecordsDrop. A change begins with RecordsLock: others write to the database by common/Dbm.h, and the
+// lock is theirs.
 #pragma once
 
 #include "siblings/lib/Queue.h"
 
 #include <string>
 #include <vector>
+
+// Keeps all other writers out until the process ends; waits some seconds for them. Empty, or who has the
+// lock.
+std::string RecordsLock(int seconds);
 
 // Loads the database; a missing one is empty. Answers an empty text, or why it can't be worked on. Drops all
 // edits of an earlier call.

@@ -20,7 +20,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-enum { LOCK_SECONDS = 30, DB_MODE = 0777 };
+enum { DB_MODE = 0777 };
 
 static const char LockPath[] = "db/.prnq_lock";
 
@@ -49,7 +49,8 @@ static std::string MakeDatabaseDirectory() {
 
 static std::string BeginChange() {
     std::string error = MakeDatabaseDirectory();
-    if (error.empty()) error = TakeLock(LockPath, LOCK_SECONDS);
+    if (error.empty()) error = TakeLock(LockPath, ChildLimit());
+    if (error.empty()) error = RecordsLock(ChildLimit());
     if (error.empty()) error = HostOpen(TheHost);
     if (error.empty()) error = RecordsOpen();
     HoldSignals();

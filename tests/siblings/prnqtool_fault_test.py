@@ -1,4 +1,5 @@
 """Bad words, hostile values and faults around the queue tool's own files, on a host without a print system."""
+import fcntl
 import os
 import subprocess
 import tempfile
@@ -92,6 +93,22 @@ class Faults(QueueTool, unittest.TestCase):
         self.assertEqual({key for key in self.tool.records() if " " not in key},
                          {"keep"} | {"q%d" % number for number in range(12)})
         self.assertEqual(len(self.run_words("-LQ").stdout.split()), 13)
+
+    def test_other_writers_of_the_database_are_waited_for(self):
+        path = self.tool.path + "/db/que.xdb"
+        with open(path, "rb") as database:
+            fcntl.flock(database, fcntl.LOCK_EX)  # as anybody may
+            before = self.tool.image()
+            done = self.add("q", status=1, PRNQ_LIMIT="1")
+            self.assertIn("db/que.xdb is locked by process %d\n" % os.getpid(), done.stderr)
+            self.assertEqual(self.tool.image(), before)
+            child = subprocess.Popen(self.tool.command("prnqtool", "q", *ADD.split()), env=self.tool.env)
+            with self.assertRaises(subprocess.TimeoutExpired):
+                child.wait(0.3)
+            xdb.write(path + "_other", [*xdb.parse(database.read()), (b"theirs", b"theirs h2 lp tv_a.ppd 0 0 0 0 0 1 \0")])
+            os.rename(path + "_other", path)
+        self.assertEqual(child.wait(20), 0)
+        self.assertLessEqual({"keep", "theirs", "q"}, set(self.tool.records()))
 
     def test_links_in_open_directories_are_not_followed(self):
         victim = self.tool.path + "/victim"
