@@ -233,6 +233,13 @@ static bool CloseChecked(FILE *out) {
     return fclose(out) == 0 && flGood;
 }
 
+bool DbmKeepDamaged(const char *name) {
+    std::string kept = DbmPath(name, "xdb_damaged");
+    PutLogMsg("database %s is damaged; kept as %s\n", name, kept.c_str());
+    unlink(kept.c_str());
+    return link(DbmPath(name, "xdb").c_str(), kept.c_str()) == 0 || errno == ENOENT;
+}
+
 int DbmReplace(const char *name, int (*write)(FILE *out, const void *context), const void *context) {
     DbmLock lock(name);
     if (!lock.IsHeld()) {
@@ -291,10 +298,20 @@ static bool HasHeader(FILE *in) {
     return flHeader;
 }
 
-// Anybody may have put a pipe there, which would be waited for.
+bool DbmTestHuge(const char *path, long long size) {
+    static bool flTold;
+    if (size <= DBM_FILE_MAX) return false;
+    if (!flTold) ErrorMsg(ERR_WARN, 0, "%s is larger than %d MB: not read", path, DBM_FILE_MAX >> 20);
+    flTold = true;
+    return true;
+}
+
+// Anybody may have put a pipe there, which would be waited for, or bytes that take minutes to read.
 static bool IsOddFile(const char *db) {
     struct stat info;
-    return stat(DbmPath(db, "xdb").c_str(), &info) == 0 && !S_ISREG(info.st_mode);
+    std::string path = DbmPath(db, "xdb");
+    if (stat(path.c_str(), &info) != 0) return false;
+    return !S_ISREG(info.st_mode) || DbmTestHuge(path.c_str(), info.st_size);
 }
 
 // The database for reading: null if it is missing, can't be opened or is no headerless file.
@@ -314,20 +331,12 @@ struct DbmRewrite {
     DbmRecord *add; // null for a deletion
 };
 
-// Records behind a damaged one can't be found: the file that has them stays beside the new one.
-static bool KeepDamaged(const char *db) {
-    std::string kept = DbmPath(db, "xdb_damaged");
-    PutLogMsg("database %s is damaged; kept as %s\n", db, kept.c_str());
-    unlink(kept.c_str());
-    return link(DbmPath(db, "xdb").c_str(), kept.c_str()) == 0;
-}
-
 static bool CopyOldRecords(const DbmRewrite *rewrite, FILE *out) {
     long read;
     if (!CopyRecords(rewrite->in, out, rewrite->key, rewrite->prefixLength, &read)) return false;
     struct stat info;
     bool flWhole = fstat(fileno(rewrite->in), &info) == 0 && info.st_size == read;
-    return flWhole || KeepDamaged(rewrite->db);
+    return flWhole || DbmKeepDamaged(rewrite->db);
 }
 
 static int WriteRecords(FILE *out, const void *context) {

@@ -28,7 +28,8 @@ enum {
     DBM_WORD = 2,         // bytes of L and of K
     DBM_MODE = 0666,
     DBM_DIRECTORY_MODE = 0777,
-    DBM_OPEN_TRIES = 10, // attempts to open or read a file that exists, one second apart
+    DBM_OPEN_TRIES = 10,             // attempts to open or read a file that exists, one second apart
+    DBM_FILE_MAX = 16 * 1024 * 1024, // a larger file is none of ours: it isn't read, and no write replaces it
 };
 #define DBM_MAGIC "TXDBAA"   // first bytes of the header format
 enum { DBM_MAGIC_TEST = 5 }; // so many of them decide
@@ -133,5 +134,10 @@ std::string DbmPath(const char *name, const char *extension);
 int DbmReplace(const char *name, int (*write)(FILE *out, const void *context), const void *context);
 // "ERROR: Can't write to NAME" on standard error.
 void DbmWriteError(const char *name);
+// Keeps the file that is about to be replaced as NAME.xdb_damaged, because the new one lacks what could not
+// be read of it, with a word in the log. False if that isn't possible: then it must not be replaced.
+bool DbmKeepDamaged(const char *name);
+// True, and the first time with a warning on standard error, for a file of more than DBM_FILE_MAX bytes.
+bool DbmTestHuge(const char *path, long long size);
 // Appends a copy of the record at the place *tail; the place of the next one, null if memory is exhausted.
 DbLink **DbmAddLink(DbLink **tail, const char *key, size_t keyLength, const void *data, size_t size);

@@ -35,6 +35,7 @@ struct DbTPrivate {
     struct timespec inodeChanged; // looked at after a failed read only: a chmod is worth another try
     int flKnown;                  // file tells what the image came from
     int flUnread;                 // that file could not be read
+    int flCut;                    // the image lacks something of it
     IndexSlot *slots;
     size_t slotCount; // a power of 2, 0 without an index
     int flSearched;   // this image was searched before: an index will pay
@@ -167,6 +168,7 @@ static void SetImage(DbTHandle *h, char *image, size_t size) {
     h->size = size;
     h->priv->room = size;
     h->cursor = h->walk = 0;
+    h->priv->flCut = 0;
     DropIndex(h);
 }
 
@@ -188,9 +190,11 @@ static char *ReadPatiently(const std::string &path) {
     return nullptr;
 }
 
+// For a file that isn't read: it is kept if it is written over.
 static void SetEmptyImage(DbTHandle *h) {
     auto image = static_cast<char *>(GetMem(DBT_HEADER_SIZE));
     SetImage(h, image, image ? DBT_HEADER_SIZE : 0);
+    h->priv->flCut = h->priv->flUnread;
     h->fileTime = 0;
     h->count = 0;
     DbTSetDbType(h, DBT_NONE);
@@ -204,7 +208,7 @@ void DbTUpDate(DbTHandle *handle) {
     if (stat(path.c_str(), &info) != 0 || !S_ISREG(info.st_mode)) return;
     if (handle->image && SameFile(handle, info)) return;
     SetImage(handle, nullptr, 0);
-    char *content = ReadPatiently(path);
+    char *content = DbmTestHuge(path.c_str(), info.st_size) ? nullptr : ReadPatiently(path);
     KeepIdentity(handle, info, !content && info.st_size > 0);
     if (!content) return SetEmptyImage(handle);
     SetImage(handle, content, static_cast<size_t>(SavedFileSize));
@@ -280,6 +284,7 @@ DbTWalk *WalkDbTRecords(DbTHandle *handle, DbTWalk *walked, int index) {
     if (!handle->image || start >= handle->size) return nullptr;
     if (!ReadRecord(handle, walked, start)) {
         handle->size = start; // damaged from here on
+        handle->priv->flCut = 1;
         return nullptr;
     }
     handle->walk = start + walked->L + DBM_WORD;
@@ -617,6 +622,8 @@ int DbmTCopyRecord(DbTHandle *handle, const char *oldKey, const char *newKey) {
 
 static int WriteImage(FILE *out, const void *context) {
     auto handle = static_cast<const DbTHandle *>(context);
+    if (handle->priv->flCut && !DbmKeepDamaged(handle->name)) return 0;
+    handle->priv->flCut = 0;
     return handle->size == 0 || fwrite(handle->image, 1, handle->size, out) == handle->size;
 }
 

@@ -10,7 +10,8 @@
 // DBT_NO_WRITE: then it waits for DbmTArchiveDb, and a reload before that loses it.
 //
 // Files are not trusted: a record that runs past the end of the image, or a key past its record, ends the
-// walk there, and what lies behind it is cut off the image. A record without a whole key is kept but never
+// walk there, and what lies behind it is cut off the image; before a write replaces such a file, or one that
+// could not be read at all, it is kept as NAME.xdb_damaged. A record without a whole key is kept but never
 // found.
 //
 // Null arguments: 0 or null, or nothing done.

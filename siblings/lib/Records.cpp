@@ -32,6 +32,8 @@ std::string RecordsOpen() {
     struct stat status;
     bool flThere = !lstat(Database, &status);
     if (flThere && !S_ISREG(status.st_mode)) return std::string(Database) + " is no regular file";
+    if (flThere && status.st_size > DBM_FILE_MAX)
+        return std::string(Database) + " is larger than a queue database can be";
     flLost = false;
     if (Handle) DbTClose(Handle);
     Handle = DbTOpen(QueDb, DBT_NO_RELOAD | DBT_NO_WRITE);

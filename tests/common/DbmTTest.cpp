@@ -160,6 +160,29 @@ TEST(DbmT, SeesChangesOfOthers) {
 }
 
 // The key of a walk lies where the walk goes on.
+// What can't be read of a file isn't lost to a write: damage in the middle in either format, and a file that
+// is too large to be read, which costs a start no time.
+TEST(DbmT, FileThatIsReadInPartIsKept) {
+    for (int kind : {DBT_HEADERLESS, DBT_HEADER, DBT_NONE}) {
+        ToolDir tool;
+        WriteXdb(tool.Db("db"), kind == DBT_HEADER, {{"a", "1"}, {"b", "2"}, {"c", "3"}});
+        std::string bytes = ReadWhole(tool.Db("db"));
+        bytes[(kind == DBT_HEADER ? DBT_HEADER_SIZE : 0) + 7] = '\xff'; // in the length of the second record
+        if (kind == DBT_NONE) bytes.resize(DBM_FILE_MAX + 1);
+        tool.Write("db/db.xdb", bytes);
+        DbTHandle *handle = DbTOpen("db", 0);
+        EXPECT_EQ(Keys(handle), kind == DBT_NONE ? "(null)" : " a") << kind;
+        EXPECT_FALSE(fs::exists(tool.Path("db/db.xdb_damaged")));
+        EXPECT_EQ(Put(handle, "d", "4"), 1);
+        EXPECT_TRUE(ReadWhole(tool.Path("db/db.xdb_damaged")) == bytes) << kind;
+        fs::remove(tool.Path("db/db.xdb_damaged"));
+        EXPECT_EQ(Put(handle, "e", "5"), 1);
+        EXPECT_FALSE(fs::exists(tool.Path("db/db.xdb_damaged"))) << "the new one is whole";
+        EXPECT_EQ(Get(handle, "d") + Get(handle, "e"), "45");
+        DbTClose(handle);
+    }
+}
+
 TEST(DbmT, WalkedKeyHandedBack) {
     ToolDir tool;
     WriteXdb(tool.Db("que"), false, {{"aa", "1"}, {"bb", "2"}, {"cc", "3"}});

@@ -220,6 +220,19 @@ TEST(Dbm, DamagedFileIsKept) {
     EXPECT_FALSE(fs::exists(tool.Path("db/que.xdb_damaged")));
 }
 
+// Anybody may make one; a sparse one costs no room.
+TEST(Dbm, HugeFileIsLeftAlone) {
+    ToolDir tool;
+    ASSERT_EQ(Put("que", "k", "old"), 1);
+    fs::resize_file(tool.Db("que"), 3000000000);
+    Capture capture;
+    EXPECT_EQ(Get("que", "k"), "");
+    EXPECT_EQ(Put("que", "k", "new"), 0);
+    EXPECT_EQ(fs::file_size(tool.Db("que")), 3000000000u);
+    EXPECT_NE(capture.Err().find("db/que.xdb is larger than 16 MB: not read\nERROR: Can't write to que"),
+              std::string::npos);
+}
+
 // Puts long records for ever; a reader must find each of them whole.
 static void PutForEver() {
     for (char ch = 'a';; ch = ch == 'z' ? 'a' : static_cast<char>(ch + 1))
