@@ -29,6 +29,7 @@ void BeginProgram(const char *name) {
     InitProcess();
     FindToldEar();
     signal(SIGPIPE, SIG_IGN);
+    signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a write that fails, and is told
     umask(022);
 }
 

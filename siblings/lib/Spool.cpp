@@ -13,6 +13,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <ctime>
 #include <dirent.h>
 #include <fcntl.h>
 #include <pwd.h>
@@ -21,6 +22,7 @@
 #include <unistd.h>
 
 enum { QUE_MAX = 4 * 1024 * 1024, TICKET_MAX = 8192, NUMBER_MAX = 99999, DIRECTORY_MODE = 0755 };
+enum { NEW_NAME_LETTERS = 6, NEW_NAME_SECONDS = 60 };
 enum { TICKET_TITLE_MAX = 240, JOB_NAME_MAX = 200, COPY_SIZE = 65536 };
 
 static const char SpoolRoot[] = "/var/spool/Tarvo";
@@ -428,6 +430,25 @@ static void SweepJob(const std::string &directory, const std::string &name) {
     close(file);
 }
 
+// The new file beside ".q", ".status", ".last" or a control file, "NAME.XXXXXX", which a rename never
+// reached.
+static bool IsNewName(std::string_view name) {
+    static constexpr std::string_view Old[] = {".q", ".status", ".last"};
+    size_t dot = name.rfind('.');
+    if (dot == name.npos || name.size() - dot - 1 != NEW_NAME_LETTERS) return false;
+    name = name.substr(0, dot);
+    return std::find(std::begin(Old), std::end(Old), name) != std::end(Old) ||
+           (name.starts_with('c') && IsHostJob(name.substr(1)));
+}
+
+// Whoever writes one renames it within moments.
+static void SweepNew(const std::string &path) {
+    struct stat status;
+    bool flOld = !lstat(path.c_str(), &status) && S_ISREG(status.st_mode) &&
+                 time(nullptr) - status.st_mtime > NEW_NAME_SECONDS;
+    if (flOld) unlink(path.c_str());
+}
+
 void SpoolSweep(const std::string &directory) {
     DIR *entries = opendir(directory.c_str());
     if (!entries) return;
@@ -435,6 +456,8 @@ void SpoolSweep(const std::string &directory) {
         std::string_view name = entry->d_name;
         if (name.starts_with('d') && IsOwnJob(name.substr(1)))
             SweepJob(directory, std::string(name.substr(1)));
+        else if (IsNewName(name))
+            SweepNew(directory + "/" + entry->d_name);
     }
     closedir(entries);
 }

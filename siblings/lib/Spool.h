@@ -62,7 +62,8 @@ bool IsSpoolPrinting(const std::string &directory);
 // Moves the waiting jobs of such a queue to another directory, where they get new names.
 std::string SpoolMoveQueue(const std::string &from, const std::string &to, const std::string &queue);
 
-// Removes the data files that programs left which were killed while they copied.
+// Removes what programs left that were killed: data files half copied, and, once they are a minute old, new
+// files that were not renamed yet.
 void SpoolSweep(const std::string &directory);
 
 std::string TicketText(const JobTicket &ticket, std::string_view data);

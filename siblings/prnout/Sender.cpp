@@ -210,6 +210,7 @@ static void WatchAll(const std::string &directory) {
 std::string RunWatcher(const std::string &directory) {
     std::string error = SpoolOpen(directory, false);
     if (!error.empty()) return error;
+    SpoolSweep(directory);
     do {
         FileLock lock(directory + "/.watch", 0);
         if (!lock.IsHeld()) return Taken(directory);

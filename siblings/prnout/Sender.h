@@ -9,5 +9,6 @@
 // after it was delivered whole. Sweeps the spool first. PRNQ_RETRY tells the seconds between two tries (10).
 std::string RunSender(const std::string &directory);
 
-// Refreshes the picture every two seconds, or as PRNQ_WATCH tells; returns when no job waits.
+// Refreshes the picture every two seconds, or as PRNQ_WATCH tells; returns when no job waits. Sweeps first,
+// too.
 std::string RunWatcher(const std::string &directory);

@@ -42,8 +42,11 @@ static Names ReadWaiting() {
 static void WriteWaiting(const Names &names) {
     std::string text;
     for (const std::string &name : names) text += name + "\n";
-    std::string error = text.empty() ? "" : ReplaceFile(WaitingPath, text, WAITING_MODE);
-    if (text.empty()) unlink(WaitingPath);
+    std::string error = text.empty() ? "" : PrepareFile(WaitingPath, text, WAITING_MODE);
+    if (text.empty())
+        unlink(WaitingPath);
+    else if (error.empty())
+        error = CommitFile(WaitingPath);
     if (!error.empty()) TellUser("warning: " + error);
 }
 

@@ -353,11 +353,31 @@ class OnFile(Scenario, unittest.TestCase):
         self.out("-dq", self.tool.path + "/file.txt")
         self.assertEqual(printer.wait(1), [TEXT])
         self.assertTrue(until(lambda: data() == ["dA00001"]), data())
-        ptrace(PTRACE_CONT, copy.pid, 0, signal.SIGXFSZ)
-        self.assertEqual(copy.wait(), -signal.SIGXFSZ)
+        copy.kill()
+        self.assertEqual(copy.wait(), -signal.SIGKILL)
+        left = [self.spool(here) + "/" + name for name in (".q.a1b2C3", ".status.a1b2C3", ".last.a1b2C3", "c00062.a1b2C3")]
+        kept = [self.spool(here) + "/" + name for name in (".q.later1", "notes.a1b2C3", "c00062")]
+        for path in left + kept:
+            with open(path, "w"):
+                pass
+            if path != kept[0]:  # somebody may just be writing it
+                os.utime(path, (1, 1))
         self.out("-dq", self.tool.path + "/file.txt")
         self.assertEqual(printer.wait(2), [TEXT, TEXT])
         self.assertTrue(until(lambda: data() == []), data())
+        self.assertEqual([path for path in left + kept if os.path.exists(path)], kept)
+
+    def test_a_file_that_may_not_grow_is_told(self):
+        self.queue("q", free_port())
+        limit = lambda: resource.setrlimit(resource.RLIMIT_FSIZE, (100, 100))
+        before = self.tool.image()
+        for line, said in (("prnout -dq file.txt", "prnout: can't write .*/dA00001: File too large\n"),
+                           ("prnqtool q2 -ppd tv_a.ppd -pm psp -hn h2", "prnqtool: can't write .*: File too large\n")):
+            done = subprocess.run(line.replace("prn", "./prn", 1), shell=True, cwd=self.tool.path, env=self.tool.env, stderr=subprocess.PIPE,
+                                  text=True, preexec_fn=limit)
+            self.assertEqual(done.returncode, 1)
+            self.assertRegex(done.stderr, "\\A" + said + "\\Z")
+        self.assertEqual((self.waiting(), self.tool.image()), ([], before))
 
     def test_job_that_nobody_takes_can_be_removed(self):
         self.tool.write("big", bytes(20_000_000))
