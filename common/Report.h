@@ -3,6 +3,7 @@
 
 #include <cstdarg>
 #include <string>
+#include <string_view>
 
 enum { ERR_SILENT, ERR_WARN, ERR_FATAL }; // levels of ErrorMsg and of all that opens files
 
@@ -20,6 +21,10 @@ extern const char *my_name; // the program's name in messages and of its log; wr
 
 // The formatted text, of any length.
 [[gnu::format(printf, 1, 0)]] std::string FormatV(const char *format, va_list args);
+// The text as a terminal or a log may have it, of the same length: "?" for each byte of a control character
+// other than line feed and tab. What records, printers and files hold could else steer the terminal. Bytes
+// from 128 to 159 stand where they belong to a character in UTF-8.
+std::string ShowPlain(std::string_view text);
 // The number at the start of the text, 0 without one; beyond an int its limit. *end (may be null) is what
 // follows it.
 int ParseInt(const char *text, const char **end = nullptr, int base = 10);

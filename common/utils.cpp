@@ -250,7 +250,7 @@ FILE *OpenFile(FILE *close, const char *path, const char *mode, int level) {
     if (stream) return stream;
     if (level == ERR_WARN) {
         fflush(stdout);
-        fprintf(stderr, "ERROR: can't open file, %s\n", path ? path : "");
+        fprintf(stderr, "ERROR: can't open file, %s\n", ShowPlain(path ? path : "").c_str());
     }
     if (level == ERR_FATAL) SysError("can't open file, %s", path ? path : "");
     return nullptr;
@@ -536,7 +536,7 @@ void PutLogMsg(const char *format, ...) {
     std::string text = FormatV(format, args);
     va_end(args);
     pLogPath = "/tmp";
-    WriteLog((std::string(pLogPath) + "/" + my_name + ".log").c_str(), text);
+    WriteLog((std::string(pLogPath) + "/" + my_name + ".log").c_str(), ShowPlain(text));
     flInside = false;
 }
 

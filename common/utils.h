@@ -132,8 +132,9 @@ int GetFileContentR(const char *path, const char *name, char *buffer, size_t siz
 // 1 if the text was written and, unless 0, the file mode set; else 0 with a message on standard error.
 [[gnu::format(printf, 4, 5)]] int CreateTextFile(const char *path, const char *mode, int fileMode,
                                                  const char *format, ...);
-// Appends to /tmp/NAME.log while flUseLog is set; the first message of the process empties it. A log that is
-// a link, no regular file or not writable is left alone, with a message on standard error.
+// Appends the text, by ShowPlain, to /tmp/NAME.log while flUseLog is set; the first message of the process
+// empties it. A log that is a link, no regular file or not writable is left alone, with a message on standard
+// error.
 [[gnu::format(printf, 1, 2)]] void PutLogMsg(const char *format, ...);
 // True if a log at this path may be appended to; it is made if it is missing. The command road asks this
 // before it names the log in a redirection.

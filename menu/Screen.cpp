@@ -252,8 +252,8 @@ static char *ScreenRow(const ScreenRec *screen, int row) {
 // x from 0, y from 1.
 static void PutText(ScreenRec *screen, int x, int y, std::string_view text) {
     if (!screen->buffer || y < 1 || y > screen->height || x < 0 || x >= screen->width) return;
-    size_t room = static_cast<size_t>(screen->width - x);
-    memcpy(ScreenRow(screen, y - 1) + x, text.data(), std::min(room, text.size()));
+    std::string shown = ShowPlain(text.substr(0, static_cast<size_t>(screen->width - x)));
+    memcpy(ScreenRow(screen, y - 1) + x, shown.data(), shown.size());
 }
 
 void WriteString(ScreenRec *screen, const char *format, ...) {
@@ -306,7 +306,7 @@ static void PrintBoxLine(ScreenRec *screen, int line, const std::string &text) {
     int y = screen->overlayY + line;
     if (y < 1 || y > screen->height || x >= screen->width) return;
     MoveCursor(screen, x, y);
-    printf("%.*s", screen->width - x, text.c_str());
+    printf("%.*s", screen->width - x, ShowPlain(text).c_str());
     if (!TestCursor() || (line == 0 && y < screen->height)) putchar('\n');
 }
 

@@ -153,7 +153,8 @@ static int MeasureTitle(const TextMenu *menu) {
 }
 
 static void PrintTitle(const TextMenu *menu, int length) {
-    const char *title = menu->title ? menu->title : "";
+    std::string shown = ShowPlain(menu->title ? menu->title : "");
+    const char *title = shown.c_str();
     int room = std::max(0, MENU_WIDTH - length);
     switch (menu->titleMode) {
     case TITLE_CENTRE: printf("\f\n%*s%s\n\n", room / 2, "", title); break;
@@ -179,7 +180,8 @@ static void PrintPickValue(TextMenuItem *item) {
         fputs(" [ ]", stdout);
         return;
     }
-    printf(" [%i. %s]", static_cast<int>(item->value.i) + 1, choice[0] == '_' ? choice + 1 : choice);
+    std::string shown = ShowPlain(choice[0] == '_' ? choice + 1 : choice);
+    printf(" [%i. %s]", static_cast<int>(item->value.i) + 1, shown.c_str());
 }
 
 // The value 1 stands for the default of the device, not for its first choice.
@@ -203,7 +205,7 @@ static void PrintItemValue(TextMenuItem *item, int longest) {
     case ITEM_BITS: PrintBitsValue(item); break;
     case ITEM_INTEGER: printf(" [%i]", static_cast<int>(item->value.i)); break;
     case ITEM_FLOAT: printf(" [%.3f]", static_cast<double>(item->value.f)); break;
-    default: printf(" [%s]", item->value.s ? item->value.s : ""); break;
+    default: printf(" [%s]", ShowPlain(item->value.s ? item->value.s : "").c_str()); break;
     }
 }
 
@@ -237,7 +239,7 @@ static void BreakBarRow(BarRow *row) {
 static void PrintBarCell(BarRow *row, const TextMenuItem *item) {
     int flLong = item->length > row->width - LABEL_KEY - 1;
     if (row->used + item->length > MENU_WIDTH || (row->used > 0 && flLong)) BreakBarRow(row);
-    fputs(GetBarCell(item, row->width).c_str(), stdout);
+    fputs(ShowPlain(GetBarCell(item, row->width)).c_str(), stdout);
     row->used += row->width;
     if (item->length > row->width - row->columns) BreakBarRow(row);
 }
@@ -262,7 +264,7 @@ TextMenuItem *PrintMenuBarItem(TextMenuItem *bar, int type, int *index, int *num
 
 static void PrintLabel(const TextMenuItem *item, const char *label) {
     if (item->type > ITEM_BAR) fputs(GetItemKey(item).c_str(), stdout);
-    printf("%s ", label);
+    printf("%s ", ShowPlain(label).c_str());
 }
 
 // Prints one item, or a bar with all items behind it. 0 if there is nothing to show.
@@ -452,7 +454,7 @@ static int ProcessEntry(TextMenu *menu, int index, const char *option) {
     TextMenuItem *item = &menu->items[index];
     std::string entry = option;
     if (entry.empty()) {
-        printf("%s: ", item->prompt ? item->prompt : GetLabel(item));
+        printf("%s: ", ShowPlain(item->prompt ? item->prompt : GetLabel(item)).c_str());
         if (!Gets(LineBuf, LINEBUF_SIZE) || LineBuf[0] == '\0') return 0;
         entry = LineBuf;
     }

@@ -41,7 +41,7 @@ int PromptYN(const char *format, ...) {
     // Made once: the arguments may lie in LineBuf, which the answers overwrite.
     va_list args;
     va_start(args, format);
-    std::string question = FormatV(format, args) + "? [y/n] ";
+    std::string question = ShowPlain(FormatV(format, args)) + "? [y/n] ";
     va_end(args);
     do {
         fputs(question.c_str(), stdout);
@@ -53,7 +53,7 @@ int PromptYN(const char *format, ...) {
 // A buffer takes a whole line out of the input even where it keeps less, so that the rest is no answer to
 // the next question.
 char *PromptUser(const char *prompt, char *buffer, size_t capacity) {
-    fputs(prompt, stdout);
+    fputs(ShowPlain(prompt).c_str(), stdout);
     char line[PROMPT_LINE];
     if (!Gets(line, buffer ? PROMPT_LINE : PROMPT_COPY)) line[0] = '\0';
     if (!buffer) return SaveStr_(line);
@@ -64,7 +64,7 @@ char *PromptUser(const char *prompt, char *buffer, size_t capacity) {
 void PostMsg(const char *format, ...) {
     va_list args;
     va_start(args, format);
-    vprintf(format, args);
+    fputs(ShowPlain(FormatV(format, args)).c_str(), stdout);
     va_end(args);
     Nlsfprintf(stdout, pDrvCoreDB, NLS_TTY_SET, TXT_CONTINUE);
     Gets(LineBuf, LINEBUF_SIZE);

@@ -4,6 +4,7 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
+#include "common/Report.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "print/PrdCommonUtils.h"
@@ -34,7 +35,7 @@ int AskQueueTty(int prompt, const char *what, char *name) {
         PostMsg("There have been no queues created yet. Use the Add queue menu selection first.\n");
         return 0;
     }
-    fputs(pExistingTarvoPrinterList, stdout);
+    fputs(ShowPlain(pExistingTarvoPrinterList).c_str(), stdout);
     std::string answer = AskTty(prompt);
     if (answer.empty()) return 0;
     const char *text = answer.c_str();
@@ -72,7 +73,7 @@ void ShowToldTty(const std::string &told) {
     if (isatty(STDIN_FILENO))
         PostMsg("%s\n", told.c_str());
     else
-        printf("%s\n", told.c_str());
+        printf("%s\n", ShowPlain(told).c_str());
 }
 
 void RunQueLineTty(const std::string &line) {

@@ -48,7 +48,7 @@ void PutLog(std::string_view line) {
                     O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
     if (file < 0) return;
     if (!fstat(file, &status) && S_ISREG(status.st_mode) && status.st_nlink == 1) {
-        std::string text = std::string(line) + "\n";
+        std::string text = ShowPlain(line) + "\n";
         // A log that can't grow stops nothing.
         if (write(file, text.data(), text.size()) < 0) LogPath.clear();
     }
@@ -56,8 +56,9 @@ void PutLog(std::string_view line) {
 }
 
 void TellUser(std::string text) {
+    text = ShowPlain(text);
     for (char &byte : text)
-        if (static_cast<unsigned char>(byte) < ' ' || byte == 127) byte = '?';
+        if (byte == '\n' || byte == '\t') byte = '?';
     TellCaller(text);
     text.insert(0, std::string(my_name) + ": ");
     fprintf(stderr, "%s\n", text.c_str());

@@ -105,6 +105,20 @@ static void RunPlainLine(int mode, int result) {
     if (spy.lines != std::vector<std::string>{"do 100%", "/usr/bin/sleep 1"}) exit(99);
 }
 
+TEST(Reporting, ControlsAreShownAsQuestionMarks) {
+    static const struct {
+        std::string text, shown;
+    } Cases[] = {
+        {"a\tb\n", "a\tb\n"},
+        {"\x1b]0;x\x07\r\f\x7f", "?]0;x????"},
+        {"\u00e4\u20ac\U0001F5A8", "\u00e4\u20ac\U0001F5A8"}, // with bytes from 128 to 159 behind the first
+        {"\xe4\xa0\xff", "\xe4\xa0\xff"},                     // Latin 1
+        {"\u009b2J\u0085", "??2J??"},
+        {"\x9b\xe2\x82", "?\xe2?"}, // cut in the middle
+        {std::string("a\0b", 3), "a?b"}};
+    for (const auto &[text, shown] : Cases) EXPECT_EQ(ShowPlain(text), shown);
+}
+
 TEST(Reporting, TextsAndEnds) {
     const std::string no = "can't open file, /no/%s";
     struct Case {

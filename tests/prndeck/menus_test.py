@@ -118,6 +118,21 @@ class Flows(unittest.TestCase):
             self.play("2\nq1\n" + ("8\n" if record else "\n") + "3\nq1\n" + ("8\n" if record else "\n") + "6\n")
             self.assertFalse((self.tool.path / "x").exists())
 
+    def test_nothing_steers_the_terminal_or_the_log(self):
+        """Records are everybody's, files and names others'."""
+        evil = "\x1b]0;own\x07\x9b2J\x7f\x08\r"
+        self.tool.que({"q1": "q1 pr l%sp p%s.ppd 1 1 1 1 0 1 \0" % (evil, evil), "q1 **banner": ".h1 30 Room%s\n\0" % evil,
+                       "pr count": "\1\0\0\0ho%sst lp\0" % evil})
+        self.tool.queues("q1", "ot%sher" % evil.replace("\r", ""))
+        log = "/tmp/prndeck.log"
+        out = self.tool.run("-tty", script="2\nq1\n5\n10\n8\n3\nq1\n8\n4\nzz%s\ny\n\n6\n" % evil[:-1], TERM="dumb")
+        self.assertIn("ho?]0;own??2J???st using l?]0;own??2J??", out[1])
+        self.assertIn("Room?]0;own??2J", out[1])
+        self.assertRegex("".join(out[1:]), r"\A[^\x00-\x08\x0b\x0d-\x1f\x7f-\x9f]*\Z")
+        if os.path.exists(log):
+            with open(log, encoding="latin-1") as text:
+                self.assertRegex(text.read(), r"\A[^\x00-\x08\x0b-\x1f\x7f-\x9f]*\Z")
+
     # ---- Copy
 
     def test_copy_of_each_type(self):
