@@ -481,15 +481,27 @@ int CreateTextFile(const char *path, const char *mode, int fileMode, const char 
     return flWritten;
 }
 
-// Opens the log for appending, never through a link, a pipe or a second name of a foreign file. O_CREAT
-// stands here because the shell's ">>" has it too, and some hosts refuse just that in a world-writable
-// directory.
+// A file of root or of our own in a sticky directory stays what it is: nobody else can remove or rename it.
+static bool IsFirmPlace(const char *path) {
+    struct stat info;
+    std::string directory(path, static_cast<size_t>(LastComponent(path) - path));
+    if (stat(directory.c_str(), &info) != 0) return false;
+    return (info.st_mode & S_ISVTX) || !(info.st_mode & (S_IWGRP | S_IWOTH));
+}
+
+bool IsOwnLog(const struct stat &info) {
+    return S_ISREG(info.st_mode) && info.st_nlink == 1 && (info.st_uid == 0 || info.st_uid == geteuid());
+}
+
+// Opens the log for appending, never through a link, a pipe or a second name of a foreign file, and never one
+// that somebody else could swap before the shell opens it by its name. O_CREAT stands here because the
+// shell's ">>" has it too, and some hosts refuse just that in a world-writable directory.
 static int OpenLogFile(const char *path) {
     int flags = O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
-    int descriptor = open(path, flags, LOG_MODE);
+    int descriptor = IsFirmPlace(path) ? open(path, flags, LOG_MODE) : -1;
     struct stat info;
     if (descriptor < 0) return -1;
-    if (fstat(descriptor, &info) == 0 && S_ISREG(info.st_mode) && info.st_nlink == 1) return descriptor;
+    if (fstat(descriptor, &info) == 0 && IsOwnLog(info)) return descriptor;
     close(descriptor);
     return -1;
 }
@@ -502,6 +514,7 @@ bool TestLogFile(const char *path) {
 
 // The name is taken first: touch and chmod would follow a link that somebody sets up in between.
 static void CreateLogFile(const char *path) {
+    if (!IsFirmPlace(path)) return;
     int descriptor = open(path, O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, LOG_MODE);
     if (descriptor < 0) return;
     close(descriptor);

@@ -13,6 +13,7 @@
 #include <ctime>
 #include <dirent.h>
 #include <string>
+#include <sys/stat.h>
 #include <sys/types.h>
 
 // No text at all, or an empty one.
@@ -133,12 +134,15 @@ int GetFileContentR(const char *path, const char *name, char *buffer, size_t siz
 [[gnu::format(printf, 4, 5)]] int CreateTextFile(const char *path, const char *mode, int fileMode,
                                                  const char *format, ...);
 // Appends the text, by ShowPlain, to /tmp/NAME.log while flUseLog is set; the first message of the process
-// empties it. A log that is a link, no regular file or not writable is left alone, with a message on standard
-// error.
+// empties it. A log that is a link, no regular file, another user's (but root's) or not writable is left
+// alone, with a message on standard error; so is any in a directory where others may put another one in its
+// place.
 [[gnu::format(printf, 1, 2)]] void PutLogMsg(const char *format, ...);
 // True if a log at this path may be appended to; it is made if it is missing. The command road asks this
 // before it names the log in a redirection.
 bool TestLogFile(const char *path);
+// True for what an open log must be: a regular file of one name, root's or our own.
+bool IsOwnLog(const struct stat &info);
 
 // ---- The process and its host
 

@@ -47,7 +47,7 @@ void PutLog(std::string_view line) {
     int file = open(LogPath.c_str(),
                     O_WRONLY | O_APPEND | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
     if (file < 0) return;
-    if (!fstat(file, &status) && S_ISREG(status.st_mode) && status.st_nlink == 1) {
+    if (!fstat(file, &status) && IsOwnLog(status)) {
         std::string text = ShowPlain(line) + "\n";
         // A log that can't grow stops nothing.
         if (write(file, text.data(), text.size()) < 0) LogPath.clear();

@@ -37,8 +37,9 @@ void RestartRunLimit();
 // First line of what a command complained about, in words for the user; never empty.
 std::string ComplaintOf(const Ran &ran);
 
-// The log of this run is /tmp/NAME.log; nothing is written until a name is told. A link, or anything but a
-// regular file with one name, is left alone. Answers an empty text, or what is wrong with the name.
+// The log of this run is /tmp/NAME.log; nothing is written until a name is told. A link, another user's
+// file (but root's), or anything but a regular file with one name, is left alone. Answers an empty text, or
+// what is wrong with the name.
 std::string SetLogName(std::string_view name);
 void PutLog(std::string_view line);
 

@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -169,19 +170,32 @@ TEST_F(Log, StartsAnewInEachProcess) {
     }
 }
 
+static int PutForeignLog(const char *path) {
+    enum { NOBODY = 65534 };
+    int file = open(path, O_WRONLY | O_CREAT, 0666);
+    if (file < 0 || fchmod(file, 0666) != 0) return -1;
+    int status = geteuid() == 0 ? fchown(file, NOBODY, NOBODY) : fchmod(file, 0);
+    close(file);
+    return status;
+}
+
 TEST_F(Log, LeavesForeignFilesWhole) {
     Scratch scratch;
     const std::string target = scratch.Write("target", "precious"), missing = scratch.Path("missing");
     std::function<int()> tricks[] = {[&] { return symlink(target.c_str(), path.c_str()); },
                                      [&] { return symlink(missing.c_str(), path.c_str()); },
                                      [&] { return link(target.c_str(), path.c_str()); },
-                                     [&] { return mkfifo(path.c_str(), 0666); }};
+                                     [&] { return mkfifo(path.c_str(), 0666); },
+                                     // The owner could swap it for a link before the shell opens it.
+                                     [&] { return PutForeignLog(path.c_str()); }};
     for (const auto &trick : tricks) {
         ASSERT_EQ(trick(), 0) << strerror(errno);
+        long size = GetFileSize(path.c_str());
         ChildEnd end = RunForked([] { PutLogMsg("x\n"); });
         EXPECT_EQ(end.err, "ERROR: couldn't open " + path + "\n") << &trick - tricks;
         EXPECT_FALSE(TestLogFile(path.c_str())) << &trick - tricks;
         EXPECT_EQ(ReadWhole(target), "precious") << &trick - tricks;
+        EXPECT_EQ(GetFileSize(path.c_str()), size) << &trick - tricks;
         EXPECT_EQ(GetFileType(missing.c_str()), TYPE_MISSING) << &trick - tricks;
         remove(path.c_str());
     }
