@@ -240,8 +240,31 @@ char *FileSearch(const char *path, const char *text, int level) {
 
 // ---- Opening
 
+// The descriptor, or -1; a pipe, which anybody may have put there, isn't waited for.
+static int OpenPlain(const char *path, int flags) {
+    struct stat info;
+    int descriptor = open(path, flags | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    if (descriptor < 0) return -1;
+    bool flPlain = fstat(descriptor, &info) == 0 && !S_ISFIFO(info.st_mode);
+    if (flPlain && fcntl(descriptor, F_SETFL, fcntl(descriptor, F_GETFL) & ~O_NONBLOCK) == 0)
+        return descriptor;
+    close(descriptor);
+    errno = ENXIO;
+    return -1;
+}
+
+static int StreamFlags(const char *mode) {
+    int flags = strchr(mode, '+') ? O_RDWR : *mode == 'r' ? O_RDONLY : O_WRONLY;
+    if (*mode == 'w') flags |= O_CREAT | O_TRUNC;
+    if (*mode == 'a') flags |= O_CREAT | O_APPEND;
+    return flags;
+}
+
 static FILE *OpenStream(const char *path, const char *mode) {
-    return path ? fopen(path, (std::string(mode) + "e").c_str()) : nullptr;
+    int descriptor = path ? OpenPlain(path, StreamFlags(mode)) : -1;
+    FILE *stream = descriptor >= 0 ? fdopen(descriptor, mode) : nullptr;
+    if (!stream && descriptor >= 0) close(descriptor);
+    return stream;
 }
 
 FILE *OpenFile(FILE *close, const char *path, const char *mode, int level) {
@@ -446,7 +469,7 @@ static char *ReadAll(int descriptor, size_t guess, size_t *size) {
 
 char *GetSavedFileContent(const char *path, const char *name) {
     SavedFileSize = 0;
-    int descriptor = open(JoinPath(path, name).c_str(), O_RDONLY | O_CLOEXEC);
+    int descriptor = OpenPlain(JoinPath(path, name).c_str(), O_RDONLY);
     if (descriptor < 0) return nullptr;
     struct stat info;
     size_t guess = fstat(descriptor, &info) == 0 && info.st_size > 0 ? static_cast<size_t>(info.st_size) : 0;

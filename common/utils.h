@@ -88,7 +88,8 @@ int GetFileType(const char *path);
 char *FileSearch(const char *path, const char *text, int level);
 
 // ---- Opening
-// No stream or descriptor made here is inherited by a child.
+// No stream or descriptor made here is inherited by a child. A pipe can't be opened, so that none is waited
+// for; but OpenRawFile takes one.
 
 // Closes the first argument, unless null, and opens the path; null on failure, then ERR_WARN prints
 // "ERROR: can't open file, PATH". Ends: on ERR_FATAL, through SysError.

@@ -79,6 +79,17 @@ TEST(Reading, FileLines) {
     EXPECT_EQ(GetFileTextLine(" \t\n"), 0);
 }
 
+// Anybody may have made one where a file of settings is looked for: nothing waits for its other end.
+TEST(Reading, PipesAreNotWaitedFor) {
+    Scratch scratch;
+    const std::string path = scratch.Path("pipe");
+    ASSERT_EQ(mkfifo(path.c_str(), 0666), 0);
+    EXPECT_EQ(GetFileContent(path.c_str(), nullptr) + OpenInputFile(path.c_str(), ERR_SILENT), 0);
+    EXPECT_EQ(GetSavedFileContent(path.c_str(), nullptr), nullptr);
+    for (const char *mode : {"r", "rt", "r+", "wt", "a"})
+        EXPECT_EQ(OpenFile(nullptr, path.c_str(), mode, ERR_SILENT), nullptr) << mode;
+}
+
 TEST(Making, RealFiles) {
     Scratch scratch;
     const std::string dir = scratch.Path("a/it's $HOME"), file = dir + "/\"q\" `id`", text = dir + "/t";
