@@ -14,9 +14,11 @@
 // could not be read at all, it is kept as NAME.xdb_damaged. A record without a whole key is kept but never
 // found.
 //
-// Null arguments: 0 or null, or nothing done.
-// Uses: one scratch buffer for plain records, shared by all handles: a walked key is good until the next
-// call.
+// Null arguments: 0 or null, or nothing done. Sizes and capacities are bytes.
+// Uses: one scratch buffer for plain records, shared by all handles. A walked key lies in it: it is good
+// until the next call of this layer with whatever handle, but may be handed back to that call. Between two
+// steps of a walk nothing may reload or change the image, so read with DBT_NO_RELOAD or take what is needed
+// first.
 #pragma once
 
 #include "common/Dbm.h"
@@ -45,11 +47,12 @@ struct DbTHandle {
 struct DbTWalk {
     uint16_t L;
     uint16_t K;
-    char *key; // headerless: in the scratch buffer; null in the header format
+    char *key; // headerless: in the scratch buffer, with its NUL if it is a whole key; null in the header
+               // format
 };
 
-// Owns: DbTClose. A name that starts with '/' is a path, ".xdb" is appended if it holds no '.'; one that
-// starts with
+// Owns: DbTClose. Null for a null name and without memory; else a handle, be there a file or not. A name that
+// starts with '/' is a path, ".xdb" is appended if it holds no '.'; one that starts with
 // '.' is a path as it stands; any other is pToolPath/db/NAME.xdb, and only such a database can be written.
 [[nodiscard]] DbTHandle *DbTOpen(const char *name, int flags);
 void DbTClose(DbTHandle *handle); // writes nothing
@@ -58,7 +61,8 @@ void DbTClose(DbTHandle *handle); // writes nothing
 // DBT_NONE. The first attempt names it and the reason on standard error.
 void DbTUpDate(DbTHandle *handle);
 void DbTSetDbType(DbTHandle *handle, int type); // and the swap flag with it
-// The next record, null at the end; index 0 starts over. The cursor stands at the key in the header format.
+// The next record, null at the end; index 0 starts over. Asks nothing of the file. The cursor stands at the
+// key in the header format.
 DbTWalk *WalkDbTRecords(DbTHandle *handle, DbTWalk *walked, int index);
 // 1 if found, with the cursor at the data in the header format. The first record of a key counts; "" finds
 // nothing.

@@ -36,10 +36,13 @@ char *GetDesiredNLSLang();
 // where a token might start; '=' stands for itself only there; a backslash is an ordinary character; all of
 // the file is consumed.
 [[nodiscard]] char *ParseTransFile(const char *name);
-// The text of a number (mode 0), of any length (mode 3, which leaves out alone), or of a free key (modes 1,
-// 2). With out: stored there, cut to the capacity, and out is the result; without: Owns: the result. Modes 0
-// to 2 cut at 2047 characters. Without a handle, and with 0 for a number or no key, the text is "Error",
-// which PutMem leaves alone.
+// The text of a number (mode 0), of any length (mode 3), or of a free key (modes 1, 2); the key itself if
+// there is none, also for a null handle. Modes 0 to 2 cut at 2047 characters. Whose the result is:
+//   with out and a capacity, modes 0 to 2   the caller's: it is out, which holds the text cut to the capacity
+//   without, and always for mode 3          Owns: the result; mode 3 leaves out alone
+//   nothing to ask for, without out         nobody's: the constant "Error", which PutMem leaves alone
+// Nothing to ask for is: a null key, or a null handle and 0 for the set or the number; out then holds
+// "Error".
 char *NlsFetchString(DbTHandle *handle, char *out, size_t capacity, int mode, int set, int number);
 char *NlsFetchString(DbTHandle *handle, char *out, size_t capacity, int mode, const char *key);
 

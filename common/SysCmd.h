@@ -5,6 +5,11 @@
 // "ERROR: unable to locate system command 'NAME'". Rows 0 and 1 stand for a complete line of the caller's.
 // Every value in a line goes through ShArg once, whatever the row: the second layer of quotes that the shell
 // wrapper of SysCmd needs is its own affair. A line is text, never a format: SysCmd(1, 0, "%s", line).
+//
+// Neither road tells whether a command that ran did its work: a failed one leaves 0 or no lines, as one does
+// that had nothing to say. Who must know lets mode 2 end the program, looks at what the command should have
+// done, or lets the line speak: GetCmdResponse(CMD_QUIET, "done", "%s && echo done", line). prnqtool speaks
+// through Told.h. Times are in seconds. A format must not be null; other nulls are told where they may stand.
 #pragma once
 
 #include <array>
@@ -157,7 +162,8 @@ int TestCmd(int row); // 1 for a row of 2 or more with a known path
 //   mode 0  output thrown away, never logged
 //   mode 1  output into the log, a dot on standard output, a failure noted in the log
 //   mode 2  the same, but a failure is printed and ends the program
-// Returns 0 or errno as system left it, which is 0 for a command that ran and failed. Sleeps the row's delay.
+// Returns 0, or the errno that kept the shell from being started; a command that ran and failed gives 0, too.
+// Sleeps the row's delay.
 // Ends: without the command (status 0); in mode 2 on failure (status 1).
 [[gnu::format(printf, 3, 4)]] int SysCmd(int row, int mode, const char *format, ...);
 // The lines of a command that hold the filter, or all for a null or empty one, in order; null for none or if
@@ -184,7 +190,7 @@ int KillProcessByName(const char *name);   // SIGKILL to each; sleeps a second, 
 [[nodiscard]] char *
 GetSysPkgList(const char *filter); // " a b " of the packages with the filter in their line
 // 1 with the amount under the heading of df that begins with "avail", in the units of df; 0 without one, as
-// for every df that does not know the option -b.
+// for every df that does not know the option -b. The record must not be null.
 int GetDiskSpace(const char *path, DiskRecord *record);
 // 1 if the directory, or the nearest parent that df answers for, has room; a file that is to be replaced
 // there (may be null) counts as room.

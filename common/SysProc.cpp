@@ -96,6 +96,7 @@ static int ReadDiskRecord(const ResponseNode *lines, DiskRecord *record) {
 
 int GetDiskSpace(const char *path, DiskRecord *record) {
     record->available = 0;
+    if (IsEmpty(path)) return 0;
     ResponseNode *lines = GetCmdResponse(CMD_DF, nullptr, "%s", ShArg(path).c_str());
     int result = ReadDiskRecord(lines, record);
     FreeResponseList(lines);

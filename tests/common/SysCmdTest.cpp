@@ -157,7 +157,9 @@ TEST_F(Commands, WithoutANameNothingIsFound) {
         SystemSpy spy;
         for (const char *none : {static_cast<const char *>(nullptr), ""}) {
             if (GetSysPsIdList(none) || CheckProcTableForExecs(none) || DUPath(none) != 0) exit(1);
-            if (AvailSpace(none, nullptr, 0) || KillProcessByName(none)) exit(2);
+            DiskRecord record;
+            if (GetDiskSpace(none, &record) || AvailSpace(none, nullptr, 0) || KillProcessByName(none))
+                exit(2);
             DeleteFile("/tmp", none); // would name the directory
             RenameFile("/tmp", "", none);
         }
