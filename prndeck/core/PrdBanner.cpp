@@ -1,7 +1,6 @@
 // Banner titles: reader and writer of the text.
 #include "prndeck/core/PrdBanner.h"
 
-#include "common/SysFile.h"
 #include "common/Token.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
@@ -58,14 +57,13 @@ static bool WriteBannerFile(const char *text) {
 
 int PutBannerFile(const char *text) {
     if (*text && WriteBannerFile(text)) return 1;
-    DeleteFile(pToolPath, BannerFile);
-    return !*text;
+    return DeleteWorkFile(BannerFile) && !*text;
 }
 
 std::string PutDefaultBanner(const char *text) {
     std::string told;
     RunQueLine(MakeDefaultBannerLine(*text), &told);
-    DeleteFile(pToolPath, BannerFile);
+    DeleteWorkFile(BannerFile);
     return told;
 }
 

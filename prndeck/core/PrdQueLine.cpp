@@ -11,6 +11,7 @@
 
 #include <cstdio>
 #include <string_view>
+#include <unistd.h>
 
 static constexpr char Prefix[] = "prn"; // of the family's programs
 static constexpr char Interface[] = "pnxx";
@@ -151,9 +152,15 @@ int TestToolFile(const char *name) {
     return FindFile(pToolPath, name);
 }
 
+int DeleteWorkFile(const char *name) {
+    // The host's command would end the program where it can't remove the file.
+    if (access(pToolPath, W_OK) == 0) DeleteFile(pToolPath, name);
+    return !TestToolFile(name);
+}
+
 void DeleteWorkFiles() {
-    DeleteFile(pToolPath, SettingsFile);
-    DeleteFile(pToolPath, BannerFile);
+    DeleteWorkFile(SettingsFile);
+    DeleteWorkFile(BannerFile);
 }
 
 int PutSettingsFile(QueRecord *record) {

@@ -77,6 +77,7 @@ QuePlace GetQuePlace(const QueRecord *record);
 extern const char SettingsFile[]; // the feature settings of the queue at hand
 extern const char BannerFile[];   // its banner lines
 int TestToolFile(const char *name);
+int DeleteWorkFile(const char *name); // 1 if it is gone
 void DeleteWorkFiles();
 // Moves the settings of a record to ".settings", if it has any; 0 if they can't be written, behind a message
 // on standard error.

@@ -7,6 +7,7 @@
 #include "common/Report.h"
 #include "common/SysCmd.h"
 #include "common/Token.h"
+#include "common/utils.h"
 #include "print/PrdCommonUtils.h"
 #include "print/QueHost.h"
 
@@ -74,6 +75,12 @@ void ShowToldTty(const std::string &told) {
         PostMsg("%s\n", told.c_str());
     else
         printf("%s\n", ShowPlain(told).c_str());
+}
+
+void ShowUnwrittenTty(const char *file) {
+    std::string path = std::string(pToolPath) + "/" + file;
+    std::string text = NlsText(pDrvCoreDB, SET_MESSAGES, MSG_UNWRITTEN);
+    ShowToldTty(NlsFmt(text.c_str(), "s", path.c_str()));
 }
 
 void RunQueLineTty(const std::string &line) {

@@ -134,8 +134,8 @@ int SetupTty(TextMenu *menu, TextMenuItem *item);
 int SavePrinter(TextMenu *menu, TextMenuItem *item);
 
 int ModifyQueTty(TextMenu *menu, TextMenuItem *item);
-int InitModifyQueMenu(TextMenu *menu);
-void SetQueSettingsTty(const char *name);
+int InitModifyQueMenu(TextMenu *menu);   // 1, with the message, if the work files can't be written
+int SetQueSettingsTty(const char *name); // 0 if its settings can't be written to their work file
 int ModifySetupTty(TextMenu *menu, TextMenuItem *item);
 int ApplyModifySettingsTty(TextMenu *menu, TextMenuItem *item);
 
@@ -158,6 +158,9 @@ int TestHostTty(const char *host);
 void RunQueLineTty(const std::string &line);
 // Shows what prnqtool told, if anything: a terminal waits for a line behind it, input from elsewhere goes on.
 void ShowToldTty(const std::string &told);
+// The same for a work file that can't be written.
+enum { MSG_UNWRITTEN = 131 };
+void ShowUnwrittenTty(const char *file);
 // The text of an item, empty if it has none.
 const char *GetItemText(const TextMenuItem *items, int index);
 int GetItemChoice(const TextMenuItem *items, int index);

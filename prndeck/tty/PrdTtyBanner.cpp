@@ -13,6 +13,7 @@
 #include <cstring>
 
 char BannerLine[BANNER_TEXT];
+int flTitlesLostTty;
 
 // Three times a title and its size: items of one of them.
 enum { BM_TITLE = BM_TITLE_1, BM_SIZE = BM_SIZE_1, BM_ROW = BM_TITLE_2 - BM_TITLE_1 };
@@ -136,7 +137,11 @@ static std::string GetBannerItems(const TextMenuItem *items) {
 int SaveBannerInfoTty(TextMenu *menu, TextMenuItem *) {
     std::string text = GetBannerItems(menu->items);
     snprintf(BannerLine, sizeof BannerLine, "%s", text.c_str());
-    PutBannerFile(BannerLine);
+    flTitlesLostTty = !PutBannerFile(BannerLine);
+    if (flTitlesLostTty) {
+        ShowUnwrittenTty(BannerFile);
+        return 1;
+    }
     if (menu->items[BM_AS_DEFAULT].value.i) ShowToldTty(PutDefaultBanner(BannerLine));
     return 0;
 }
@@ -151,9 +156,10 @@ int RestoreBannerInfoTty(TextMenu *menu, TextMenuItem *) {
     return 0;
 }
 
-void GetBannerInfoTty(const char *queue) {
+int GetBannerInfoTty(const char *queue) {
+    flTitlesLostTty = 0;
     if (queue && GetQueDbText(QueOwnBannerKey(queue).c_str(), BannerLine, sizeof BannerLine))
-        PutBannerFile(BannerLine);
-    else
-        GetQueDbText(QueBannerKey, BannerLine, sizeof BannerLine);
+        return PutBannerFile(BannerLine);
+    GetQueDbText(QueBannerKey, BannerLine, sizeof BannerLine);
+    return 1;
 }

@@ -82,22 +82,26 @@ TextMenu ModifyQueMenu = {.title = "Modify Queue",
                           .nlsTitle = 52,
                           .titleMode = TITLE_CENTRE,
                           .parent = &MainMenu,
-                          .initCallback = InitModifyQueMenu,
                           .items = ModifyQueMenuItems,
                           .flags = MENU_NO_LEAVE | MENU_HELP};
 
 int ModifyQueTty(TextMenu *, TextMenuItem *) {
     if (!AskQueueTty(TTY_MODIFY_PROMPT, "Modification", pModifyQueName)) return 0;
-    RunMenu(&ModifyQueMenu, nullptr, 1);
+    if (InitModifyQueMenu(&ModifyQueMenu) == 0) RunMenu(&ModifyQueMenu, nullptr, 1);
     InitMainMenu(&MainMenu);
     return 0;
 }
 
+// Apply takes a work file that isn't there for titles or settings that were removed: without them the menu
+// doesn't open.
 int InitModifyQueMenu(TextMenu *) {
-    DeleteWorkFiles();
-    SetQueSettingsTty(pModifyQueName);
-    GetBannerInfoTty(pModifyQueName);
-    return 0;
+    const char *unwritten = nullptr;
+    if (!DeleteWorkFile(SettingsFile) || !SetQueSettingsTty(pModifyQueName)) unwritten = SettingsFile;
+    if (!DeleteWorkFile(BannerFile) || !GetBannerInfoTty(pModifyQueName)) unwritten = BannerFile;
+    if (!unwritten) return 0;
+    DeleteWorkFiles(); // one may hold a part
+    ShowUnwrittenTty(unwritten);
+    return 1;
 }
 
 // ---- The queue as it stands
@@ -129,9 +133,9 @@ static void SetQueLabels(const char *name) {
     SetPlaceLabels(GetQuePlace(&MPS_tty));
 }
 
-void SetQueSettingsTty(const char *name) {
+int SetQueSettingsTty(const char *name) {
     GetQueDbEntry(&MPS_tty, name);
-    PutSettingsFile(&MPS_tty);
+    int written = PutSettingsFile(&MPS_tty);
     TextMenuItem *items = ModifyQueMenuItems;
     items[MOD_DEFAULT].initial.i = TestDefaultQueue(name);
     items[MOD_INTERFACE].initial.i = MPS_tty.userInterface != 0;
@@ -139,6 +143,7 @@ void SetQueSettingsTty(const char *name) {
     items[MOD_BANNER].initial.i = MPS_tty.banner != 0;
     PrinterModelTty = FindToken(MPS_tty.ppdFile, PpdList);
     SetQueLabels(name);
+    return written;
 }
 
 // ---- Callbacks
@@ -150,6 +155,10 @@ int ModifySetupTty(TextMenu *menu, TextMenuItem *) {
 }
 
 int ApplyModifySettingsTty(TextMenu *menu, TextMenuItem *) {
+    if (flTitlesLostTty) {
+        ShowUnwrittenTty(BannerFile);
+        return 1;
+    }
     MPS_tty.userInterface = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_INTERFACE));
     MPS_tty.features = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_FEATURES));
     MPS_tty.banner = static_cast<unsigned char>(GetItemChoice(menu->items, MOD_BANNER));

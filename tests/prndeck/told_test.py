@@ -109,6 +109,40 @@ class Told(unittest.TestCase):
         cups.start()
         self.assertEqual(set(cups.queues()), {"kept"})
 
+    def test_work_files_that_cannot_be_written(self):
+        """A change without them would take titles and settings for removed: the menu doesn't open, or Apply refuses."""
+        self.own_store()
+        for name, text in ((".settings", "PageSize=A4\n"), (".bsettings", ".h1 20 Room\n")):
+            with open(self.path + "/" + name, "w") as out:
+                out.write(text)
+            tail = ["-fs", ".settings"] if name == ".settings" else ["-bp", "-bps", ".bsettings"]
+            done = subprocess.run([self.path + "/prnqtool", name[1:], "-ppd", "tv_c410.ppd", "-pm", "wp", "-hn", "h", *tail], env=self.env)
+            self.assertEqual(done.returncode, 0)
+            os.unlink(self.path + "/" + name)
+        if subprocess.run(["mount", "--bind", self.path, self.path], capture_output=True).returncode:
+            self.skipTest("can't mount a directory read-only here")
+        self.addCleanup(subprocess.run, ["umount", "-l", self.path])
+        mount = lambda how: subprocess.run(["mount", "-o", "remount,bind," + how, self.path], check=True)
+        before = read_records(self.path + "/db/que.xdb")
+        mount("ro")
+        for name in (".settings", ".bsettings"):
+            shown = self.pipe("2", name[1:], "6")
+            self.assertIn("The work file %s/%s can't be written.\n" % (self.path, name), shown)
+            self.assertNotIn("Modify Queue\n", shown.split("to modify: ")[1])
+        mount("rw")
+        term = self.start()
+        term.line("2", "to modify: ")
+        for line in ("bsettings", "2", "5", "1 New"):
+            term.line(line, MENU if line != "5" else "<Return> to exit: ") if line != "1 New" else term.line(line, "[New]")
+        mount("ro")
+        term.line("8", RETURN)
+        term.line("", "<Return> to exit: ")
+        term.line("10", MENU)
+        term.line("7", RETURN)
+        self.assertEqual(term.output.count("can't be written."), 2)
+        mount("rw")
+        self.assertEqual(read_records(self.path + "/db/que.xdb"), before)
+
     def test_a_killed_program_takes_the_feature_dialogue_along(self):
         """Else it would go on reading the terminal, beside the shell that both were started from."""
         self.own_store()
