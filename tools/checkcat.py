@@ -19,7 +19,7 @@ from pathlib import Path
 
 REFERENCE = "en_US"
 CORE, HELP, STRINGS = "CoreString", "PrtHelp", "PrtString"
-MENU_TEXT, FETCH, TOPIC, TTY_SET = 127, 2047, 63, 25
+MENU_TEXT, FETCH, TOPIC, TTY_SET, SAY_SET = 127, 2047, 63, 25, 40
 FOLDERS = ("common", "menu", "help", "print", "SnmpPkg", "xmt", "prndeck", "siblings")
 WINDOWS = "prndeck/gui/PrdGuiWindows.cpp"  # the table of windows; their texts stand in *Desc.cpp beside it
 SETS = "prndeck/core/PrdSets.h"
@@ -313,7 +313,7 @@ class Checker:
         self.check_string_keys(sources)
         asked |= self.check_windows(english)
         self.check_menu_rows(sources, english)
-        for use in list(sources.uses()) + [row.use for row in sources.menu_rows]:
+        for use in list(sources.uses()) + [row.use for row in sources.menu_rows + sources.sentences]:
             asked.add(use.key)
             text = english.texts.get(use.key)
             if text is None:
@@ -370,7 +370,7 @@ class Checker:
 
     def check_menu_rows(self, sources, english):
         """A number that was mistyped gets another text than the one that the row tells."""
-        for row in sources.menu_rows:
+        for row in sources.menu_rows + sources.sentences:
             there = english.texts.get(row.use.key)
             if there and row.text != there.value:
                 self.fault(row.use.file, row.use.line, row.use.key, "is \"%s\", and the menu's row has %s beside the number"
@@ -550,6 +550,7 @@ class Sources:
         self.headers = [f for f in self.files if f.path.suffix == ".h"]
         self.constants = {}  # file: name: value
         self.menu_rows = [row for file in self.files for row in self.find_menu_rows(file)]
+        self.sentences = [row for file in self.files for row in self.find_sentences(file)]
 
     def find_menu_rows(self, file):
         for at, word in enumerate(file.words):
@@ -563,6 +564,14 @@ class Sources:
                 for n in number:
                     text = self.literal(file, cells[MENU_FIELDS[word]]) if MENU_FIELDS[word] in cells else None
                     yield MenuRow(Use(file.path, line, "%d_%d" % (TTY_SET, n), True, None), text)
+
+    def find_sentences(self, file):
+        """Records of their own: Sentence NAME = {NUMBER, "English text"}."""
+        for at, word in enumerate(file.words[:-5]):
+            if word == "Sentence" and file.words[at + 2:at + 4] == ["=", "{"]:
+                number, text = file.split(at + 4, file.close(at + 3))
+                for n in self.values(file, number, None, None):
+                    yield MenuRow(Use(file.path, file.tokens[at].line, "%d_%d" % (SAY_SET, n), False, None), self.literal(file, text))
 
     @staticmethod
     def brace_around(file, at):

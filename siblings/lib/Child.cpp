@@ -4,6 +4,7 @@
 #include "common/SysCmd.h"
 #include "common/utils.h"
 #include "print/Told.h"
+#include "siblings/lib/Say.h"
 
 #include <algorithm>
 #include <cctype>
@@ -212,7 +213,7 @@ Ran RunChild(const std::vector<std::string> &words) {
     Ran ran;
     std::string path = FindProgram(words.front());
     if (path.empty())
-        ran.errors = words.front() + " is missing";
+        ran.errors = Say(SayProgramMissing, words.front());
     else
         RunProgram(path, words, ran);
     DropDeprecated(ran.errors);
@@ -225,11 +226,11 @@ bool Succeeded(const Ran &ran) {
 }
 
 std::string ComplaintOf(const Ran &ran) {
-    if (ran.flTimedOut) return "the scheduler doesn't answer";
+    if (ran.flTimedOut) return Say(SayNoAnswer);
     std::string line = ran.errors.substr(0, ran.errors.find('\n'));
     size_t colon = line.find(": ");
     // "lpadmin: TEXT" speaks of a program that the user never called.
     bool flNamed = line.starts_with("lp") || line.starts_with("cancel: ");
     if (flNamed && colon != line.npos) line.erase(0, colon + 2);
-    return line.empty() ? "the command failed with status " + std::to_string(ran.status) : line;
+    return line.empty() ? Say(SayCommandFailed, std::to_string(ran.status)) : line;
 }

@@ -4,6 +4,7 @@
 #include "siblings/lib/BannerPage.h"
 #include "siblings/lib/Child.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Say.h"
 
 #include <cerrno>
 #include <csignal>
@@ -134,6 +135,6 @@ bool CupsBannerReady(bool flTell) {
     if (state >= 0) return state;
     std::string error = InstallBanner();
     state = error.empty();
-    if (!state && flTell) TellUser("warning: no banner page yet, its file can't be installed: " + error);
+    if (!state && flTell) TellUser(Say(SayNoBannerYet, error));
     return state;
 }

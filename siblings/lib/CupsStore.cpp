@@ -8,6 +8,7 @@
 #include "siblings/lib/CupsBanner.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Ppd.h"
+#include "siblings/lib/Say.h"
 #include "siblings/lib/Utf8.h"
 
 #include <algorithm>
@@ -34,7 +35,7 @@ static std::string RunAdmin(Words words) {
 
 static CupsState WithoutAnswer(const Ran &ran, std::string &error) {
     bool flInstalled = !FindProgram("cupsd").empty() || getenv("CUPS_SERVER");
-    error = ran.flTimedOut ? ComplaintOf(ran) : "the scheduler isn't running";
+    error = ran.flTimedOut ? ComplaintOf(ran) : Say(SaySchedulerDown);
     return flInstalled || ran.flTimedOut ? CUPS_DOWN : CUPS_ABSENT;
 }
 
@@ -136,7 +137,7 @@ static bool IsPpdComplaint(const std::string &error) {
 }
 
 static void WarnWithoutPpd(const Queue &queue, const std::string &error) {
-    TellUser("warning: queue \"" + queue.name + "\" goes without its PPD file: " + error);
+    TellUser(Say(SayGoesWithoutPpd, queue.name, error));
 }
 
 // ---- Operations

@@ -3,6 +3,7 @@
 
 #include "common/Words.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
 
 #include <algorithm>
@@ -68,7 +69,7 @@ std::string FileStoreCheck(const Queue &queue) {
     SplitLine(*found, uri, directory);
     // Above the printer's part it is the environment's and the tool directory's affair.
     bool flSame = uri == QueueUri(queue) && directory.ends_with(SpoolPrinter(queue));
-    return flSame ? "" : "the record of queue \"" + queue.name + "\" was changed by others; add it anew";
+    return flSame ? "" : Say(SayRecordChanged, queue.name);
 }
 
 std::string FileStoreSpool(const Queue &queue) {

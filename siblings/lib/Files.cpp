@@ -1,6 +1,8 @@
 // Whole-file reads and replacements, and the lock of a change.
 #include "siblings/lib/Files.h"
 
+#include "siblings/lib/Say.h"
+
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -12,8 +14,8 @@
 
 enum { LOCK_POLL_NS = 20000000, SHOWN_MAX = 120 };
 
-static std::string Failed(const char *what, const std::string &path) {
-    return std::string("can't ") + what + " " + path.substr(0, SHOWN_MAX) + ": " + strerror(errno);
+static std::string Failed(const Sentence &sentence, const std::string &path) {
+    return Say(sentence, path.substr(0, SHOWN_MAX), std::string(strerror(errno)));
 }
 
 static bool ReadAll(int file, size_t limit, std::string &content) {
@@ -33,12 +35,12 @@ static bool ReadAll(int file, size_t limit, std::string &content) {
 std::string ReadWholeFile(const std::string &path, size_t limit, std::string &content) {
     struct stat status;
     int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
-    if (file < 0) return Failed("open", path);
+    if (file < 0) return Failed(SayCantOpen, path);
     std::string error;
     if (fstat(file, &status) || !S_ISREG(status.st_mode))
-        error = path + " is no regular file";
+        error = Say(SayNoRegularFile, path);
     else if (!ReadAll(file, limit, content))
-        error = Failed("read", path);
+        error = Failed(SayCantRead, path);
     close(file);
     return error;
 }
@@ -57,11 +59,11 @@ std::string PrepareFile(const std::string &path, std::string_view content, unsig
     std::string name = path + "_new", error;
     unlink(name.c_str());
     int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, mode);
-    if (file < 0) return Failed("write", name);
+    if (file < 0) return Failed(SayCantWrite, name);
     // fchmod: the mode is meant as it stands, whatever the caller's umask.
     bool flWritten = WriteAll(file, content) && !fchmod(file, mode) && !fsync(file);
-    if (!flWritten) error = Failed("write", name);
-    if (close(file) && flWritten) error = Failed("write", name);
+    if (!flWritten) error = Failed(SayCantWrite, name);
+    if (close(file) && flWritten) error = Failed(SayCantWrite, name);
     if (!error.empty()) unlink(name.c_str());
     return error;
 }
@@ -80,7 +82,7 @@ static bool SyncDirectoryOf(const std::string &path) {
 
 std::string CommitFile(const std::string &path) {
     if (!rename((path + "_new").c_str(), path.c_str()) && SyncDirectoryOf(path)) return "";
-    std::string error = Failed("replace", path);
+    std::string error = Failed(SayCantReplace, path);
     DropFile(path);
     return error;
 }
@@ -92,11 +94,11 @@ void DropFile(const std::string &path) {
 std::string ReplaceFile(const std::string &path, std::string_view content, unsigned mode) {
     std::string name = path + ".XXXXXX", error;
     int file = mkostemp(name.data(), O_CLOEXEC);
-    if (file < 0) return Failed("write", path);
+    if (file < 0) return Failed(SayCantWrite, path);
     bool flWritten = WriteAll(file, content) && !fchmod(file, mode);
-    if (!flWritten) error = Failed("write", path);
-    if (close(file) && flWritten) error = Failed("write", path);
-    if (error.empty() && rename(name.c_str(), path.c_str())) error = Failed("replace", path);
+    if (!flWritten) error = Failed(SayCantWrite, path);
+    if (close(file) && flWritten) error = Failed(SayCantWrite, path);
+    if (error.empty() && rename(name.c_str(), path.c_str())) error = Failed(SayCantReplace, path);
     if (!error.empty()) unlink(name.c_str());
     return error;
 }
@@ -129,10 +131,11 @@ FileLock::~FileLock() {
 std::string TakeLock(const char *path, int seconds) {
     // Only root and the owner may open it: anybody else who could would hold up every change.
     int file = open(path, O_RDWR | O_CREAT | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC, 0600);
-    if (file < 0) return Failed("write", path);
+    if (file < 0) return Failed(SayCantWrite, path);
     int status = WaitForLock(file, seconds);
     errno = status;
     if (status) close(file);
-    if (status == EWOULDBLOCK) return "another queue change is still under way";
-    return status ? Failed("lock", path) : ""; // the descriptor stays open: the lock ends with the process
+    if (status == EWOULDBLOCK) return Say(SayChangeUnderWay);
+    return status ? Failed(SayCantLock, path)
+                  : ""; // the descriptor stays open: the lock ends with the process
 }

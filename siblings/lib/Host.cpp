@@ -3,12 +3,11 @@
 
 #include "print/MainUtils.h"
 #include "siblings/lib/FileStore.h"
+#include "siblings/lib/Say.h"
 
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
-
-static const char NotRunning[] = "the scheduler isn't running";
 
 // PRNQ_STORE=file leaves CUPS out altogether.
 static bool IsStore(const char *name) {
@@ -46,6 +45,6 @@ Place HostChoose(const Host &host, std::string &error) {
     if (host.state == CUPS_UP) return PLACE_CUPS;
     if (host.state == CUPS_ABSENT && !flWanted) return PLACE_FILE;
     // To fall back to the other store without a word would scatter the queues.
-    error = host.error.empty() ? NotRunning : host.error;
+    error = host.error.empty() ? Say(SaySchedulerDown) : host.error;
     return PLACE_UNKNOWN;
 }

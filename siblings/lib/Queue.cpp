@@ -5,6 +5,7 @@
 #include "print/BannerText.h"
 #include "print/QueHost.h"
 #include "siblings/lib/Ppd.h"
+#include "siblings/lib/Say.h"
 
 #include <algorithm>
 #include <cctype>
@@ -12,7 +13,7 @@
 #include <cstring>
 #include <sys/stat.h>
 
-enum { PORT_MAX = 65535, BANNER_SIZE_MAX = 400 };
+enum { PORT_MAX = 65535, BANNER_SIZE_MAX = 400, SHOWN_MAX = 80 };
 
 static const char ReservedPrefix[] = "_prnq_";
 
@@ -25,17 +26,15 @@ static bool HasOnly(std::string_view text, std::string_view others) {
                        [=](char byte) { return IsWordByte(byte) || others.find(byte) != others.npos; });
 }
 
-static std::string Wrong(const char *what, std::string_view value, const char *why) {
-    return std::string(what) + " \"" + std::string(value.substr(0, 80)) + "\" " + why;
+static std::string Wrong(const Sentence &sentence, std::string_view value) {
+    return Say(sentence, std::string(value.substr(0, SHOWN_MAX)));
 }
 
 std::string CheckQueueName(std::string_view name) {
-    if (name.empty()) return "the queue name is empty";
-    if (name.size() > QUEUE_NAME_MAX) return Wrong("queue name", name, "has more than 14 characters");
-    if (name.front() == '-' || !HasOnly(name, "_-"))
-        return Wrong("queue name", name,
-                     "may hold letters, digits, \"_\" and \"-\" only, and no \"-\" first");
-    if (name.starts_with(ReservedPrefix)) return Wrong("queue name", name, "is kept for the tool itself");
+    if (name.empty()) return Say(SayNameEmpty);
+    if (name.size() > QUEUE_NAME_MAX) return Wrong(SayNameLong, name);
+    if (name.front() == '-' || !HasOnly(name, "_-")) return Wrong(SayNameLetters, name);
+    if (name.starts_with(ReservedPrefix)) return Wrong(SayNameKept, name);
     return "";
 }
 
@@ -44,7 +43,7 @@ std::string CheckHostQueueName(std::string_view name) {
                    std::all_of(name.begin(), name.end(), [](char byte) {
                        return static_cast<unsigned char>(byte) > ' ' && byte != '/' && byte != 127;
                    });
-    return flPlain ? "" : Wrong("queue name", name, "can't be the name of a queue");
+    return flPlain ? "" : Wrong(SayNameOfNone, name);
 }
 
 bool DiffersByCase(std::string_view left, std::string_view right) {
@@ -61,16 +60,16 @@ static bool IsPort(const std::string &port) {
 
 static std::string CheckHost(const std::string &host) {
     std::string name, port;
-    if (host.empty()) return "the host name is empty";
-    if (host.size() > QUEUE_PRINTER_MAX) return Wrong("host name", host, "has more than 255 characters");
-    if (host == "0.0.0.0" || host == "255.255.255.255") return Wrong("host", host, "is no printer's address");
-    if (!SplitQueHost(host, name, port)) return Wrong("host name", host, "can't be read");
+    if (host.empty()) return Say(SayHostEmpty);
+    if (host.size() > QUEUE_PRINTER_MAX) return Wrong(SayHostLong, host);
+    if (host == "0.0.0.0" || host == "255.255.255.255") return Wrong(SayHostOfNone, host);
+    if (!SplitQueHost(host, name, port)) return Wrong(SayHostUnread, host);
     bool flBrackets = name.front() == '[';
     std::string_view inside =
         flBrackets ? std::string_view(name).substr(1, name.size() - 2) : std::string_view(name);
     if (inside.empty() || inside.front() == '-' || !HasOnly(inside, flBrackets ? ":." : "._-"))
-        return Wrong("host name", host, "holds a character that no host name has");
-    if (!port.empty() && !IsPort(port)) return Wrong("host name", host, "has no port from 1 to 65535");
+        return Wrong(SayHostLetters, host);
+    if (!port.empty() && !IsPort(port)) return Wrong(SayHostPort, host);
     return "";
 }
 
@@ -78,41 +77,35 @@ static std::string CheckHost(const std::string &host) {
 // in later.
 static std::string CheckDevice(const std::string &device) {
     struct stat status;
-    if (device.empty()) return "the device name is empty";
-    if (device.size() > QUEUE_PRINTER_MAX) return Wrong("device", device, "has more than 255 characters");
-    if (device.front() != '/') return Wrong("device", device, "is no absolute path");
+    if (device.empty()) return Say(SayDeviceEmpty);
+    if (device.size() > QUEUE_PRINTER_MAX) return Wrong(SayDeviceLong, device);
+    if (device.front() != '/') return Wrong(SayDeviceRelative, device);
     for (char byte : device)
-        if (static_cast<unsigned char>(byte) <= ' ' || byte == 127)
-            return Wrong("device", device, "holds a blank");
-    if (("/" + device + "/").find("/../") != std::string::npos)
-        return Wrong("device", device, "leads through \"..\"");
+        if (static_cast<unsigned char>(byte) <= ' ' || byte == 127) return Wrong(SayDeviceBlank, device);
+    if (("/" + device + "/").find("/../") != std::string::npos) return Wrong(SayDeviceUpwards, device);
     if (stat(device.c_str(), &status)) return "";
-    if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode))
-        return Wrong("device", device, "is a file or directory, no device");
-    if (S_ISBLK(status.st_mode)) return Wrong("device", device, "is a disk, no printer");
+    if (S_ISREG(status.st_mode) || S_ISDIR(status.st_mode)) return Wrong(SayDeviceFile, device);
+    if (S_ISBLK(status.st_mode)) return Wrong(SayDeviceDisk, device);
     return "";
 }
 
 static std::string CheckPpdName(const std::string &ppd) {
-    if (ppd.empty()) return "the PPD file name is empty";
-    if (ppd.size() > QUEUE_PPD_MAX) return Wrong("PPD file name", ppd, "has more than 41 characters");
+    if (ppd.empty()) return Say(SayPpdEmpty);
+    if (ppd.size() > QUEUE_PPD_MAX) return Wrong(SayPpdLong, ppd);
     for (char byte : ppd)
         if (static_cast<unsigned char>(byte) <= ' ' || byte == '/' || byte == 127)
-            return Wrong("PPD file name", ppd, "must be a file name in \"ppd\", without a blank");
-    return ppd == "." || ppd == ".." ? Wrong("PPD file name", ppd, "is a directory") : "";
+            return Wrong(SayPpdName, ppd);
+    return ppd == "." || ppd == ".." ? Wrong(SayPpdDirectory, ppd) : "";
 }
 
 std::string CheckQueueTarget(const Queue &queue) {
-    if (queue.type < QUEUE_PRINTER_HOST || queue.type > QUEUE_SERVER_DEVICE)
-        return "the queue type is unknown";
+    if (queue.type < QUEUE_PRINTER_HOST || queue.type > QUEUE_SERVER_DEVICE) return Say(SayTypeUnknown);
     std::string error = IsDeviceType(queue.type) ? CheckDevice(queue.printer) : CheckHost(queue.printer);
     if (!error.empty()) return error;
-    if (queue.remote.empty()) return "the name at the print server is empty";
-    if (queue.remote.size() > QUEUE_REMOTE_MAX)
-        return Wrong("print server queue", queue.remote, "has more than 14 characters");
+    if (queue.remote.empty()) return Say(SayRemoteEmpty);
+    if (queue.remote.size() > QUEUE_REMOTE_MAX) return Wrong(SayRemoteLong, queue.remote);
     if (queue.remote.front() == '-' || queue.remote.front() == '.' || !HasOnly(queue.remote, "_-."))
-        return Wrong("print server queue", queue.remote,
-                     "may hold letters, digits, \"_\", \"-\" and \".\" only");
+        return Wrong(SayRemoteLetters, queue.remote);
     return CheckPpdName(queue.ppd);
 }
 

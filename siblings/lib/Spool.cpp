@@ -4,6 +4,7 @@
 #include "common/utils.h"
 #include "print/prnoutbase.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Say.h"
 #include "siblings/lib/Utf8.h"
 
 #include <algorithm>
@@ -27,8 +28,8 @@ enum { TICKET_TITLE_MAX = 240, JOB_NAME_MAX = 200, COPY_SIZE = 65536 };
 
 static const char SpoolRoot[] = "/var/spool/Tarvo";
 
-static std::string Failed(const char *what, const std::string &path) {
-    return std::string("can't ") + what + " " + path + ": " + strerror(errno);
+static std::string Failed(const Sentence &sentence, const std::string &path) {
+    return Say(sentence, path, std::string(strerror(errno)));
 }
 
 // ---- Directories
@@ -96,15 +97,15 @@ std::string SpoolOpen(const std::string &directory, bool flMake) {
     std::vector<std::string> parts;
     bool flBelow = directory.starts_with(root + "/") && SplitPath(directory.substr(parent.size()), parts);
     errno = EINVAL;
-    if (!flBelow) return directory + " is no spool directory";
+    if (!flBelow) return Say(SaySpoolNoDirectory, directory);
     int file = open(parent.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
     for (const std::string &part : parts) {
         if (file >= 0) file = EnterPart(file, part, flMake);
-        if (file < 0) return Failed("open the spool directory", directory);
+        if (file < 0) return Failed(SaySpoolCantOpen, directory);
         if (IsOurs(file)) continue;
         close(file);
         errno = EPERM;
-        return "the spool directory " + directory + " may be written by others, from \"" + part + "\" on";
+        return Say(SaySpoolOpenToOthers, directory, part);
     }
     close(file);
     return "";
@@ -266,14 +267,14 @@ static bool CopyAll(int from, int to) {
 // The bytes of a new job file must have reached the disk.
 static std::string EndJobFile(int file, bool flWritten, const std::string &path) {
     if (flWritten && !fsync(file)) return "";
-    std::string error = Failed("write", path);
+    std::string error = Failed(SayCantWrite, path);
     unlink(path.c_str());
     return error;
 }
 
 static std::string WriteControl(const std::string &path, const std::string &text) {
     int control = MakeJobFile(path);
-    if (control < 0) return Failed("write", path);
+    if (control < 0) return Failed(SayCantWrite, path);
     std::string error = EndJobFile(control, WriteAll(control, text), path);
     close(control);
     return error;
@@ -336,7 +337,7 @@ static void Sync(const std::string &path) {
 std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int file, std::string &name) {
     SpoolJob job;
     int data = TakeName(directory, job);
-    if (data < 0) return Failed("write to", directory);
+    if (data < 0) return Failed(SayCantWrite, directory);
     std::string error = WriteJob(directory, job, ticket, data, file);
     close(data);
     if (!error.empty()) return error;
@@ -348,11 +349,11 @@ std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int 
     // A job without a line but with a control file wasn't taken; one without either is printed already.
     if (IsListed(directory, name) || access((directory + "/" + job.control).c_str(), F_OK)) return "";
     SpoolRemove(directory, job);
-    return "can't write the list of jobs in " + directory;
+    return Say(SaySpoolCantList, directory);
 }
 
 static std::string RemoveFile(const std::string &path) {
-    return !unlink(path.c_str()) || errno == ENOENT ? "" : Failed("remove", path);
+    return !unlink(path.c_str()) || errno == ENOENT ? "" : Failed(SayCantRemove, path);
 }
 
 std::string SpoolRemove(const std::string &directory, const SpoolJob &job) {
@@ -401,7 +402,7 @@ static std::string MoveJob(const std::string &from, const std::string &to, const
                            const JobTicket &ticket) {
     std::string data = from + "/" + job.data, name;
     int file = open(data.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
-    if (file < 0) return Failed("open", data);
+    if (file < 0) return Failed(SayCantOpen, data);
     std::string error = SpoolAdd(to, ticket, file, name);
     close(file);
     return error.empty() ? SpoolRemove(from, job) : error;

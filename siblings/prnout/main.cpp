@@ -7,6 +7,7 @@
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Frame.h"
 #include "siblings/lib/Records.h"
+#include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
 #include "siblings/prnout/Sender.h"
 
@@ -124,7 +125,7 @@ static std::string SendToCups(const CupsPrint &print, const Queue &queue, long &
     std::string banner;
     if (queue.flBanner && !print.flRaw && !CupsHasBanner(print.queue)) {
         banner = BannerFile(queue, print.title);
-        if (banner.empty()) TellUser("warning: no banner page, it can't be written to /tmp");
+        if (banner.empty()) TellUser(Say(SayBannerUnwritten));
     }
     if (!banner.empty()) more.bannerPath = banner.c_str();
     std::string error = CupsSend(more, number);
@@ -141,7 +142,7 @@ static void ShowQueue(const Host &host, const Queue &queue, long number, const s
     if (geteuid() && (!error.empty() || !MayWriteSpool(directory))) return;
     if (error.empty()) error = CupsRefresh(directory, CupsSharers(host, directory), number, title, waiting);
     if (error.empty() && waiting) error = StartDetached(Self, "-watch", directory);
-    if (!error.empty()) TellUser("warning: the list of jobs isn't up to date: " + error);
+    if (!error.empty()) TellUser(Say(SayListStale, error));
 }
 
 static std::string PrintByCups(const Host &host, const CupsPrint &print) {
@@ -159,13 +160,13 @@ static std::string PrintByCups(const Host &host, const CupsPrint &print) {
 
 static std::string PrintBySpool(const CupsPrint &print, int file) {
     Queue queue;
-    std::string name, error, quoted = "queue \"" + print.queue + "\" ";
-    if (!RecordsRead(print.queue, queue)) return quoted + "has no record; add it anew";
-    if (!CheckQueueTarget(queue).empty()) return "the record of " + quoted + "is damaged; add it anew";
+    std::string name, error;
+    if (!RecordsRead(print.queue, queue)) return Say(SayRecordMissing, print.queue);
+    if (!CheckQueueTarget(queue).empty()) return Say(SayRecordDamaged, print.queue);
     error = FileStoreCheck(queue);
     if (!error.empty()) return error;
     std::string directory = SpoolDirectory(queue);
-    if (directory.empty()) return quoted + "has no printer";
+    if (directory.empty()) return Say(SayQueueNoPrinter, print.queue);
     error = SpoolOpen(directory, true);
     if (!error.empty()) return error;
     JobTicket ticket = {HostName(), UserName(), print.title, print.queue, print.flRaw};
@@ -179,7 +180,7 @@ static std::string PrintBySpool(const CupsPrint &print, int file) {
     }
     // The job is taken: who was told otherwise would print it twice.
     error = StartDetached(Self, "-send", directory);
-    if (!error.empty()) TellUser("warning: job " + name + " waits for the next call: " + error);
+    if (!error.empty()) TellUser(Say(SayJobWaitsForCall, name, error));
     return "";
 }
 
@@ -193,7 +194,7 @@ static std::string Print(const Words &words, int file, const std::string &path) 
     print.path = path;
     print.title = TitleOf(path);
     print.flRaw = words.flRaw;
-    if (print.queue.empty() && !words.flQueue) return "no queue is told by -d, and there is no default queue";
+    if (print.queue.empty() && !words.flQueue) return Say(SayNoDefaultQueue);
     error = CheckHostQueueName(print.queue);
     if (!error.empty()) return error;
     switch (HostFind(host, print.queue)) {
@@ -202,7 +203,7 @@ static std::string Print(const Words &words, int file, const std::string &path) 
     case PLACE_UNKNOWN: return host.error;
     case PLACE_NONE: break;
     }
-    return "queue \"" + print.queue + "\" does not exist";
+    return Say(SayQueueUnknown, print.queue);
 }
 
 static int Detached(const std::string &mode, const std::string &directory) {

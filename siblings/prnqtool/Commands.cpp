@@ -10,6 +10,7 @@
 #include "siblings/lib/Ppd.h"
 #include "siblings/lib/Queue.h"
 #include "siblings/lib/Records.h"
+#include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
 #include "siblings/prnqtool/Banners.h"
 
@@ -91,7 +92,7 @@ static bool IsSound(const Queue &queue) {
 
 static std::string ReadText(const std::string &path, size_t limit, std::string &text) {
     std::string error = ReadWholeFile(path, limit, text);
-    if (error.empty() && text.find('\0') != text.npos) return path + " is no text";
+    if (error.empty() && text.find('\0') != text.npos) return Say(SayFileNoText, path);
     return error;
 }
 
@@ -105,22 +106,21 @@ static std::string ReadSettings(const Options &options, Queue &queue) {
 static std::string ReadBanner(const Options &options, std::string &banner) {
     if (options.banner.empty()) return "";
     std::string error = ReadText(options.banner, BANNER_MAX, banner);
-    return error.empty() && !HasTitle(banner) ? options.banner + " holds no title" : error;
+    return error.empty() && !HasTitle(banner) ? Say(SayFileNoTitle, options.banner) : error;
 }
 
 static std::string ReadTarget(const Options &options, Queue &queue) {
     std::string model = options.model.empty() ? PMs[PM_HOST] : options.model;
     auto word = std::find(std::begin(PMs), std::end(PMs), model);
-    if (word == std::end(PMs))
-        return "printing model \"" + model.substr(0, 80) + "\" is none of wp, wps, psp";
+    if (word == std::end(PMs)) return Say(SayModelUnknown, model.substr(0, 80));
     queue.name = options.queues.front();
     queue.type = GetQueueType(static_cast<int>(word - std::begin(PMs)),
                               options.flDevice ? CONNECTION_DEVICE : CONNECTION_TCP);
     queue.printer = options.flDevice ? options.device : options.host;
     queue.remote = options.flRemote ? options.remote : "lp";
     queue.flDefault = options.flDefault;
-    if (queue.type == QUEUE_SERVER && options.flDevice) return "a print server is told by -hn";
-    if (queue.type == QUEUE_SERVER && !options.flRemote) return "option -psqn is needed for a print server";
+    if (queue.type == QUEUE_SERVER && options.flDevice) return Say(SayServerByHost);
+    if (queue.type == QUEUE_SERVER && !options.flRemote) return Say(SayServerNoQueue);
     return CheckQueueName(queue.name);
 }
 
@@ -132,9 +132,7 @@ static std::string CheckPpdFile(const Queue &queue) {
 
 static std::string CheckCase(const std::string &name) {
     for (const std::string &other : HostQueues(TheHost))
-        if (DiffersByCase(name, other))
-            return "queue name \"" + name + "\" differs from queue \"" + other +
-                   "\" by upper and lower case only";
+        if (DiffersByCase(name, other)) return Say(SayNameByCase, name, other);
     return "";
 }
 
@@ -199,7 +197,7 @@ static void UndoPut(const Put &put) {
 // refuse.
 static void DropJobs(Place place, const std::string &name, const std::string &spool) {
     std::string error = place == PLACE_CUPS ? CupsCancelAll(name) : SpoolRemoveQueue(spool, name);
-    if (!error.empty()) TellUser("warning: jobs of queue \"" + name + "\" still wait: " + error);
+    if (!error.empty()) TellUser(Say(SayJobsStay, name, error));
 }
 
 static std::string FinishPut(Put &put) {
@@ -215,7 +213,7 @@ static std::string FinishPut(Put &put) {
     }
     UndoPut(put);
     DropChange();
-    return "queue \"" + put.queue.name + "\" " + (put.flOnHost ? "not replaced: " : "not made: ") + error;
+    return Say(put.flOnHost ? SayQueueNotReplaced : SayQueueNotMade, put.queue.name, error);
 }
 
 static std::string PutQueue(const Queue &queue) {
@@ -262,7 +260,7 @@ static std::string CopyQueue(const Options &options) {
     if (error.empty()) error = CheckHostQueueName(options.source);
     if (error.empty()) error = BeginChange();
     if (!error.empty()) return error;
-    if (!RecordsRead(options.source, queue)) return "queue \"" + options.source + "\" has no record to copy";
+    if (!RecordsRead(options.source, queue)) return Say(SayQueueNoCopy, options.source);
     queue.name = target.name;
     queue.type = target.type;
     queue.printer = target.printer;
@@ -275,19 +273,18 @@ static std::string CopyQueue(const Options &options) {
 // ---- Modify
 
 static std::string NotChanged(const Queue &queue, const std::string &error) {
-    return "queue \"" + queue.name + "\" not changed: " + error;
+    return Say(SayQueueNotChanged, queue.name, error);
 }
 
 // A device's spool directory goes by the user interface, and its jobs go along. One that is at the printer
 // can't: the sender of the other directory would print into it.
 static std::string CheckMove(const std::string &from, const std::string &to) {
-    return from != to && IsSpoolPrinting(from) ? "a job is being printed; try again when it is done" : "";
+    return from != to && IsSpoolPrinting(from) ? Say(SayJobPrints) : "";
 }
 
 static void MoveJobs(const std::string &from, const std::string &to, const std::string &name) {
     std::string error = from == to ? "" : SpoolMoveQueue(from, to, name);
-    if (!error.empty())
-        TellUser("warning: jobs of queue \"" + name + "\" still wait in " + from + ": " + error);
+    if (!error.empty()) TellUser(Say(SayJobsStay, name, error));
     if (from != to && !SpoolJobs(to).empty())
         StartDetached((std::string(pToolPath) + "/prnout").c_str(), "-send", to);
 }
@@ -328,9 +325,9 @@ static std::string ModifyQueue(const Options &options) {
     if (!error.empty()) return error;
     Place place = HostFind(TheHost, name);
     if (place == PLACE_UNKNOWN) return TheHost.error;
-    if (place == PLACE_NONE) return "queue \"" + name + "\" does not exist";
-    if (!RecordsRead(name, old)) return "queue \"" + name + "\" has no record; add it anew";
-    if (!IsSound(old)) return "the record of queue \"" + name + "\" is damaged; add it anew";
+    if (place == PLACE_NONE) return Say(SayQueueUnknown, name);
+    if (!RecordsRead(name, old)) return Say(SayRecordMissing, name);
+    if (!IsSound(old)) return Say(SayRecordDamaged, name);
     error = FileStoreCheck(old);
     if (!error.empty()) return error;
     queue = old;
@@ -362,7 +359,7 @@ static std::vector<std::string> DeleteFromHost(const std::vector<std::string> &n
         if (HostFind(TheHost, name) != PLACE_CUPS) continue;
         std::string error = CupsDelete(name);
         if (error.empty()) continue;
-        Tell("queue \"" + name + "\" not removed: " + error);
+        Tell(Say(SayQueueNotRemoved, name, error));
         kept.push_back(name);
     }
     return kept;
@@ -396,7 +393,7 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
         if (flThere)
             places.push_back(name);
         else
-            flFailed |= Tell("queue \"" + name + "\" does not exist") != 0;
+            flFailed |= Tell(Say(SayQueueUnknown, name)) != 0;
     }
     // The host's list is asked before the lines go, so the names keep their place.
     std::vector<std::string> hosted;
@@ -418,7 +415,7 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
         for (const Spooled &queue : stored) DropJobs(PLACE_FILE, queue.name, queue.spool);
         SettleBanners(TheHost, {});
     }
-    return !error.empty() || (!flFailed && kept.empty()) ? error : "not all queues were removed";
+    return !error.empty() || (!flFailed && kept.empty()) ? error : Say(SayQueuesNotRemoved);
 }
 
 static std::string DeleteNamed(const Options &options) {

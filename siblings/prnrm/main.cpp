@@ -5,6 +5,7 @@
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Frame.h"
 #include "siblings/lib/Records.h"
+#include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
 
 #include <algorithm>
@@ -35,7 +36,7 @@ struct Removal {
 static std::string CheckNames(const Names &names) {
     for (const std::string &name : names)
         if (!IsJobName(name) || (name.starts_with('-') && name != "-"))
-            return "\"" + name.substr(0, 80) + "\" can't be the name of a job";
+            return Say(SayJobName, name.substr(0, 80));
     bool flAll = std::find(names.begin(), names.end(), "-") != names.end();
     return flAll && names.size() > 1 ? "\"-\" for all jobs stands alone" : "";
 }
@@ -49,10 +50,9 @@ static std::string OpenQueue(Removal &removal) {
     if (!error.empty()) return error;
     Place place = HostFind(removal.host, removal.queue);
     if (place == PLACE_UNKNOWN) return removal.host.error;
-    if (place == PLACE_NONE) return "queue \"" + removal.queue + "\" does not exist";
+    if (place == PLACE_NONE) return Say(SayQueueUnknown, removal.queue);
     bool flRecorded = RecordsRead(removal.queue, queue) && CheckQueueTarget(queue).empty();
-    if (!flRecorded && place == PLACE_FILE)
-        return "the record of queue \"" + removal.queue + "\" is missing or damaged; add it anew";
+    if (!flRecorded && place == PLACE_FILE) return Say(SayRecordLost, removal.queue);
     if (flRecorded) removal.directory = FileStoreSpool(queue);
     if (flRecorded) removal.sharers = CupsSharers(removal.host, removal.directory);
     if (place == PLACE_CUPS && !flRecorded) removal.sharers.push_back(removal.queue);
@@ -120,11 +120,10 @@ static std::string RemoveJobs(Removal &removal, const Names &names) {
         if (error.empty()) error = SpoolRemove(removal.directory, job);
     std::string refused = CupsCancel(removal.cupsJobs);
     if (error.empty()) error = refused;
-    for (const std::string &name : missing)
-        TellUser("job \"" + name + "\" doesn't wait for queue \"" + removal.queue + "\"");
+    for (const std::string &name : missing) TellUser(Say(SayJobUnknown, name, removal.queue));
     std::string shown = Show(removal);
     if (error.empty()) error = shown;
-    return error.empty() && !missing.empty() ? "not all jobs were there to be removed" : error;
+    return error.empty() && !missing.empty() ? Say(SayJobsUnknown) : error;
 }
 
 static std::string Run(const std::string &queue, const Names &names) {

@@ -25,6 +25,8 @@ DAMAGES = [
 Wrong = namedtuple("Wrong", "name source key what")
 WRONG = [
     Wrong("text that is nowhere", "void F() { NlsTtyMenuCvt(&t, 7777); }", "25_7777", "stands in no catalogue"),
+    Wrong("sentence with another's number", 'inline constexpr Sentence Say = {36, "the host is empty"};', "40_36",
+          "the menu's row has \"the host is empty\""),
     Wrong("row with another's number", 'TextMenuItem T[] = {{.text = "Apply", .nlsText = 51}, {}};', "25_51", "the menu's row has \"Apply\""),
     Wrong("row with a number that is nowhere", 'TextMenuItem T[] = {{.text = "Apply", .nlsText = 7777}};', "25_7777", "stands in no catalogue"),
     Wrong("row with another's choices", 'char Two[] = "_No,_Yes"; TextMenuItem T[] = {{.choices = Two, .nlsChoices = 258}};', "25_258", '"_No,_Yes" beside'),

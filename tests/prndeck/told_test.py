@@ -73,6 +73,22 @@ class Told(unittest.TestCase):
                 self.assertNotIn(RETURN, shown)
                 self.assertEqual(read_records(self.path + "/db/que.xdb"), before)
 
+    def test_in_the_users_language(self):
+        """English stands where the language has no catalogue that can be read."""
+        self.own_store()
+        lines, english = REFUSED["a name that differs by case"]
+        german = 'der Name "KEPT" unterscheidet sich von der Warteschlange "kept" nur durch Gross- und Kleinschreibung'
+        for language, said in (("de_DE.UTF-8", german), ("en_US", english), ("xx", english)):
+            self.env["LANG"] = language
+            self.assertIn(said, self.pipe("1", *lines, "15", "6"))
+        done = subprocess.run([self.path + "/prnrm", "kept", "A7"], env=dict(self.env, LANG="de"), capture_output=True, text=True)
+        self.assertEqual(done.stderr, 'prnrm: der Auftrag "A7" wartet nicht bei der Warteschlange "kept"\n'
+                                      "prnrm: nicht alle Auftraege waren da, um entfernt zu werden\n")
+        os.unlink(self.path + "/db/de_DE/CoreString.xdb")
+        done = subprocess.run([self.path + "/prnqtool", "KEPT", "-cl", "kept", "-pm", "wp", "-hn", "h"],
+                              env=dict(self.env, LANG="de"), capture_output=True, text=True)
+        self.assertEqual(done.stderr, "prnqtool: " + english + "\n")
+
     def test_a_terminal_waits(self):
         self.own_store()
         lines, said = REFUSED["a device that is a directory"]

@@ -239,7 +239,7 @@ class FrontEnd(unittest.TestCase):
         os.mkdir(self.tool.path + "/.settings")
         term = self.talk("-GS" + self.ppd, LANG="de_DE", shown="Einstellungen fuer Tarvo")
         term.line(str(APPLY), "Weiter mit <Return>")
-        self.assertIn("can't replace", term.output)
+        self.assertIn("laesst sich nicht ersetzen", term.output)
         term.line("", "Einstellungen fuer Tarvo")
         term.line(str(CANCEL))
         self.end(term)
