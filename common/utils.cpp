@@ -176,6 +176,16 @@ int FindFile_(const char *directory, const char *name) {
     return stat(JoinPath(directory, name).c_str(), &info) == 0;
 }
 
+bool FindInPath(const std::string &name) {
+    const char *path = getenv("PATH");
+    for (const char *from = path; from; from = strchr(from, ':')) {
+        if (*from == ':') from++;
+        std::string directory(from, strcspn(from, ":"));
+        if (access((directory + "/" + name).c_str(), X_OK) == 0) return true;
+    }
+    return false;
+}
+
 // Owns: " a b c " of the names that the test accepts; null if the directory can't be opened.
 template <typename Test>
 static char *ListDir(const char *directory, Test test) {

@@ -70,6 +70,8 @@ std::string JoinPath(const char *directory, const char *name);
 int FindFile(const char *directory, const char *name);
 // 1 if stat works on the joined path (directory may be null).
 int FindFile_(const char *directory, const char *name);
+// Whether PATH leads to a program of this name.
+bool FindInPath(const std::string &name);
 // " a b c " in the order of readdir, "." and ".." among them; null if the directory can't be opened.
 // Owns: the result.
 [[nodiscard]] char *GetDirFileList(const char *directory);

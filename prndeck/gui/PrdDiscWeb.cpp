@@ -3,6 +3,7 @@
 
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
+#include "common/utils.h"
 #include "prndeck/core/PrdDisc.h"
 #include "prndeck/core/PrdDiscNets.h"
 #include "prndeck/core/PrdSets.h"
@@ -75,16 +76,6 @@ bool TestBrowser(const char *address) {
 }
 
 // ---- The browser
-
-static bool FindInPath(const std::string &name) {
-    const char *path = getenv("PATH");
-    for (const char *from = path; from; from = strchr(from, ':')) {
-        if (*from == ':') from++;
-        std::string directory(from, strcspn(from, ":"));
-        if (access((directory + "/" + name).c_str(), X_OK) == 0) return true;
-    }
-    return false;
-}
 
 // The shell starts the command in the background and says nothing of one that is not there. A word that only
 // the shell understands is left to it.
