@@ -31,7 +31,36 @@ const char *pPostMsgHelpWidget;
 int XmtET;
 int flXmtTimedOut, flXmtETDestroyApp;
 
+const XmtDialogWords *pXmtDialogWords;
+
 static Widget MsgHelpButton, MsgOkayButton, MsgCancelButton;
+
+// ---- words
+
+struct DialogWord {
+    const char *resource;
+    const char *XmtDialogWords::*word;
+};
+static const DialogWord BoxWords[] = {
+    {XmNokLabelString, &XmtDialogWords::ok},
+    {XmNcancelLabelString, &XmtDialogWords::cancel},
+    {XmNhelpLabelString, &XmtDialogWords::help},
+};
+static const DialogWord FileWords[] = {
+    {XmNfilterLabelString, &XmtDialogWords::filter},
+    {XmNapplyLabelString, &XmtDialogWords::filterButton},
+    {XmNdirListLabelString, &XmtDialogWords::directories},
+    {XmNfileListLabelString, &XmtDialogWords::files},
+    {XmNselectionLabelString, &XmtDialogWords::selection},
+};
+
+static void SetWord(const char *dialog, const DialogWord &row) {
+    const char *word = pXmtDialogWords ? pXmtDialogWords->*row.word : nullptr;
+    if (!word) return;
+    XmString text = XmtMakeString(word);
+    XmtSetXmValue(dialog, row.resource, reinterpret_cast<XtArgVal>(text));
+    XmStringFree(text);
+}
 
 // ---- messages
 
@@ -59,6 +88,7 @@ static bool MakeMsgDialog() {
     XmtNewObject(pAppWinName, XmtMsgEventHandler, 0, "DI XmtPostMsg c(bg white, fg black) M(f) CB(h) St(T);");
     Widget dialog = XmtGetWidget(MsgDialog);
     if (!dialog) return false;
+    for (const DialogWord &row : BoxWords) SetWord(MsgDialog, row);
     MsgHelpButton = XmMessageBoxGetChild(dialog, XmDIALOG_HELP_BUTTON);
     MsgOkayButton = XmMessageBoxGetChild(dialog, XmDIALOG_OK_BUTTON);
     MsgCancelButton = XmMessageBoxGetChild(dialog, XmDIALOG_CANCEL_BUTTON);
@@ -280,16 +310,24 @@ static bool MakeFileDialog() {
     if (!AppWin) return false;
     XmtNewObject(pAppWinName, XmtFSEventHandler, 0, "Df XmtFS c(bg white, fg black) M(f) St(T);");
     Widget dialog = XmtGetWidget(FileDialog);
-    if (dialog) XtUnmanageChild(XmFileSelectionBoxGetChild(dialog, XmDIALOG_HELP_BUTTON));
-    if (dialog) XtRemoveAllCallbacks(dialog, XmNhelpCallback); // the help key is for the main window
-    return dialog != nullptr;
+    if (!dialog) return false;
+    for (const DialogWord &row : BoxWords) SetWord(FileDialog, row);
+    for (const DialogWord &row : FileWords) SetWord(FileDialog, row);
+    XtUnmanageChild(XmFileSelectionBoxGetChild(dialog, XmDIALOG_HELP_BUTTON));
+    XtRemoveAllCallbacks(dialog, XmNhelpCallback); // the help key is for the main window
+    return true;
+}
+
+static void SetFileTitle(const char *title) {
+    if (!title && AppShell) XtVaGetValues(AppShell, XmNtitle, &title, nullptr);
+    if (title) XmtSetTitle(FileDialog, title);
 }
 
 void XmtSelectFile(XmtHandler callback, intptr_t id, const char *title) {
     if (!MakeFileDialog()) return;
     FSCBF = callback;
     FSId = id;
-    if (title) XmtSetTitle(FileDialog, title);
+    SetFileTitle(title);
     XmtShow(FileDialog);
 }
 

@@ -48,8 +48,18 @@ extern int XmtET; // its timer, 0 for none
 extern int flXmtTimedOut, flXmtETDestroyApp;
 void XmtStartEventTimer(XmtHandler callback, intptr_t id, int seconds);
 
+// ---- the words of both dialogs in the user's language; without them they are Motif's. Set before the first
+// message, kept and not copied; null for none.
+struct XmtDialogWords {
+    const char *ok, *cancel, *help;
+    const char *filter; // above the pattern, and on the button that lists what fits it
+    const char *filterButton;
+    const char *directories, *files, *selection; // above the lists and the chosen name
+};
+extern const XmtDialogWords *pXmtDialogWords; // writer: the application
+
 // ---- file selection. One dialog for all: the callback gets the chosen name as text, under the id, with
-// reason XmtCR_OK or XmtCR_APPLY; none when the user cancels. title may be null. A second call before the
-// answer replaces the callback. Nothing without a main window.
+// reason XmtCR_OK or XmtCR_APPLY; none when the user cancels. Without a title it has the main window's. A
+// second call before the answer replaces the callback. Nothing without a main window.
 void XmtSelectFile(XmtHandler callback, intptr_t id, const char *title);
 void XmtFSEventHandler(XmtCallData *data);

@@ -15,11 +15,13 @@ enum {
     SET_COPY = 8,
     SET_BANNER = 10,
     SET_MODIFY = 11,
+    SET_SEND = 13,
     SET_DISC = 14,
     SET_SHEET = 15,
     SET_MESSAGES = 20, // what both faces say
     SET_RESET = 21,
     SET_MACROS = 22,       // what the windows' macros hold
     SET_TTY = NLS_TTY_SET, // menus of the terminal
+    SET_WORDS = 36,        // of message box and file dialog
     SET_WEB = 80,          // messages of discovery and browser
 };

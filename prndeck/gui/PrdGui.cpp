@@ -1,6 +1,7 @@
 // The window face: its start.
 #include "prndeck/gui/PrdGui.h"
 
+#include "common/MemMgr.h"
 #include "common/NlsUtils.h"
 #include "common/utils.h"
 #include "print/PrdCommonUtils.h"
@@ -60,6 +61,17 @@ void GenMacros() {
     XmtNewObject(nullptr, WizEventHandler, 0, FillGuiDesc(MainMacroDesc, values, std::size(texts)).c_str());
 }
 
+// Words of the dialogs that are Motif's, in the order of their texts.
+static void SetDialogWords() {
+    enum { FIRST_WORD = 1, WORD_COUNT = 8 };
+    static XmtDialogWords words;
+    const char *texts[WORD_COUNT];
+    for (int i = 0; i < WORD_COUNT; i++)
+        texts[i] = SaveStr_(NlsText(pDrvCoreDB, SET_WORDS, FIRST_WORD + i).c_str());
+    words = {texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6], texts[7]};
+    pXmtDialogWords = &words;
+}
+
 // Queues are root's affair. What belongs to a printer comes back with its selection, for everybody.
 static void GreyoutNotRoot() {
     XmtDisable(MENU_QUEUES "," MENU_DISCOVERY ",tb1," MENU_UPGRADE "," MENU_RESET "," MENU_PROPERTIES
@@ -71,6 +83,7 @@ void GenGui() {
     flCreateCallback = 0;
     flNoBarMenuTraversal = 1;
     GenMacros();
+    SetDialogWords();
     for (const GuiDesc *desc = GuiDescs; desc->name; desc++) {
         XmtNewObject(nullptr, desc->handler, 0, GenGuiText(desc).c_str());
         if (desc->step) desc->step();
