@@ -12,6 +12,7 @@
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiPanel.h"
+#include "prndeck/gui/PrdGuiSend.h"
 #include "prndeck/gui/PrdWizard.h"
 
 // The selection goes first: the model of a printer that is still selected would decide what is enabled.
@@ -49,6 +50,9 @@ void WizEventHandler(XmtCallData *data) {
         if (data->reason == XmtCR_HELP) ShowManual();
         break;
     case WIZ_ADD: ReopenAddQue(); break;
+    case WIZ_TEST_PAGE: OpenSend(SEND_TEST_PAGE); break;
+    case WIZ_SEND_FILE: OpenSend(SEND_FILE); break;
+    case WIZ_UPGRADE: OpenSend(SEND_UPGRADE); break;
     case WIZ_BROWSER: OpenBrowserChoice(); break;
     case WIZ_WEB: OpenWebPage(); break;
     case WIZ_PROFILE: GetProfile(); break;
@@ -65,6 +69,9 @@ void WizEventHandler(XmtCallData *data) {
     case WIZ_DISPLAY_DESCRIPTION: SetDisStyle(DISPLAY_DESCRIPTION, value); break;
     case WIZ_DISPLAY_OK: CloseDisplaySetup(); break;
     case WIZ_DISPLAY_APPLY: ApplyDisplaySetup(); break;
+    case WIZ_SEND_QUEUE: ChooseSendQue(value, data->text); break;
+    case WIZ_SEND_APPLY: ApplySend(); break;
+    case WIZ_FILE: ChooseSendFile(data->text); break;
     default: break;
     }
 }

@@ -13,6 +13,8 @@
 #define MENU_QUEUES       MENU_BAR "_2_b_1_pd"
 #define MENU_JOBS         MENU_BAR "_2_b_2"
 #define MENU_DISCOVERY    MENU_BAR "_2_b_3"
+#define MENU_TEST_PAGE    MENU_BAR "_3_c_1"
+#define MENU_SEND_FILE    MENU_BAR "_3_c_2"
 #define MENU_UPGRADE      MENU_BAR "_3_c_3"
 #define MENU_BROWSER      MENU_BAR "_3_c_4"
 #define MENU_RESET        MENU_BAR "_3_c_5"
@@ -22,10 +24,14 @@
 #define MENU_HELP         MENU_BAR "_5_d_1"
 #define MENU_EXIT         MENU_BAR "_7"
 
-// WizEventHandler: 100 to 149 the main window, 150 About, 200 to 207 the display window
+// WizEventHandler: 100 to 149 the main window, 150 About, 200 to 207 the display window, 550 to 552 what is
+// sent to a queue
 enum {
     WIZ_MAIN = 100, // F1 in any window
     WIZ_ADD = 102,
+    WIZ_TEST_PAGE = 108,
+    WIZ_SEND_FILE = 109,
+    WIZ_UPGRADE = 110,
     WIZ_BROWSER = 111,
     WIZ_DRIVER = 115,
     WIZ_HELP = 117,
@@ -42,6 +48,9 @@ enum {
     WIZ_DISPLAY_DESCRIPTION = 204,
     WIZ_DISPLAY_OK = 205,
     WIZ_DISPLAY_APPLY = 207,
+    WIZ_SEND_QUEUE = 551,
+    WIZ_SEND_APPLY = 552,
+    WIZ_FILE = 1000, // the answer of the file dialog
 };
 
 // IPDiscoveryEventHandler: 570 to 576 the browser and the questions of a reset, 600 to 641 the discovery
@@ -141,7 +150,9 @@ inline constexpr GuiId GuiIds[] = {
     {0, MENU_QUEUES},
     {0, MENU_JOBS},
     {0, MENU_DISCOVERY},
-    {0, MENU_UPGRADE},
+    {WIZ_TEST_PAGE, MENU_TEST_PAGE},
+    {WIZ_SEND_FILE, MENU_SEND_FILE},
+    {WIZ_UPGRADE, MENU_UPGRADE},
     {WIZ_BROWSER, MENU_BROWSER},
     {0, MENU_RESET},
     {0, MENU_PROPERTIES},
@@ -162,6 +173,8 @@ inline constexpr GuiId GuiIds[] = {
     {WIZ_DISPLAY_DESCRIPTION, "d_dt"},
     {WIZ_DISPLAY_OK, "do"},
     {WIZ_DISPLAY_APPLY, "da"},
+    {WIZ_SEND_QUEUE, "sfql"},
+    {WIZ_SEND_APPLY, "sfap"},
     {DISC_BROWSER_OK, "bro"},
     {DISC_DIALOG, "ipDisc"},
     {DISC_TABS, "ipdt"},

@@ -57,7 +57,7 @@ void GreyoutSNMP(int state) {
     char value[PPD_VALUE];
     const char *enabled = GetCurModelItem("SNMPServicesEnable", value, sizeof value);
     if (enabled && strcmp(enabled, "FALSE") == 0) state = SNMP_OFF;
-    XmtDisable(MENU_PROPERTIES "," MENU_WEB ",tb3i,tb3");
+    XmtDisable(MENU_UPGRADE "," MENU_PROPERTIES "," MENU_WEB ",tb3i,tb3");
     if (state > SNMP_NO_PRINTER && state <= SNMP_OFF) XmtEnable(SnmpEntries[state]);
 }
 

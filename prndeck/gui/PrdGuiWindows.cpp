@@ -10,6 +10,8 @@
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiEvent.h"
 #include "prndeck/gui/PrdGuiList.h"
+#include "prndeck/gui/PrdGuiSend.h"
+#include "prndeck/gui/PrdGuiSendDesc.h"
 #include "prndeck/gui/PrdGuiSnmpDesc.h"
 #include "prndeck/gui/PrdGuiSnmpManagement.h"
 #include "prndeck/gui/PrdGuiSnmpReset.h"
@@ -42,6 +44,7 @@ const GuiDesc GuiDescs[] = {
     {"CopyQueDesc", CopyQueDesc, SET_COPY, WizardEventHandler, nullptr, PrepareCopyQue},
     {"ConfigureBannerDesc", ConfigureBannerDesc, SET_BANNER, WizardEventHandler, nullptr, PrepareBanner},
     {"AddQueDesc", AddQueDesc, SET_ADD, WizardEventHandler, FillModels, PrepareAddQue},
+    {"SetupSendFileDesc", SetupSendFileDesc, SET_SEND, WizEventHandler, nullptr, PrepareSend},
     {},
 };
 

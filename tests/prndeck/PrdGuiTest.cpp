@@ -16,6 +16,7 @@
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiPanel.h"
+#include "prndeck/gui/PrdGuiSend.h"
 #include "tests/lib/AppTool.h"
 #include "tests/lib/SnmpAgent.h"
 #include "tests/lib/WindowRig.h"
@@ -140,7 +141,7 @@ protected:
         Tool->WriteDb("en_US/PrtHelp", {{"x", "x"}});
         Tool->WriteDb("en_US/PrtString", {{"tv_off", Item("SNMPServicesEnable", "FALSE")},
                                           {"tv_on", Item("SNMPServicesEnable", "TRUE")},
-                                          {"tv_fix", Item("NoPrinterReset", "")}});
+                                          {"tv_fix", Item("NoPrinterReset", "") + Item("PRDUpgrade", "ps")}});
         Tool->WriteModels({"tv_generic.ppd", "tv_off.ppd", "tv_on.ppd", "tv_fix.ppd"});
         Tool->Write("icon/tv_on/static.xbm", "no picture");
         flUserIsRoot = 1;
@@ -207,11 +208,11 @@ struct SelectCase {
     const char *want; // of the entries; those of queues and tb1 stand as they are for root
 };
 static const SelectCase Selections[] = {
-    {"without a web port", "tv_on.ppd", PRN_DISCOVERED, "3_c_3 3_c_4 3_c_5 3_c_6 tb3"},
+    {"without a web port", "tv_on.ppd", PRN_DISCOVERED, "3_c_4 3_c_5 3_c_6 tb3"},
     {"with one", "tv_on.ppd", PRN_DISCOVERED | PRN_WEB, "3_c_3 3_c_4 3_c_5 3_c_6 3_c_7 tb3i tb3"},
     {"no SNMP services", "tv_off.ppd", PRN_WEB, "3_c_3 3_c_4 3_c_5 3_c_7 tb3i"},
-    {"no reset", "tv_fix.ppd", 0, "3_c_3 3_c_4 3_c_6 tb3"},
-    {"no model", "none", 0, "3_c_3 3_c_4 3_c_5 3_c_6 tb3"},
+    {"no reset", "tv_fix.ppd", 0, "3_c_4 3_c_6 tb3"},
+    {"no model", "none", 0, "3_c_4 3_c_5 3_c_6 tb3"},
 };
 
 TEST_F(Gui, SelectionsAndWhatTheyAllow) {
@@ -219,18 +220,18 @@ TEST_F(Gui, SelectionsAndWhatTheyAllow) {
     SnmpAgent agent([](SnmpAgent &a, const AgentRequest &r) { a.Answer(r, BerElement(0x04, "x")); });
     SnmpAgentPort = agent.Port();
     const std::string root = "2_b_1_pd 2_b_3 tb1 ";
-    EXPECT_EQ(Enabled(), root + "3_c_3 3_c_4");
+    EXPECT_EQ(Enabled(), root + "3_c_4");
     for (const SelectCase &c : Selections) AddPrinter("127.0.3.1", c.model, c.flags);
     for (size_t i = 0; i < std::size(Selections); i++) {
         Event(130, static_cast<intptr_t>(i) + 1);
         EXPECT_EQ(Enabled(), root + Selections[i].want) << Selections[i].what;
         EXPECT_EQ(Cur_Product_Index, static_cast<int>(i));
         Event(130, 0);
-        EXPECT_EQ(Enabled(), root + "3_c_3 3_c_4") << "none behind " << Selections[i].what;
+        EXPECT_EQ(Enabled(), root + "3_c_4") << "none behind " << Selections[i].what;
     }
     Event(130, 3);
     DoRefresh();
-    EXPECT_EQ(Enabled(), root + "3_c_3 3_c_4") << "a refresh";
+    EXPECT_EQ(Enabled(), root + "3_c_4") << "a refresh";
     EXPECT_EQ(DevCount, 0) << "finds what is there";
     EXPECT_EQ(Cur_Product_Index, -1);
     Event(130, 99); // beyond the list
@@ -396,6 +397,38 @@ TEST_F(Gui, ObjectsBearTheNumbersThatAreHeard) {
         ASSERT_TRUE(object) << id.object;
         EXPECT_TRUE(!id.id || object->id == id.id) << id.object << " " << object->id;
     }
+}
+
+// ---- What is sent
+
+TEST_F(Gui, FirmwareIsOfferedToQueuesOfItsModelAlone) {
+    Tool->WriteDb("que", {{"fix", QueData("fix host lp tv_fix.ppd 0 0 0 0 0 0")},
+                          {"any", QueData("any host lp tv_on.ppd 0 0 0 0 0 0")}});
+    Tool->Write("good", "%!PS systemdict /download get");
+    Tool->Write("bad", "%!PS showpage");
+    flSendFileOperation = SEND_UPGRADE;
+    struct {
+        const char *file;
+        const char *queue;
+        bool flWant;
+    } cases[] = {{"good", "fix", true},
+                 {"bad", "fix", false},
+                 {"bad", "any", true},
+                 {"bad", "none", false},
+                 {"gone", "fix", false}};
+    for (const auto &c : cases) {
+        InitSendFile(Tool->Path(c.file).c_str());
+        EXPECT_FALSE(XmtIsEnabled("sfap")) << "nothing is chosen yet";
+        ChooseSendQue(1, c.queue);
+        EXPECT_EQ(XmtIsEnabled("sfap"), c.flWant) << c.file << " " << c.queue;
+    }
+    flUserIsRoot = 0;
+    ChooseSendQue(1, "none");
+    EXPECT_TRUE(XmtIsEnabled("sfap")) << "only root is kept from it";
+    ChooseSendQue(0, "");
+    EXPECT_FALSE(XmtIsEnabled("sfap")) << "taken back";
+    XmtHide("sfw");
+    remove(Tool->Db("que").c_str());
 }
 
 TEST_F(Gui, DriverFrontEnd) {
