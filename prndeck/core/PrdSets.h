@@ -15,6 +15,7 @@ enum {
     SET_COPY = 8,
     SET_BANNER = 10,
     SET_MODIFY = 11,
+    SET_JOBS = 12,
     SET_SEND = 13,
     SET_DISC = 14,
     SET_SHEET = 15,

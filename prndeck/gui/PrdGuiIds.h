@@ -88,7 +88,7 @@ enum {
 };
 
 // WizardEventHandler: 300 to 372 the lists, 400 to 417 a new queue, 420 to 431 banner titles, 435 to 445 a
-// copy, 450 to 457 changes of a queue
+// copy, 450 to 457 changes of a queue, 500 to 525 waiting jobs
 enum {
     WIZARD_MODIFY_LIST = 300,
     WIZARD_MODIFY_CHOICE = 301,
@@ -137,6 +137,15 @@ enum {
     WIZARD_MOD_SETUP = 455,
     WIZARD_MOD_TITLES = 456,
     WIZARD_MOD_APPLY = 457,
+    WIZARD_JOB_COUNTS = 500,
+    WIZARD_JOB_QUEUE = 501,
+    WIZARD_JOB_COUNTS_CLOSE = 502,
+    WIZARD_JOB_COUNTS_REFRESH = 503,
+    WIZARD_JOB_INTERVAL = 521,
+    WIZARD_JOB_CHOICE = 522,
+    WIZARD_JOB_CLOSE = 523,
+    WIZARD_JOB_DELETE = 524,
+    WIZARD_JOB_DELETE_ALL = 525,
 };
 
 struct GuiId {
@@ -174,6 +183,15 @@ inline constexpr GuiId GuiIds[] = {
     {WIZ_DISPLAY_OK, "do"},
     {WIZ_DISPLAY_APPLY, "da"},
     {WIZ_SEND_QUEUE, "sfql"},
+    {WIZARD_JOB_COUNTS, "jmw"},
+    {WIZARD_JOB_QUEUE, "jmql"},
+    {WIZARD_JOB_COUNTS_CLOSE, "jme"},
+    {WIZARD_JOB_COUNTS_REFRESH, "jmr"},
+    {WIZARD_JOB_INTERVAL, "jmt"},
+    {WIZARD_JOB_CHOICE, "jmsjl"},
+    {WIZARD_JOB_CLOSE, "jmse"},
+    {WIZARD_JOB_DELETE, "jmsd"},
+    {WIZARD_JOB_DELETE_ALL, "jmsda"},
     {WIZ_SEND_APPLY, "sfap"},
     {DISC_BROWSER_OK, "bro"},
     {DISC_DIALOG, "ipDisc"},

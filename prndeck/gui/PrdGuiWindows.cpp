@@ -9,6 +9,8 @@
 #include "prndeck/gui/PrdGuiDesc.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
 #include "prndeck/gui/PrdGuiEvent.h"
+#include "prndeck/gui/PrdGuiJobs.h"
+#include "prndeck/gui/PrdGuiJobsDesc.h"
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiSend.h"
 #include "prndeck/gui/PrdGuiSendDesc.h"
@@ -45,6 +47,7 @@ const GuiDesc GuiDescs[] = {
     {"ConfigureBannerDesc", ConfigureBannerDesc, SET_BANNER, WizardEventHandler, nullptr, PrepareBanner},
     {"AddQueDesc", AddQueDesc, SET_ADD, WizardEventHandler, FillModels, PrepareAddQue},
     {"SetupSendFileDesc", SetupSendFileDesc, SET_SEND, WizEventHandler, nullptr, PrepareSend},
+    {"JobWinDesc", JobWinDesc, SET_JOBS, WizardEventHandler, nullptr, PrepareJobs},
     {},
 };
 

@@ -12,6 +12,7 @@
 #include "prndeck/gui/PrdGuiBanner.h"
 #include "prndeck/gui/PrdGuiBusy.h"
 #include "prndeck/gui/PrdGuiIds.h"
+#include "prndeck/gui/PrdGuiJobs.h"
 #include "prndeck/gui/PrdGuiTold.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtMsg.h"
@@ -59,6 +60,7 @@ void GenWizardGui() {
     pTarvoQueList = SaveStr_(Unread);
     InitQueSettings(nullptr, 0);
     UpdateQueList();
+    StartJobTimers();
 }
 
 // ---- What the flows share
@@ -251,6 +253,15 @@ void WizardEventHandler(XmtCallData *data) {
     case WIZARD_NEW_APPLY: RunCopyQue(1); break;
     case WIZARD_MOD_SETUP: SetUpQueFeatures(); break;
     case WIZARD_MOD_APPLY: ApplyModifySettings(); break;
+    case WIZARD_JOB_COUNTS: OpenJobCounts(); break;
+    case WIZARD_JOB_QUEUE: ChooseJobQue(value, data->text); break;
+    case WIZARD_JOB_COUNTS_CLOSE: CloseJobCounts(); break;
+    case WIZARD_JOB_COUNTS_REFRESH: RefreshJobCounts(); break;
+    case WIZARD_JOB_INTERVAL: SetJobInterval(data->text); break;
+    case WIZARD_JOB_CHOICE: ChooseJobs(data->selection); break;
+    case WIZARD_JOB_CLOSE: CloseJobs(); break;
+    case WIZARD_JOB_DELETE: DeleteJobs(); break;
+    case WIZARD_JOB_DELETE_ALL: DeleteAllJobs(); break;
     case WIZARD_RETRY:
         if (data->reason == XmtCR_OK) RetryAddQue();
         break;

@@ -8,7 +8,6 @@ static const char twice[] = "each frame and hint makes one, and nothing speaks o
 static const char version[] = "the program puts its version there";
 static const char sizes[] = "Motif sizes the messages itself";
 static const char models[] = "the program puts the models there";
-static const char later[] = "its window comes later";
 static const char hint[] = "hints of the tool buttons: not every look has them";
 
 const KnownFault KnownFaults[] = {
@@ -32,7 +31,6 @@ const KnownFault KnownFaults[] = {
     {"MainWinDesc", "the target \"tb1L\" is no object", hint},
     {"MainWinDesc", "the target \"tb3iL\" is no object", hint},
     {"MainWinDesc", "the target \"tb3L\" is no object", hint},
-    {"MainWinDesc", "the target \"jmw\" is no object", later},
     {"IPDiscoveryDesc", "unknown argument \"S\"", sizes},
     {"IPDiscoveryDesc", "unknown argument \"r\"", sizes},
     {"AboutDesc", "text 2/3 of en_US holds a '%'", version},

@@ -1,0 +1,208 @@
+// Waiting jobs in windows.
+#include "prndeck/gui/PrdGuiJobs.h"
+
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "common/utils.h"
+#include "prndeck/core/Prd.h"
+#include "prndeck/core/PrdJobs.h"
+#include "prndeck/core/PrdQueList.h"
+#include "prndeck/core/PrdSend.h"
+#include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdGuiBusy.h"
+#include "prndeck/gui/PrdGuiTold.h"
+#include "xmt/XmtMsg.h"
+#include "xmt/XmtNewWin.h"
+#include "xmt/XmtStore.h"
+#include "xmt/XmtString.h"
+#include "xmt/XmtUtils.h"
+
+#include <algorithm>
+#include <cstring>
+
+enum { MSG_JOBS_TITLE = 172, MSG_STATUS = 173 };
+enum { FIRST_INTERVAL = 2, COUNT_INTERVAL = 30 };
+static constexpr char StatusFile[] = ".status";
+
+int JobTimerInterval = FIRST_INTERVAL, JobCountTimerInterval = COUNT_INTERVAL;
+int JobTimer, JobCountTimer;
+std::string JobQue;
+int JobQueIndex;
+std::vector<std::string> pJobText;
+
+// ---- Lists
+
+// A comma list for the toolkit.
+static std::string JoinRows(const std::vector<std::string> &rows) {
+    std::string list;
+    for (const std::string &row : rows) {
+        if (!list.empty()) list += ',';
+        for (char ch : row) {
+            if (strchr(",\\", ch)) list += '\\';
+            list += static_cast<unsigned char>(ch) < ' ' ? '?' : ch;
+        }
+    }
+    return list;
+}
+
+void UpdateJobCount() {
+    std::vector<std::string> rows;
+    UpdateJobPaths();
+    for (const std::string &queue : JobQueues) {
+        const std::string *path = FindJobPath(queue);
+        rows.push_back(MakeCountRow(path ? CountJobs(*path) : 0, queue));
+    }
+    XmtReplaceAllListItems("jmql", JoinRows(rows).c_str());
+}
+
+// What was chosen stays so, if it still waits: it is what Delete takes.
+static void ShowJobs(const std::vector<std::string> &rows) {
+    std::vector<std::string> kept;
+    XmtReplaceAllListItems("jmsjl", JoinRows(rows).c_str());
+    Widget list = XmtGetWidget("jmsjl");
+    for (size_t i = 0; i < rows.size(); i++) {
+        if (std::find(pJobText.begin(), pJobText.end(), rows[i]) == pJobText.end()) continue;
+        kept.push_back(rows[i]);
+        if (list) XmListSelectPos(list, static_cast<int>(i) + 1, 0);
+    }
+    pJobText = kept;
+}
+
+// A list that reads as before is left alone: its place and its selection stay.
+static void UpdateRows(const std::string *path) {
+    static std::vector<std::string> shown;
+    std::vector<std::string> rows;
+    if (path)
+        for (const PrintJob &job : ReadJobs(*path)) rows.push_back(MakeJobRow(job));
+    if (rows == shown && XmtGetListCount("jmsjl") == static_cast<int>(rows.size())) return;
+    shown = rows;
+    ShowJobs(rows);
+}
+
+static std::string ReadStatus(const std::string *path) {
+    char *status = path ? GetSavedFileContent(path->c_str(), StatusFile) : nullptr;
+    if (!status) return "";
+    std::string format = NlsText(pDrvCoreDB, SET_MESSAGES, MSG_STATUS);
+    std::string text = NlsFmt(format.c_str(), "s", status);
+    PutMem(status);
+    return text;
+}
+
+static void UpdateStatus(const std::string *path) {
+    static std::string shown;
+    std::string text = ReadStatus(path);
+    if (text == shown) return;
+    shown = text;
+    XmtSetText("jmss", text.c_str());
+}
+
+void UpdateJobList() {
+    if (JobQue.empty()) return;
+    UpdateJobPaths();
+    const std::string *path = FindJobPath(JobQue);
+    XmtSetLabelText("jmxq", path ? path->substr(path->rfind('/') + 1).c_str() : "");
+    std::string title = NlsText(pDrvCoreDB, SET_MESSAGES, MSG_JOBS_TITLE);
+    XmtSetTitle("jmsw", NlsFmt(title.c_str(), "s", JobQue.c_str()).c_str());
+    UpdateStatus(path);
+    UpdateRows(path);
+}
+
+// ---- Timers
+
+static void CountTick(intptr_t) {
+    UpdateJobCount();
+}
+
+static void ListTick(intptr_t) {
+    UpdateJobList();
+}
+
+void StartJobTimers() {
+    JobTimer = XmtStartTimer(XMT_TIMER_SUSPENDED, JobTimerInterval, ListTick, 0);
+    JobCountTimer = XmtStartTimer(XMT_TIMER_SUSPENDED, JobCountTimerInterval, CountTick, 0);
+}
+
+// The window manager closes windows without an event of theirs.
+static void StopCounts(Widget, XtPointer, XtPointer) {
+    CloseJobCounts();
+}
+
+static void StopJobs(Widget, XtPointer, XtPointer) {
+    CloseJobs();
+}
+
+void PrepareJobs() {
+    XmtSetDialogButtons("jmw", nullptr, "jmc");   // Return in the list opens a queue
+    XmtSetDialogButtons("jmsw", nullptr, "jmse"); // Return in the interval must not delete or close
+    if (Widget counts = XmtGetWidget("jmw")) XtAddCallback(counts, XmNunmapCallback, StopCounts, nullptr);
+    if (Widget jobs = XmtGetWidget("jmsw")) XtAddCallback(jobs, XmNunmapCallback, StopJobs, nullptr);
+}
+
+// ---- The queues
+
+void OpenJobCounts() {
+    if (IsEmpty(pTarvoQueList)) return;
+    UpdateJobCount();
+    XmtResetTimer(JobCountTimer);
+}
+
+void ChooseJobQue(int place, const char *row) {
+    if (IsEmpty(row)) return;
+    const char *blank = strrchr(row, ' ');
+    JobQue = blank ? blank + 1 : row;
+    JobQueIndex = place;
+    pJobText.clear();
+    XmtSuspendTimer(JobCountTimer);
+    XmtResetTimer(JobTimer);
+    UpdateJobList();
+}
+
+void CloseJobCounts() {
+    XmtSuspendTimer(JobCountTimer);
+}
+
+void RefreshJobCounts() {
+    if (!IsEmpty(pTarvoQueList)) UpdateJobCount();
+}
+
+// ---- The jobs of one queue
+
+void SetJobInterval(const char *text) {
+    int seconds = text ? ParseInt(text) : 0;
+    if (seconds < 1) return; // the field is being filled in
+    JobTimerInterval = seconds;
+    XmtSuspendTimer(JobTimer);
+    XmtResumeTimer(JobTimer, seconds);
+}
+
+void ChooseJobs(const char *selection) {
+    pJobText.clear();
+    for (const char *row = selection; row && *row; row += strlen(row) + 1) pJobText.emplace_back(row);
+}
+
+// The counts go on if their window is still there.
+void CloseJobs() {
+    Widget counts = XmtGetWidget("jmw");
+    XmtSuspendTimer(JobTimer);
+    if (counts && XtIsManaged(counts)) XmtResetTimer(JobCountTimer);
+}
+
+static void RunRemove(const std::string &line) {
+    XmtSuspendTimer(JobTimer);
+    BusyCursor busy("jmsw");
+    if (!line.empty() && !JobQue.empty()) PostTold(RunRemoveLine(line));
+    UpdateJobList();
+    pJobText.clear();
+    if (Widget list = XmtGetWidget("jmsjl")) XmListDeselectAllItems(list);
+    XmtResetTimer(JobTimer);
+}
+
+void DeleteJobs() {
+    std::string names;
+    for (const std::string &row : pJobText) names += " " + GetRowJob(row);
+    RunRemove(MakeRemoveLine(JobQue.c_str(), names));
+}
+
+void DeleteAllJobs() {
+    RunRemove(JobQue.empty() ? "" : MakeRemoveAllLine(JobQue.c_str()));
+}
