@@ -16,6 +16,7 @@
 #include <netinet/in.h>
 #include <sys/ioctl.h>
 #include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 #include <vector>
 
@@ -29,6 +30,7 @@ static constexpr char OldDelims[] = "*,"; // between the addresses of an older r
 SubnetEntry *SubnetList;
 int SubnetCount, SubnetBuffer;
 char *pIpList, *pIpListMod, *pPreferredWB;
+int flBrowserDoubtful;
 void (*pDiscReport)(const char *title, const char *text);
 
 static int HostIoctl(int socket, unsigned long request, void *argument) {
@@ -337,13 +339,23 @@ void RemoveFromIpList(const char *address) {
 
 // ---- The browser
 
+// Whether somebody else may have written what the file holds. Without one nothing was read.
+static bool IsStoreOpen() {
+    struct stat info;
+    std::string path = std::string(pToolPath) + "/db/IPDisc.xdb";
+    if (stat(path.c_str(), &info) != 0) return false;
+    return info.st_uid != geteuid() || (info.st_mode & (S_IWGRP | S_IWOTH));
+}
+
 void ReadBrowser() {
     std::string command;
-    SetManaged(&pPreferredWB,
-               ReadRecord("FavBrowser", &command) && !command.empty() ? command.c_str() : DefaultBrowser);
+    bool flStored = ReadRecord("FavBrowser", &command) && !command.empty();
+    flBrowserDoubtful = flStored && IsStoreOpen();
+    SetManaged(&pPreferredWB, flStored ? command.c_str() : DefaultBrowser);
 }
 
 int WriteBrowser(const char *command) {
+    flBrowserDoubtful = 0;
     SetManaged(&pPreferredWB, command);
     return WriteRecord("FavBrowser", pPreferredWB, strlen(pPreferredWB) + 1); // with its NUL
 }

@@ -20,11 +20,12 @@ struct SubnetEntry {
 
 // Writers: the functions below.
 extern SubnetEntry *SubnetList;
-extern int SubnetCount;    // entries
-extern int SubnetBuffer;   // room for entries
-extern char *pIpList;      // ",10.0.0.7,10.0.0.8,", managed; null: none stored
-extern char *pIpListMod;   // a changed copy, managed; null: unchanged
-extern char *pPreferredWB; // command of the web browser, managed; writers: ReadBrowser, WriteBrowser
+extern int SubnetCount;       // entries
+extern int SubnetBuffer;      // room for entries
+extern char *pIpList;         // ",10.0.0.7,10.0.0.8,", managed; null: none stored
+extern char *pIpListMod;      // a changed copy, managed; null: unchanged
+extern char *pPreferredWB;    // command of the web browser, managed; writers: ReadBrowser, WriteBrowser
+extern int flBrowserDoubtful; // it was stored where others may write, and nobody has said yes to it; likewise
 
 // ---- Subnets
 // Reads the stored list; a record of an older release counts where there is none. What is no address with a

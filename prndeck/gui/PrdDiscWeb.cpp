@@ -4,6 +4,7 @@
 #include "common/NlsUtils.h"
 #include "common/SysCmd.h"
 #include "common/utils.h"
+#include "prndeck/core/Prd.h"
 #include "prndeck/core/PrdDisc.h"
 #include "prndeck/core/PrdDiscNets.h"
 #include "prndeck/core/PrdSets.h"
@@ -22,7 +23,7 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-enum { MSG_NO_BROWSER = 32, MSG_NO_COMMAND = 33, MSG_NOT_STORED = 24 };
+enum { MSG_NO_BROWSER = 32, MSG_NO_COMMAND = 33, MSG_DOUBTFUL = 34, MSG_NOT_STORED = 24 };
 static constexpr char WarningTitle[] = "Quillbrook Warning";
 
 int flConnectTimedOut;
@@ -94,8 +95,16 @@ bool InvokeWebBrowser(const char *address, const char *path) {
     return pSystem(line.c_str()) == 0;
 }
 
+// What another user may have stored is not run by root before root has seen it.
+static bool AskForBrowser() {
+    if (!flUserIsRoot || !flBrowserDoubtful) return false;
+    XmtPostMsg_(nullptr, NlsText(pDrvCoreDB, SET_WEB, MSG_DOUBTFUL).c_str());
+    OpenBrowserChoice();
+    return true;
+}
+
 void OpenWebPage() {
-    if (!pCurPrnData) return;
+    if (!pCurPrnData || AskForBrowser()) return;
     BusyCursor busy("prndeck");
     if (InvokeWebBrowser(pCurPrnData->Address, "")) return;
     XmtPostMsg_(WarningTitle, NlsText(pDrvCoreDB, SET_WEB, MSG_NO_BROWSER).c_str());

@@ -131,7 +131,7 @@ void SetConnection(int connection) {
 void SetUpFeatures() {
     static int LastModel;
     BusyCursor busy("prndeck,wqw");
-    if (PrinterModel != LastModel) DeleteFile(pToolPath, SettingsFile);
+    if (PrinterModel != LastModel) DeleteWorkFile(SettingsFile);
     RunFeatures(GetModelFile(PrinterModel), GetField("wqn").c_str(), 0);
     LastModel = PrinterModel;
 }

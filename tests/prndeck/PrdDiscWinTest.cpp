@@ -219,6 +219,28 @@ TEST_F(DiscWin, ABrowserIsStartedIfItsCommandIsThere) {
     }
 }
 
+TEST_F(DiscWin, RootSeesABrowserThatOthersMayHaveStoredBeforeItRuns) {
+    SystemSpy spy;
+    PrnEntry printer{};
+    char address[] = "10.0.0.5";
+    printer.Address = address;
+    pCurPrnData = &printer;
+    WriteBrowser("sh -x");
+    chmod(Tool->Db("IPDisc").c_str(), 0666);
+    ReadBrowser();
+    OpenWebPage();
+    EXPECT_EQ(TakeMessages(), ":80_34 ");
+    EXPECT_TRUE(XtIsManaged(XmtGetWidget("brw")) && spy.lines.empty());
+    SetBrowser();
+    XmtHide("brw");
+    OpenWebPage();
+    EXPECT_EQ(spy.lines.size(), 1U);
+    chmod(Tool->Db("IPDisc").c_str(), 0644);
+    ReadBrowser();
+    EXPECT_FALSE(flBrowserDoubtful);
+    pCurPrnData = nullptr;
+}
+
 TEST_F(DiscWin, AMissingBrowserIsToldAndAskedFor) {
     SystemSpy spy;
     WriteBrowser("no-such-browser");

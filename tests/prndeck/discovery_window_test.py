@@ -110,6 +110,8 @@ class Discovery(unittest.TestCase):
         self.display.keep("discovery-selected", self.deck.window)
         buttons = self.parts(self.deck.window, 6)[-5:]
         self.display.click(buttons[3])
+        self.agree_to_browser()
+        self.display.click(buttons[3])
         self.deck.wait_for(lambda: self.deck.tool.read("browsed"), "the browser")
         self.assertEqual(self.deck.tool.read("browsed"), "http://10.71.1.11\n")
 
@@ -127,6 +129,17 @@ class Discovery(unittest.TestCase):
         self.assertEqual(self.rows(3), left)
         self.assertEqual(self.records(), stored)
         self.assertEqual(self.deck.said(), "")
+
+    def agree_to_browser(self):
+        """Anybody may have stored the command: root is shown it."""
+        message = " " * 5
+        self.display.keep("discovery-browser", self.display.window(message))
+        self.display.key("Return")
+        self.display.gone(message)
+        self.display.focused("Web Browser")
+        self.assertEqual(self.deck.tool.read("browsed"), "")
+        self.display.key("Return")
+        self.display.gone("Web Browser")
 
     def change(self):
         """Adds a subnet and disables it, scans, disables what the scan finds of it, adds addresses; OK."""
