@@ -101,6 +101,7 @@ void GenGui() {
 }
 
 void InitGui(intptr_t) {
+    UpdateQueList();
     DoRefresh();
 }
 

@@ -29,6 +29,13 @@ class Send(wizard.Wizard):
         self.key("Home", "Return")
         self.display.gone(title)
 
+    def arrived(self, count):
+        """The last of so many jobs; what the spool directory says if it does not come."""
+        jobs = self.printer.wait(count)
+        spool = [path.read_text("latin-1") for path in (self.tool.path.parent / "spool").rglob(".*") if path.name in (".q", ".status")]
+        self.assertEqual(len(jobs), count, (spool, self.printer.problems, self.deck.said()))
+        return jobs[-1]
+
     def choose_file(self, path):
         self.focused("Select File")
         self.display.keep("send-file-dialog-" + self.language, self.display.window("Select File"))
@@ -42,14 +49,14 @@ class Send(wizard.Wizard):
         self.press_entry(PAGE)
         self.send("page", "Send Test Page")
         page = (self.tool.path / "TestPage.ps").read_bytes()
-        self.assertIn(page, self.printer.wait(1)[0])
+        self.assertIn(page, self.arrived(1))
 
         self.press_entry(FILE)
         path = self.tool.path / "a 'quoted' $(touch x) file"
         path.write_bytes(b"%!PS\nplain\n")
         self.choose_file(path)
         self.send("file", "Send File")
-        self.assertIn(b"%!PS\nplain\n", self.printer.wait(2)[1])
+        self.assertIn(b"%!PS\nplain\n", self.arrived(2))
         self.assertFalse((self.tool.path / "x").exists())
         self.assertEqual(self.deck.said(), "")
 
