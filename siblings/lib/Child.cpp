@@ -66,7 +66,7 @@ void TellUser(std::string text) {
     PutLog(text);
 }
 
-static bool IsProgram(const std::string &path) {
+bool IsProgram(const std::string &path) {
     struct stat status;
     return !access(path.c_str(), X_OK) && !stat(path.c_str(), &status) && S_ISREG(status.st_mode);
 }

@@ -21,6 +21,7 @@ struct Ran {
 // It ran to its end and answered 0.
 bool Succeeded(const Ran &ran);
 
+bool IsProgram(const std::string &path); // a file that may be run
 // Path of a host program in PATH, or in the usual directories, or empty.
 std::string FindProgram(const std::string &name);
 

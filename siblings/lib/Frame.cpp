@@ -33,17 +33,43 @@ void BeginProgram(const char *name) {
     umask(022);
 }
 
-bool FindToolDirectory() {
-    char *path = realpath("/proc/self/exe", nullptr);
-    char *slash = path ? strrchr(path, '/') : nullptr;
-    if (slash) slash[slash == path] = '\0';
-    pToolPath = SaveStr_(slash ? path : ".");
-    free(path);
-    return slash;
+// The path that a bare name was started by. PATH may hold relative directories, and the empty one is the
+// current.
+static std::string PathOfName(const std::string &name) {
+    const char *search = getenv("PATH");
+    std::string paths = std::string(search ? search : "") + ":";
+    for (size_t at = 0, end; !name.empty() && (end = paths.find(':', at)) != paths.npos; at = end + 1) {
+        std::string directory = end == at ? "." : paths.substr(at, end - at);
+        if (IsProgram(directory + "/" + name)) return directory + "/" + name;
+    }
+    return name;
 }
 
-bool EnterToolDirectory() {
-    return FindToolDirectory() && !chdir(pToolPath);
+static bool HasModels(const char *directory) {
+    struct stat status;
+    return !stat((std::string(directory) + "/ppd").c_str(), &status) && S_ISDIR(status.st_mode);
+}
+
+bool FindToolDirectory(const char *argv0) {
+    std::string name = argv0 ? argv0 : "";
+    bool flBare = name.find('/') == name.npos;
+    pToolPath = GetToolPath((flBare ? PathOfName(name) : name).c_str());
+    if (HasModels(pToolPath)) return true;
+    const char *named = getenv(ToolDirVariable);
+    if (!named || *named != '/' || !HasModels(named)) return false;
+    PutMem(pToolPath);
+    std::string path = named;
+    while (path.size() > 1 && path.ends_with('/'))
+        path.pop_back(); // spool directories bear the last part's name
+    pToolPath = SaveStr_(path.c_str());
+    return true;
+}
+
+bool EnterToolDirectory(const char *argv0) {
+    if (FindToolDirectory(argv0) && !chdir(pToolPath)) return true;
+    TellUser(std::string(pToolPath) +
+             " is no tool directory: start the program by its path there, or name it in " + ToolDirVariable);
+    return false;
 }
 
 void LimitRun() {

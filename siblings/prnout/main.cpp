@@ -206,8 +206,8 @@ static std::string Print(const Words &words, int file, const std::string &path) 
     return Say(SayQueueUnknown, print.queue);
 }
 
-static int Detached(const std::string &mode, const std::string &directory) {
-    if (!EnterToolDirectory()) return Complain("can't enter the tool's directory");
+static int Detached(const char *argv0, const std::string &mode, const std::string &directory) {
+    if (!EnterToolDirectory(argv0)) return 1;
     signal(SIGHUP, SIG_IGN);
     return Complain(mode == "-send" ? RunSender(directory) : RunWatcher(directory));
 }
@@ -217,7 +217,8 @@ int main(int argc, char **argv) {
     int file = -1;
     BeginProgram("prnout");
     std::vector<std::string> all(argv + 1, argv + argc);
-    if (all.size() == 2 && (all[0] == "-send" || all[0] == "-watch")) return Detached(all[0], all[1]);
+    if (all.size() == 2 && (all[0] == "-send" || all[0] == "-watch"))
+        return Detached(argv[0], all[0], all[1]);
     std::string error = ReadWords(all, words);
     if (!error.empty()) return Complain(error);
     if (words.flHelp) return fputs(UsageText, stdout) < 0;
@@ -225,7 +226,7 @@ int main(int argc, char **argv) {
     std::string path = PathOf(words.file);
     error = OpenFile(path, file);
     if (!error.empty()) return Complain(error);
-    if (!EnterToolDirectory()) return Complain("can't enter the tool's directory");
+    if (!EnterToolDirectory(argv[0])) return 1;
     LimitRun();
     return Complain(Print(words, file, path));
 }

@@ -161,7 +161,7 @@ int RunFrontEnd(int argc, char **argv, const char *name, int face) {
     Ppd ppd;
     std::string path, settings;
     my_name = name;
-    FindToolDirectory();
+    FindToolDirectory(argv[0]);
     std::string error = ReadArguments(argc, argv, face, arguments);
     if (arguments.flTty) OpenTerminal();
     if (!error.empty()) return RefuseWords(error, face, arguments.flTty);

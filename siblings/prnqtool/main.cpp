@@ -14,7 +14,7 @@ int main(int argc, char **argv) {
     if (!error.empty()) return Complain(error);
     if (options.command == COMMAND_HELP) return fputs(UsageText, stdout) < 0;
     if (options.command == COMMAND_VERSION) return printf("prnqtool %s\n", ToolVersion) < 0;
-    if (!EnterToolDirectory()) return Complain("can't enter the tool's directory");
+    if (!EnterToolDirectory(argv[0])) return 1;
     LimitRun();
     int status = RunCommand(options);
     return fflush(stdout) ? Complain("can't write the list") : status;

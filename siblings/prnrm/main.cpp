@@ -142,7 +142,7 @@ int main(int argc, char **argv) {
     if (words.size() == 1 && words[0] == "--help") return fputs(UsageText, stdout) < 0;
     if (words.size() == 1 && words[0] == "--version") return printf("prnrm %s\n", ToolVersion) < 0;
     if (words.size() < 2) return Complain("a queue and its jobs are needed; see prnrm --help");
-    if (!EnterToolDirectory()) return Complain("can't enter the tool's directory");
+    if (!EnterToolDirectory(argv[0])) return 1;
     LimitRun();
     return Complain(Run(words[0], Names(words.begin() + 1, words.end())));
 }
