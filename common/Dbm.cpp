@@ -107,9 +107,28 @@ static std::string DbmDirectory() {
     return std::string(pToolPath ? pToolPath : ".") + "/db";
 }
 
+#ifndef PRN_SHARED_DB
+#define PRN_SHARED_DB 1
+#endif
+bool flDbmShared = PRN_SHARED_DB;
+
+enum { SHARED_MODE = 0666, CLOSED_MODE = 0644, SHARED_DIRECTORY_MODE = 0777, CLOSED_DIRECTORY_MODE = 0755 };
+
+unsigned DbmMode() {
+    return flDbmShared ? SHARED_MODE : CLOSED_MODE;
+}
+
+unsigned DbmDirectoryMode() {
+    return flDbmShared ? SHARED_DIRECTORY_MODE : CLOSED_DIRECTORY_MODE;
+}
+
+bool DbmMayWrite() {
+    return flDbmShared || geteuid() == 0 || eaccess(DbmDirectory().c_str(), W_OK) == 0;
+}
+
 static void MakeLocalDirectory() {
     if (FindFile(".", "db") || access(".", W_OK) != 0) return;
-    CreateFile("./db", nullptr, "777", nullptr, nullptr);
+    CreateFile("./db", nullptr, flDbmShared ? "777" : "755", nullptr, nullptr);
 }
 
 // The database file itself; the directory while there is none, or something else is in its place.
@@ -117,7 +136,7 @@ static int OpenLockFile(const std::string &path) {
     int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (file >= 0) return file;
     std::string directory = DbmDirectory();
-    if (access(directory.c_str(), F_OK) != 0 && errno == ENOENT) mkdir(directory.c_str(), DBM_DIRECTORY_MODE);
+    if (access(directory.c_str(), F_OK) != 0 && errno == ENOENT) mkdir(directory.c_str(), DbmDirectoryMode());
     return open(directory.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
 }
 
@@ -206,8 +225,8 @@ FILE *OpenNewDataBase(const char *name) {
     if (!name) return nullptr;
     std::string path = DbmPath(name, "xdb_new");
     unlink(path.c_str());
-    int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, DBM_MODE);
-    FILE *out = file >= 0 && fchmod(file, DBM_MODE) == 0 ? fdopen(file, "wb") : nullptr;
+    int file = open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | O_CLOEXEC, DbmMode());
+    FILE *out = file >= 0 && fchmod(file, DbmMode()) == 0 ? fdopen(file, "wb") : nullptr;
     if (!out && file >= 0) close(file);
     if (!out) DbmWriteError(name);
     return out;

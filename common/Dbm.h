@@ -26,11 +26,18 @@ enum {
     DBM_BODY_MAX = 65535, // largest body of a record: L is 16 bits
     DBM_BUFFER = 65536,   // holds a body and a NUL; a buffer of this size holds every record's data
     DBM_WORD = 2,         // bytes of L and of K
-    DBM_MODE = 0666,
-    DBM_DIRECTORY_MODE = 0777,
-    DBM_OPEN_TRIES = 10,             // attempts to open or read a file that exists, one second apart
+    DBM_OPEN_TRIES = 10,  // attempts to open or read a file that exists, one second apart
     DBM_FILE_MAX = 16 * 1024 * 1024, // a larger file is none of ours: it isn't read, and no write replaces it
 };
+// Whether everybody may write databases (666 in a directory of 777) or only their owner (644 in 755), as the
+// build option PRN_SHARED_DB has it. Writers: tests.
+extern bool flDbmShared;
+unsigned DbmMode();
+unsigned DbmDirectoryMode();
+// False where databases are their owner's and this user is another: what he changes lasts for the run, and
+// there is nothing to complain of. True for everybody else, whom a failed write is told.
+bool DbmMayWrite();
+
 #define DBM_MAGIC "TXDBAA"   // first bytes of the header format
 enum { DBM_MAGIC_TEST = 5 }; // so many of them decide
 
@@ -57,7 +64,7 @@ void DbUnscramble(char *bytes, size_t count);
 // 1 if the record was written; it replaces the key's record and stands last. 0 for a size of 0, for a key and
 // data of together more than 65533 bytes, and, with "ERROR: Can't write to NAME" on standard error, for a
 // failed write: the old file then stands. A file that is damaged in the middle is kept as NAME.xdb_damaged.
-// Makes ./db (mode 777) first if the current directory has none and can be written.
+// Makes ./db first if the current directory has none and can be written.
 int DbmPutRecord(const char *db, const char *key, const void *data, size_t size);
 // Data bytes stored in the buffer, cut at its capacity; 0 if the key is absent or has no data. No NUL is
 // added.
@@ -110,7 +117,7 @@ extern int DbmLockTries;                               // tests lower it
 
 // Null without a message if the file is missing; a file that exists is tried 10 times, a second apart.
 [[nodiscard]] FILE *OpenDataBase(const char *name, const char *extension, const char *mode, int flQuiet);
-// NAME.xdb_new, made with mode 666 and open for writing. Null, with the write message, if that is not
+// NAME.xdb_new, made with DbmMode() and open for writing. Null, with the write message, if that is not
 // possible.
 [[nodiscard]] FILE *OpenNewDataBase(const char *name);
 // 1 if the file has the new name, and its directory is on the disk.

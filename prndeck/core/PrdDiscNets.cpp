@@ -52,6 +52,7 @@ static int WriteRecord(const char *key, const std::string &text, size_t size) {
     std::vector<char> buffer(DBM_BUFFER);
     int stored = DbmGetRecord(Db, key, buffer.data(), buffer.size());
     if (stored == static_cast<int>(size) && memcmp(buffer.data(), text.c_str(), size) == 0) return 1;
+    if (!DbmMayWrite()) return 1; // it lasts for the run
     return DbmPutRecord(Db, key, text.c_str(), size);
 }
 

@@ -2,7 +2,8 @@
 // are asked one by one. Both lists are records of the database IPDisc, so is the command of the web browser.
 //
 // Changes of the subnets are made in SubnetList at once, changes of the addresses in a copy; neither is
-// stored before its write. doc/xdb.md tells the records.
+// stored before its write; where only root may store them, another user's last for the run. doc/xdb.md tells
+// the records.
 #pragma once
 
 #include <cstdint>

@@ -189,7 +189,7 @@ void SetSNMPRefreshTime() {
 
 static int WriteRefreshTime() {
     std::string record = std::to_string(SNMPRefreshTime);
-    return DbmPutRecord(RefreshDb, RefreshKey, record.data(), record.size());
+    return !DbmMayWrite() || DbmPutRecord(RefreshDb, RefreshKey, record.data(), record.size());
 }
 
 void SaveSNMPRefreshTime() {

@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <sys/stat.h>
 
-enum { DATABASE_MODE = 0666 };
 static const char Database[] = "db/que.xdb"; // the tool directory is the current one
 
 static DbTHandle *Handle;
@@ -184,7 +183,7 @@ void RecordsSetBanner(const std::string &banner) {
 
 std::string RecordsPrepare() {
     if (flLost) return "out of memory";
-    return PrepareFile(Database, std::string_view(Handle->image, Handle->size), DATABASE_MODE);
+    return PrepareFile(Database, std::string_view(Handle->image, Handle->size), DbmMode());
 }
 
 std::string RecordsCommit() {

@@ -21,8 +21,6 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-enum { DB_MODE = 0777 };
-
 static const char LockPath[] = "db/.prnq_lock";
 
 static Host TheHost; // what the host told at the start of this run
@@ -44,7 +42,7 @@ static void HoldSignals() {
 }
 
 static std::string MakeDatabaseDirectory() {
-    if (mkdir("db", DB_MODE) && errno != EEXIST) return "can't make the directory db";
+    if (mkdir("db", DbmDirectoryMode()) && errno != EEXIST) return "can't make the directory db";
     return "";
 }
 

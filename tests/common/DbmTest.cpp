@@ -42,6 +42,25 @@ TEST(Dbm, WritesANewFile) {
     EXPECT_EQ(ReadWhole(tool.Path("old")), std::string("\x06\x00\x02\x6b\x6b\x61\x03\x62", 8));
 }
 
+// Only root can be another user for a while.
+TEST(Dbm, ClosedDatabasesAreTheirOwners) {
+    if (geteuid()) GTEST_SKIP() << "needs root";
+    ToolDir tool;
+    fs::current_path(tool.MakeDir("elsewhere"));
+    flDbmShared = false;
+    ASSERT_EQ(Put("que", "k", "ab"), 1);
+    EXPECT_EQ(fs::status("db").permissions(), static_cast<fs::perms>(0755));
+    EXPECT_EQ(fs::status(tool.Db("que")).permissions(), static_cast<fs::perms>(0644));
+    EXPECT_TRUE(DbmMayWrite());
+    ASSERT_EQ(seteuid(65534), 0);
+    bool flOther = DbmMayWrite();
+    flDbmShared = true;
+    bool flShared = DbmMayWrite(); // who can't write then is told so
+    ASSERT_EQ(seteuid(0), 0);
+    EXPECT_FALSE(flOther);
+    EXPECT_TRUE(flShared);
+}
+
 TEST(Dbm, ReadsWhatOthersWrote) {
     ToolDir tool;
     std::string odd("x\0y", 3);

@@ -128,6 +128,24 @@ TEST_F(Disc, AFirstRunStoresTheInterfacesAndALaterOneKeepsTheUsersSettings) {
     EXPECT_STREQ(pPreferredWB, "lynx -x");
 }
 
+TEST_F(Disc, AUserWhoMayNotStoreHasTheListsForTheRun) {
+    if (geteuid()) GTEST_SKIP() << "needs root";
+    flDbmShared = false;
+    ASSERT_EQ(seteuid(65534), 0);
+    testing::internal::CaptureStderr();
+    InitPkgDisc();
+    int stored = AddToIpList("10.5.0.7") + WriteIPListToDatabase() + WriteBrowser("lynx -x");
+    ReadIPList();
+    std::string errors = testing::internal::GetCapturedStderr();
+    ASSERT_EQ(seteuid(0), 0);
+    flDbmShared = true;
+    EXPECT_EQ(errors, "");
+    EXPECT_EQ(stored, 2);
+    EXPECT_EQ(Subnets(), "10.0.0.9/255.255.255.0+i ");
+    EXPECT_STREQ(GetIpList(), ",10.5.0.7,");
+    EXPECT_EQ(access(tool.Db("IPDisc").c_str(), F_OK), -1);
+}
+
 TEST_F(Disc, RecordsOfAllKindsAreRead) {
     struct {
         Records records;
