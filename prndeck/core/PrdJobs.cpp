@@ -8,10 +8,12 @@
 #include "prndeck/core/PrdQueList.h"
 
 #include <algorithm>
+#include <ctime>
 #include <string_view>
 #include <sys/stat.h>
 
 static constexpr char ListFile[] = ".q";
+static constexpr char AskedFile[] = ".refresh"; // as old as the last answer of the scheduler
 static constexpr char Blanks[] = " \t\n";
 enum { OWNER_WORD = 4 }; // of a control file
 
@@ -68,6 +70,13 @@ int CountJobs(const std::string &path) {
     int count = 0;
     for (std::string_view line; TakeWord(text, "\n", line);) count++;
     return count;
+}
+
+int GetJobListAge(const std::string &path) {
+    struct stat info;
+    if (stat((path + "/" + AskedFile).c_str(), &info) == 0)
+        return static_cast<int>(std::max<time_t>(time(nullptr) - info.st_mtime, 0));
+    return stat((path + "/" + ListFile).c_str(), &info) == 0 ? 0 : -1;
 }
 
 // The bytes of a file of the directory, or -1. A name that leads elsewhere is no job's.

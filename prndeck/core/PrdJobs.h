@@ -22,6 +22,9 @@ void UpdateJobPaths();
 const std::string *FindJobPath(const std::string &queue);
 // Lines of the list of jobs in the directory.
 int CountJobs(const std::string &path);
+// How old the list is, in seconds: the scheduler's jobs stand there since the tools asked last, those of the
+// own store at once, which is 0. -1 if there has been no list yet.
+int GetJobListAge(const std::string &path);
 // The jobs whose two files stand in the directory.
 std::vector<PrintJob> ReadJobs(const std::string &path);
 

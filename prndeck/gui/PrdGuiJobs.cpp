@@ -20,7 +20,7 @@
 #include <algorithm>
 #include <cstring>
 
-enum { MSG_JOBS_TITLE = 172, MSG_STATUS = 173 };
+enum { MSG_JOBS_TITLE = 172, MSG_STATUS = 173, MSG_OLD_LIST = 174, MSG_NO_LIST = 175 };
 enum { FIRST_INTERVAL = 2, COUNT_INTERVAL = 30 };
 static constexpr char StatusFile[] = ".status";
 
@@ -79,13 +79,26 @@ static void UpdateRows(const std::string *path) {
     ShowJobs(rows);
 }
 
+// Jobs of other programs show when the tools ask the scheduler, so a list may miss some.
+static std::string TellListAge(const std::string &path) {
+    enum { MINUTE = 60 };
+    int age = GetJobListAge(path);
+    if (age >= 0 && age < MINUTE) return "";
+    if (age < 0) return NlsText(pDrvCoreDB, SET_MESSAGES, MSG_NO_LIST);
+    std::string format = NlsText(pDrvCoreDB, SET_MESSAGES, MSG_OLD_LIST);
+    return NlsFmt(format.c_str(), "i", age / MINUTE);
+}
+
 static std::string ReadStatus(const std::string *path) {
-    char *status = path ? GetSavedFileContent(path->c_str(), StatusFile) : nullptr;
-    if (!status) return "";
-    std::string format = NlsText(pDrvCoreDB, SET_MESSAGES, MSG_STATUS);
-    std::string text = NlsFmt(format.c_str(), "s", status);
-    PutMem(status);
-    return text;
+    if (!path) return "";
+    std::string text, age = TellListAge(*path);
+    if (char *status = GetSavedFileContent(path->c_str(), StatusFile)) {
+        std::string format = NlsText(pDrvCoreDB, SET_MESSAGES, MSG_STATUS);
+        text = NlsFmt(format.c_str(), "s", status);
+        PutMem(status);
+    }
+    if (!text.empty() && !age.empty() && text.back() != '\n') text += '\n';
+    return text + age;
 }
 
 static void UpdateStatus(const std::string *path) {

@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 enum { REFRESH_SECONDS = 60, TITLE_MAX = 240 };
+static const char RefreshFile[] = "/.refresh"; // read by prndeck/core/PrdJobs.cpp
 
 using Words = std::vector<std::string>;
 
@@ -178,12 +179,14 @@ static std::string ShowJobs(const std::string &directory, const Words &queues,
     // A reader that finds a line finds its files: they come first and go last.
     if (error.empty()) error = SpoolShow(directory, stubs);
     if (error.empty()) DropStubs(directory, stubs);
+    // Readers tell by it how old the list is; where that fails it looks older than it is.
+    if (error.empty()) utimensat(AT_FDCWD, (directory + RefreshFile).c_str(), nullptr, 0);
     return error;
 }
 
 std::string CupsRefresh(const std::string &directory, const Words &queues, long number,
                         const std::string &title, size_t &waiting) {
-    FileLock lock(directory + "/.refresh", REFRESH_SECONDS);
+    FileLock lock(directory + RefreshFile, REFRESH_SECONDS);
     std::vector<CupsJob> jobs;
     std::string error = CupsJobs(jobs);
     waiting = static_cast<size_t>(

@@ -19,6 +19,7 @@
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtUtils.h"
 
+#include <chrono>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -77,7 +78,9 @@ protected:
         pNLSLang = SaveStr_("en_US");
         Tool->WriteDb("en_US/CoreString", {{"12_7", std::string("Queue: \0", 8)},
                                            {"20_172", std::string("Jobs of %s\0", 11)},
-                                           {"20_173", std::string("Status: %s\0", 11)}});
+                                           {"20_173", std::string("Status: %s\0", 11)},
+                                           {"20_174", std::string("%i min old\0", 11)},
+                                           {"20_175", std::string("no list\0", 8)}});
         Tool->WriteDb("en_US/PrtHelp", {{"x", "x"}});
         Tool->WriteDb("en_US/PrtString", {{"x", "x"}});
         Tool->WriteModels({"tv_a.ppd", "tv_generic.ppd"});
@@ -144,6 +147,26 @@ TEST_F(Jobs, OneQueueWithItsStatusAndTheJobsThatAreWhole) {
     char *label = XmtGetLabel("jmxq");
     EXPECT_NE(strstr(label, "hall"), nullptr) << label;
     PutMem(label);
+}
+
+// A list of the scheduler's jobs is as old as its last answer, one of the own store is always true.
+TEST_F(Jobs, AListTellsHowOldItIs) {
+    std::string hall = SpoolOf("hall");
+    auto status = [&] {
+        Event(WIZARD_JOB_QUEUE, "  1               q1", 1);
+        char *text = XmtGetText("jmss");
+        std::string out = text;
+        XtFree(text);
+        return out;
+    };
+    EXPECT_EQ(status(), "no list");
+    AddJob(hall, "A001h", "P q1 h ann x");
+    EXPECT_EQ(status(), "");
+    std::ofstream(hall + "/.refresh") << "";
+    std::ofstream(hall + "/.status") << "idle";
+    EXPECT_EQ(status(), "Status: idle");
+    fs::last_write_time(hall + "/.refresh", fs::file_time_type::clock::now() - std::chrono::seconds(150));
+    EXPECT_EQ(status(), "Status: idle\n2 min old");
 }
 
 TEST_F(Jobs, WhatIsChosenStaysChosenAndIsRemoved) {

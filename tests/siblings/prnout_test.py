@@ -236,7 +236,11 @@ class OnCups(Scenario, unittest.TestCase):
         self.out("-dq", self.tool.path + "/file.txt")
         own = self.waiting()
         self.assertEqual(self.names(here), ["fA1host"] + own)
-        self.cups.run("cancel", "q-" + own[0])
+        os.utime(self.spool(here) + "/.refresh", (1, 1))
+        self.cups.run("lp", "-d", "q", self.tool.path + "/file.txt")
+        self.assertTrue(until(lambda: self.names(here) == ["fA1host"] + self.waiting()), self.names(here))
+        self.assertGreater(os.path.getmtime(self.spool(here) + "/.refresh"), 1)  # the list is as old as this
+        self.cups.run("cancel", *("q-" + job for job in self.waiting()))
         self.assertTrue(until(lambda: self.names(here) == ["fA1host"]), self.names(here))
         self.remove("q", "fA1host")
         self.assertEqual(self.names(here), [])
