@@ -16,10 +16,12 @@
 #include "tests/lib/AppTool.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/WindowRig.h"
+#include "tests/lib/WindowUser.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtUtils.h"
 
 #include <chrono>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
 #include <fstream>
@@ -224,4 +226,60 @@ TEST_F(Jobs, AProgramThatIsNotThereIsSaid) {
     data.reason = XmtCR_CANCEL;
     XmtMsgEventHandler(&data);
     fs::rename(Tool->Path("away"), Tool->Path("prnrm"));
+}
+
+// ---- Real stores
+
+static std::string Messages() {
+    std::string out;
+    for (ListLink *link = pXmtMsgList ? pXmtMsgList->head : nullptr; link; link = link->next)
+        out += std::string(static_cast<XmtMsgEntry *>(link->item)->text) + "\n";
+    return out;
+}
+
+static void PressMenuEntry(const char *name) {
+    XmPushButtonCallbackStruct call = {};
+    call.reason = XmCR_ACTIVATE;
+    XtCallCallbacks(XmtGetWidget(name), XmNactivateCallback, &call);
+}
+
+static bool WaitForJobs(int count) {
+    return RunLoopUntil([=] { return XmtGetListCount("jmsjl") == count; });
+}
+
+// Run by jobs_window_test.py in a tool directory with queues and jobs: three wait for the first queue.
+TEST(DISABLED_JobsRoad, OneIsRemovedAndThenTheOthers) {
+    std::string reason;
+    ASSERT_TRUE(StartWindowRig("1024x768x24", &reason) && FindWindowUser(&reason)) << reason;
+    pSpoolRoot = getenv("PRN_ROAD_SPOOL");
+    pToolPath = SaveStr_(fs::current_path().c_str());
+    flUserIsRoot = 1;
+    OpenCatalogues();
+    LoadModels();
+    GenGui();
+    EXPECT_FALSE(XtIsManaged(XmtGetWidget(MENU_JOBS)));
+    PressMenuEntry(MENU_JOBS);
+    ASSERT_TRUE(RunLoopUntil([] { return XtIsManaged(XmtGetWidget("jmw")); }));
+    EXPECT_EQ(Rows("jmql"), "  0               hall|  3               office|");
+    PressAt("jmql", "Down space");
+    ASSERT_TRUE(RunLoopUntil([] { return XtIsManaged(XmtGetWidget("jmsw")); })) << JobQue;
+    ASSERT_TRUE(WaitForJobs(3)) << Rows("jmsjl");
+    printf("shown %s\n", Rows("jmsjl").c_str());
+    PressAt("jmsjl", "space");
+    EXPECT_EQ(pJobText.size(), 1U);
+    ClickAndDispatch("jmsd");
+    EXPECT_TRUE(WaitForJobs(2)) << Rows("jmsjl") << Messages();
+    printf("left %s\n", Rows("jmsjl").c_str());
+    ClickAndDispatch("jmsda");
+    EXPECT_TRUE(WaitForJobs(0)) << Rows("jmsjl");
+    ClickAndDispatch("jmse");
+    ASSERT_TRUE(RunLoopUntil([] { return !XtIsManaged(XmtGetWidget("jmsw")); }));
+    Widget counts = XtParent(XmtGetWidget("jmw"));
+    XRaiseWindow(XtDisplay(counts), XtWindow(counts)); // as a window manager does
+    DispatchWaiting();
+    ClickAndDispatch("jmr");
+    EXPECT_TRUE(RunLoopUntil([] {
+        return Rows("jmql") == "  0               hall|  0               office|";
+    })) << Rows("jmql");
+    EXPECT_EQ(Messages(), "");
 }
