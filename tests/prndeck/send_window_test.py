@@ -33,7 +33,7 @@ class Send(wizard.Wizard):
         """The last of so many jobs; what the spool directory says if it does not come."""
         jobs = self.printer.wait(count)
         spool = [path.read_text("latin-1") for path in (self.tool.path.parent / "spool").rglob(".*") if path.name in (".q", ".status")]
-        self.assertEqual(len(jobs), count, (spool, self.printer.problems, self.deck.said()))
+        self.assertEqual(len(jobs), count, (spool, self.printer.problems, self.deck.said(), self.display.read("xdotool", "search", "--onlyvisible", "--name", ".", "getwindowname", "%@")))
         return jobs[-1]
 
     def choose_file(self, path):
