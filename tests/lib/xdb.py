@@ -3,6 +3,7 @@
     xdb.py list FILE                            a line "KEY DATA" in hexadecimal for each record, keys without the NUL
     xdb.py make FILE plain|header KEY DATA ...  writes a file of the records given in hexadecimal ("-" for nothing)
 """
+import os
 import struct
 import sys
 
@@ -70,8 +71,10 @@ def read(path):
 
 
 def write(path, records, header=False):
-    with open(path, "wb") as file:
+    """In one step, as the programs do: one that reads meanwhile has the old database or the new one."""
+    with open(str(path) + ".test", "wb") as file:
         file.write(build(records, header))
+    os.replace(str(path) + ".test", path)
 
 
 def main(verb, path, *words):
