@@ -68,6 +68,9 @@ class FakePrinter:
         return self
 
     def __exit__(self, *ignored):
+        # A thread that still waits would take connections of whoever gets the number of the descriptor next.
+        self.listener.shutdown(socket.SHUT_RDWR)
+        self.thread.join()
         self.listener.close()
 
 
