@@ -8,9 +8,7 @@
 #include "prndeck/core/Prd.h"
 #include "prndeck/core/PrdDisc.h"
 #include "prndeck/core/PrdGuiSnmpText.h"
-#include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdDiscWin.h"
-#include "prndeck/gui/PrdGuiDesc.h"
 #include "prndeck/gui/PrdGuiEvent.h"
 #include "prndeck/gui/PrdGuiHelp.h"
 #include "prndeck/gui/PrdGuiIds.h"
@@ -25,9 +23,6 @@
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
-
-#include <iterator>
-#include <string>
 
 enum { FIRST_DISCOVERY_SECONDS = 2 };
 
@@ -44,32 +39,6 @@ int OpenWindowFace() {
     if (!XmtInitApp(my_name, my_name, nullptr, nullptr)) return 0;
     SetDefaultLook();
     return 1;
-}
-
-void GenMacros() {
-    static constexpr const char *FontKeys[] = {"PrdGuiFontDef1", "PrdGuiFontDef2", "PrdGuiFontDef3",
-                                               "PrdGuiFontDef4", "PrdGuiFontDef5", "PrndeckMainFontDef"};
-    std::string texts[std::size(FontKeys) + 2];
-    const char *values[std::size(texts)];
-    for (size_t i = 0; i < std::size(FontKeys); i++) {
-        const char *font = FetchEngPrtStrDBValue(FontKeys[i], nullptr, 0);
-        texts[i] = font ? font : "fixed";
-    }
-    texts[std::size(FontKeys)] = NlsText(pDrvCoreDB, SET_MACROS, 1);
-    texts[std::size(FontKeys) + 1] = NlsText(pDrvCoreDB, SET_MACROS, 2);
-    for (size_t i = 0; i < std::size(texts); i++) values[i] = texts[i].c_str();
-    XmtNewObject(nullptr, WizEventHandler, 0, FillGuiDesc(MainMacroDesc, values, std::size(texts)).c_str());
-}
-
-// Words of the dialogs that are Motif's, in the order of their texts.
-static void SetDialogWords() {
-    enum { FIRST_WORD = 1, WORD_COUNT = 8 };
-    static XmtDialogWords words;
-    const char *texts[WORD_COUNT];
-    for (int i = 0; i < WORD_COUNT; i++)
-        texts[i] = SaveStr_(NlsText(pDrvCoreDB, SET_WORDS, FIRST_WORD + i).c_str());
-    words = {texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6], texts[7]};
-    pXmtDialogWords = &words;
 }
 
 // Queues are root's affair. What belongs to a printer comes back with its selection, for everybody.

@@ -12,9 +12,6 @@ int OpenWindowFace();
 // 0 if the display can't be opened; 1 when the main loop was left. Ends: with 0 by the entry Exit, and when
 // the main window is closed.
 int RunGui();
-// Reads the macros that every window uses, with the fonts and the names of channel states of the catalogues.
-// The display must be open.
-void GenMacros();
 // Makes all windows, and sets what can be used before a printer is selected. The display must be open.
 void GenGui();
 // The word -help: the manual in a window of its own. Ends: with 0 when it is closed or can't be read, with 1

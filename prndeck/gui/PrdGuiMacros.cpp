@@ -1,6 +1,17 @@
 // The macros of all windows.
 #include "prndeck/gui/PrdGuiMacros.h"
 
+#include "common/MemMgr.h"
+#include "common/NlsUtils.h"
+#include "print/PrdCommonUtils.h"
+#include "prndeck/core/PrdSets.h"
+#include "prndeck/gui/PrdGuiDesc.h"
+#include "xmt/XmtMsg.h"
+#include "xmt/XmtNew.h"
+
+#include <iterator>
+#include <string>
+
 // clang-format off
 const char MainMacroDesc[] =
     ".0 c(bg white, fg black)\n"
@@ -70,3 +81,29 @@ const char MainMacroDesc[] =
     ".95 id(*) DB * P(*) t(*) m(0,0) .3 v .23 {\\*90(*)\n"
     ".96 B * .22 l(*) sp(0) bo(0) .0 <1 v A(*,*)> <3 h sp(0) m(0,0)> {\\*75(*,v.t* | ) \\*76 \\*75(*,v.t* | ) \\*76 \\*75(*,v.t* | ) \\*76 \\*75(*) }\n";
 // clang-format on
+
+void GenMacros() {
+    static constexpr const char *FontKeys[] = {"PrdGuiFontDef1", "PrdGuiFontDef2", "PrdGuiFontDef3",
+                                               "PrdGuiFontDef4", "PrdGuiFontDef5", "PrndeckMainFontDef"};
+    std::string texts[std::size(FontKeys) + 2];
+    const char *values[std::size(texts)];
+    for (size_t i = 0; i < std::size(FontKeys); i++) {
+        const char *font = FetchEngPrtStrDBValue(FontKeys[i], nullptr, 0);
+        texts[i] = font ? font : "fixed";
+    }
+    texts[std::size(FontKeys)] = NlsText(pDrvCoreDB, SET_MACROS, 1);
+    texts[std::size(FontKeys) + 1] = NlsText(pDrvCoreDB, SET_MACROS, 2);
+    for (size_t i = 0; i < std::size(texts); i++) values[i] = texts[i].c_str();
+    XmtNewObject(nullptr, nullptr, 0, FillGuiDesc(MainMacroDesc, values, std::size(texts)).c_str());
+}
+
+void SetDialogWords() {
+    // In the order of their texts.
+    enum { FIRST_WORD = 1, WORD_COUNT = 8 };
+    static XmtDialogWords words;
+    const char *texts[WORD_COUNT];
+    for (int i = 0; i < WORD_COUNT; i++)
+        texts[i] = SaveStr_(NlsText(pDrvCoreDB, SET_WORDS, FIRST_WORD + i).c_str());
+    words = {texts[0], texts[1], texts[2], texts[3], texts[4], texts[5], texts[6], texts[7]};
+    pXmtDialogWords = &words;
+}

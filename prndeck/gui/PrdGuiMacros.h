@@ -16,3 +16,8 @@
 #pragma once
 
 extern const char MainMacroDesc[];
+// Reads the macros that every window uses, with the fonts and the names of channel states of the catalogues.
+// The display must be open.
+void GenMacros();
+// Words of the dialogs that are Motif's, in the run's language.
+void SetDialogWords();

@@ -18,6 +18,7 @@
 #include "prndeck/core/Prd.h"
 #include "prndeck/gui/PrdGui.h"
 #include "prndeck/gui/PrdGuiDesc.h"
+#include "prndeck/gui/PrdGuiMacros.h"
 #include "prndeck/gui/PrdGuiWindows.h"
 #include "tools/winview/Picture.h"
 #include "xmt/XmtEvent.h"
