@@ -21,8 +21,9 @@ REFERENCE = "en_US"
 CORE, HELP, STRINGS = "CoreString", "PrtHelp", "PrtString"
 MENU_TEXT, FETCH, TOPIC, TTY_SET, SAY_SET = 127, 2047, 63, 25, 40
 FOLDERS = ("common", "menu", "help", "print", "SnmpPkg", "xmt", "prndeck", "siblings")
-WINDOWS = "prndeck/gui/PrdGuiWindows.cpp"  # the table of windows; their texts stand in *Desc.cpp beside it
-SETS = "prndeck/core/PrdSets.h"
+# Tables of windows, whose texts stand in *Desc.cpp beside them, and where the names of their sets are told.
+WINDOWS = (("prndeck/gui/PrdGuiWindows.cpp", "prndeck/core/PrdSets.h"),
+           ("siblings/prnpnxxtty/window/Window.cpp", "siblings/prnpnxxtty/window/WindowDesc.h"))
 FETCHERS = "NlsUtils"  # its own sources hand numbers through
 
 Fault = namedtuple("Fault", "file line key what")
@@ -311,7 +312,8 @@ class Checker:
         asked = set()
         sources = Sources(self.root, self.fault)
         self.check_string_keys(sources)
-        asked |= self.check_windows(english)
+        for table, sets in WINDOWS:
+            asked |= self.check_windows(english, table, sets)
         self.check_menu_rows(sources, english)
         for use in list(sources.uses()) + [row.use for row in sources.menu_rows + sources.sentences]:
             asked.add(use.key)
@@ -328,22 +330,22 @@ class Checker:
             if flUnused and key not in asked and not kept:
                 self.fault(english.path, text.line, key, "no source asks for this text and no rule keeps it")
 
-    def check_windows(self, english):
+    def check_windows(self, english, table, sets_file):
         """A window's text asks for the texts 1, 2 ... of its set, one a hole; what stands there beyond is not used."""
-        path, asked = self.root / WINDOWS, set()
+        path, asked = self.root / table, set()
         if not path.exists():
             return asked
         texts = {}
         for source in sorted(path.parent.glob("*Desc.cpp")):
             found = re.findall(r"const char (\w+)\[\] =(.*?);\n(?:\n|\Z)", source.read_text("utf-8"), re.S)
             texts.update((name, body.count("%s")) for name, body in found)
-        sets = dict(re.findall(r"(SET_\w+) = (\d+)", (self.root / SETS).read_text("utf-8")))
+        sets = dict(re.findall(r"(SET_\w+) = (\d+)", (self.root / sets_file).read_text("utf-8")))
         rows = re.findall(r'\{"\w+",\s*(\w+),\s*(\w+)', path.read_text("utf-8"))
         for name in sorted(texts.keys() ^ {name for name, _ in rows}):
             self.fault(path, 0, name, "has no row in the table of windows" if name in texts else "is no text of a file *Desc.cpp")
         for name, number in rows:
             if name not in texts or number not in sets:
-                self.fault(path, 0, name, "its set %s is not in %s" % (number, SETS)) if number not in sets else None
+                self.fault(path, 0, name, "its set %s is not in %s" % (number, sets_file)) if number not in sets else None
                 continue
             keys = {"%s_%d" % (sets[number], i + 1) for i in range(texts[name])}
             there = {key for key in english.texts if key.startswith(sets[number] + "_")}

@@ -17,6 +17,7 @@ from pathlib import Path
 
 FUNCTION_LINES = 60
 SIBLING_ROOMS = ("help", "print")  # what the programs beside prndeck stand on
+WINDOW_ROOM, WINDOW_BASE = "siblings/prnpnxxtty/window", "prndeck/gui"  # the one sibling that has windows, and what they stand on
 LEAVES = ("tests", "bench", "fuzz", "tools")  # may include everything
 CLANG_FORMAT = "clang-format-14"
 
@@ -54,6 +55,7 @@ class Lint:
         for name, path, *links in rows:
             below[path] = {path}.union(*(below[folder[link]] for link in links if link in folder))
         below["siblings"] = {"siblings"}.union(*(below[room] for room in SIBLING_ROOMS if room in below))
+        below[WINDOW_ROOM] = {WINDOW_ROOM} | below["siblings"] | below.get(WINDOW_BASE, set())
         return below
 
     def read_floors(self, room):
@@ -63,6 +65,9 @@ class Lint:
         return lines and ({stem: n for n, line in enumerate(lines) for stem in line}, upwards)
 
     def room_of(self, path):
+        """A program's main file stands where its highest room does."""
+        if path.name == "main.cpp" and (path.parent / "window").as_posix() in self.rooms:
+            return (path.parent / "window").as_posix()
         return max((room for room in self.rooms if path.as_posix().startswith(room + "/")), key=len, default=None)
 
     def check_include(self, path, number, target):

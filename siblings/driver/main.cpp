@@ -2,5 +2,5 @@
 #include "siblings/prnpnxxtty/FrontEnd.h"
 
 int main(int argc, char **argv) {
-    return RunFrontEnd(argc, argv, "driver", FACE_SILENT);
+    return RunFrontEnd(argc, argv, "driver", nullptr);
 }

@@ -8,6 +8,7 @@
 #include "help/HelpTty.h"
 #include "menu/TextMenu.h"
 #include "print/MainUtils.h"
+#include "siblings/lib/Child.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Frame.h"
 #include "siblings/lib/Ppd.h"
@@ -30,11 +31,12 @@ struct Arguments {
 
 static const char SettingsFile[] = "/.settings";
 
-static void PrintUsage(int face) {
-    if (face == FACE_DIALOGUE)
+static void PrintUsage(bool flTalks) {
+    if (flTalks)
         fprintf(stderr,
-                "usage: %s [-tty] [QUEUE|-dQUEUE] [-SBP] -GS PPDFILE\n       %s [-tty] [-SBP] -MS QUEUE\n",
-                my_name, my_name);
+                "usage: %s [-tty] [QUEUE|-dQUEUE] [-SBP] -GS PPDFILE\n       %s [-tty] [-SBP] -MS QUEUE\n"
+                "       %s -FP\n",
+                my_name, my_name, my_name);
     else
         fprintf(stderr, "usage: %s -GS PPDFILE|-MS QUEUE\n", my_name);
 }
@@ -53,13 +55,12 @@ static std::string ReadSource(int argc, char **argv, int &at, Arguments &argumen
     return "";
 }
 
-static std::string ReadWord(const std::string &word, int face, Arguments &arguments) {
-    bool flDialogue = face == FACE_DIALOGUE;
-    if (word == "-tty" && flDialogue)
+static std::string ReadWord(const std::string &word, bool flTalks, Arguments &arguments) {
+    if (word == "-tty" && flTalks)
         arguments.flTty = true;
-    else if (word == "-SBP" && flDialogue)
+    else if (word == "-SBP" && flTalks)
         arguments.flBanner = true;
-    else if (word == "-FP" && flDialogue)
+    else if (word == "-FP" && flTalks)
         arguments.flBackground = true;
     else if (word.starts_with("-") && !word.starts_with("-d"))
         return "option " + word.substr(0, 80) + " is unknown";
@@ -68,12 +69,12 @@ static std::string ReadWord(const std::string &word, int face, Arguments &argume
     return "";
 }
 
-static std::string ReadArguments(int argc, char **argv, int face, Arguments &arguments) {
+static std::string ReadArguments(int argc, char **argv, bool flTalks, Arguments &arguments) {
     for (int at = 1; at < argc; at++) {
         std::string word = argv[at];
         bool flSource = word.starts_with("-GS") || word.starts_with("-MS");
         std::string error =
-            flSource ? ReadSource(argc, argv, at, arguments) : ReadWord(word, face, arguments);
+            flSource ? ReadSource(argc, argv, at, arguments) : ReadWord(word, flTalks, arguments);
         if (!error.empty()) return error;
     }
     if (arguments.flBackground) return "";
@@ -118,14 +119,10 @@ static std::string FindModel(const Arguments &arguments, std::string &path, std:
 
 // The menu that called clears the screen as soon as this program ends, so the user is asked to have read.
 static int Refuse(const std::string &error, bool flTty) {
+    if (!flTty) return Complain(error);
     errormsg("%s", error.c_str());
-    if (flTty) PostMsg("\n");
+    PostMsg("\n");
     return 1;
-}
-
-static int RefuseWords(const std::string &error, int face, bool flTty) {
-    PrintUsage(face);
-    return Refuse(error, flTty);
 }
 
 static void OpenTerminal() {
@@ -138,43 +135,69 @@ static void OpenTerminal() {
 
 // ".settings" holds what was chosen before in the same flow, so the dialogue goes on from there; those of a
 // queue that was asked for by name are its record's.
-static void Talk(Ppd &ppd, const Arguments &arguments, std::string settings, const std::string &target) {
+static void TakeChosen(const Arguments &arguments, FeatureTask &task) {
     std::string before;
-    if (!arguments.flQueue && ReadWholeFile(target, SETTINGS_MAX, before).empty()) settings = before;
-    ChooseSettings(ppd, settings);
-    RunDialogue(ppd, settings, target, arguments.flBanner);
+    bool flFlow = !arguments.flQueue && ReadWholeFile(task.target, SETTINGS_MAX, before).empty();
+    if (flFlow) task.settings = before;
+    ChooseSettings(task.ppd, task.settings);
 }
 
-static std::string Store(Ppd &ppd, const std::string &settings, const std::string &path,
-                         const std::string &target) {
-    ChooseSettings(ppd, settings);
-    std::string made = MakeSettings(ppd, settings), error = WriteSettings(target, made);
-    if (!error.empty()) return error;
+static std::string PrintStored(const FeatureTask &task) {
+    std::string made = MakeSettings(task.ppd, task.settings);
     printf("%s: %d settings of %s kept in %s\n", my_name,
-           static_cast<int>(std::count(made.begin(), made.end(), '\n')), FileName(path).c_str(),
-           target.c_str());
+           static_cast<int>(std::count(made.begin(), made.end(), '\n')), FileName(task.source).c_str(),
+           task.target.c_str());
     return fflush(stdout) ? "can't tell so on standard output" : "";
 }
 
-int RunFrontEnd(int argc, char **argv, const char *name, int face) {
+// Nobody is asked: the choices of the settings, else the model's own.
+static std::string Store(FeatureTask &task) {
+    ChooseSettings(task.ppd, task.settings);
+    std::string error = WriteSettings(task.target, MakeSettings(task.ppd, task.settings));
+    return error.empty() ? PrintStored(task) : error;
+}
+
+static std::string OpenTask(const Arguments &arguments, FeatureTask &task) {
+    std::string error = FindModel(arguments, task.source, task.settings);
+    if (error.empty()) error = ReadPpd(task.source, task.ppd);
+    task.target = std::string(pToolPath) + SettingsFile;
+    task.flBanner = arguments.flBanner;
+    if (arguments.flQueue) task.queue = arguments.queue;
+    if (task.ppd.model.empty()) task.ppd.model = FileName(task.source);
+    return error;
+}
+
+static std::string TalkInWindow(const Arguments &arguments, const WindowFace *face, FeatureTask &task) {
+    if (!face->open()) {
+        std::string error = Store(task);
+        if (error.empty()) TellUser("warning: nobody could be asked: the features are kept as they are");
+        return error;
+    }
+    TakeChosen(arguments, task);
+    return face->chooseFeatures(task) ? PrintStored(task) : "";
+}
+
+static std::string Run(const Arguments &arguments, const WindowFace *face, FeatureTask &task) {
+    if (!face) return Store(task);
+    if (!arguments.flTty) return TalkInWindow(arguments, face, task);
+    TakeChosen(arguments, task);
+    RunDialogue(task.ppd, task.settings, task.target, task.flBanner);
+    return "";
+}
+
+int RunFrontEnd(int argc, char **argv, const char *name, const WindowFace *face) {
     Arguments arguments;
-    Ppd ppd;
-    std::string path, settings;
-    my_name = name;
+    FeatureTask task;
+    BeginProgram(name);
     FindToolDirectory(argv[0]);
-    std::string error = ReadArguments(argc, argv, face, arguments);
+    std::string error = ReadArguments(argc, argv, face != nullptr, arguments);
     if (arguments.flTty) OpenTerminal();
-    if (!error.empty()) return RefuseWords(error, face, arguments.flTty);
-    if (arguments.flBackground)
-        error = "-FP: nothing to do; features are chosen where a queue is added or modified";
-    if (error.empty()) error = FindModel(arguments, path, settings);
-    if (error.empty()) error = ReadPpd(path, ppd);
-    if (!error.empty()) return Refuse(error, arguments.flTty);
-    std::string target = std::string(pToolPath) + SettingsFile;
-    if (ppd.model.empty()) ppd.model = FileName(path);
-    if (arguments.flTty)
-        Talk(ppd, arguments, settings, target);
-    else
-        error = Store(ppd, settings, path, target);
-    return error.empty() ? 0 : Refuse(error, false);
+    if (!error.empty()) {
+        PrintUsage(face != nullptr);
+        return Refuse(error, arguments.flTty);
+    }
+    if (arguments.flBackground) return face->open() ? face->chooseQueue() : 1;
+    error = OpenTask(arguments, task);
+    if (error.empty()) error = Run(arguments, face, task);
+    return error.empty() ? 0 : Refuse(error, arguments.flTty);
 }

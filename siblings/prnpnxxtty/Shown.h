@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <string>
 
-// Texts of set 26.
+// Texts of set 26; what begins with WINDOW is for windows alone.
 enum {
     FEATURE_SET = 26,
     TXT_TITLE = 1,
@@ -20,6 +20,16 @@ enum {
     TXT_BROKEN = 8,
     TXT_MORE_BROKEN = 9,
     TXT_ALL_THE_SAME = 10,
+    WINDOW_TITLE = 11,
+    WINDOW_NO_OPTIONS = 12,
+    WINDOW_ALL_THE_SAME = 13,
+    WINDOW_TOO_MANY = 14,
+    WINDOW_NO_QUEUES = 15,
+    WINDOW_NO_RIGHT = 16,
+    WINDOW_STORED = 17,
+    WINDOW_NOT_STORED = 18,
+    WINDOW_NO_MANUAL = 19,
+    WINDOW_NO_QUEUE = 20,
 };
 std::string FeatureText(int number);
 

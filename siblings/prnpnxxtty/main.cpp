@@ -1,6 +1,10 @@
-// prnpnxxtty: chooses the feature settings of a printer model, at the terminal or on its own.
+// prnpnxxtty: chooses the feature settings of a printer model, in a window or at the terminal.
 #include "siblings/prnpnxxtty/FrontEnd.h"
+#include "siblings/prnpnxxtty/window/FeatureWindow.h"
+#include "siblings/prnpnxxtty/window/QueueWindow.h"
+#include "siblings/prnpnxxtty/window/Window.h"
 
 int main(int argc, char **argv) {
-    return RunFrontEnd(argc, argv, "prnpnxxtty", FACE_DIALOGUE);
+    static constexpr WindowFace face = {OpenWindows, ChooseFeatures, ChooseQueue};
+    return RunFrontEnd(argc, argv, "prnpnxxtty", &face);
 }

@@ -38,6 +38,9 @@ OPTIONS = PPD.format(model="Tarvo 99%s, \\n~") + """*OpenGroup: More/Finishing, 
 *UIConstraints: *Duplex *PageSize Letter
 *UIConstraints: *Duplex *NoSuchOption
 """
+# What a run says that finds nobody to ask; the others never ask.
+ALONE = ("prnpnxxtty: WARNING: can't open display\n"
+         "prnpnxxtty: warning: nobody could be asked: the features are kept as they are\n")
 DEFAULTS = "PageSize=A4\nDuplex=None\nStaple=False\nBannerTray=Same\nJCLHold=Off\n"
 LONG_EDGE = DEFAULTS.replace("Duplex=None", "Duplex=DuplexNoTumble")
 PROMPT = "Enter a selection or h for help: "
@@ -48,6 +51,7 @@ SIZE, DUPLEX, STAPLE, ODD, HOLD, APPLY, CANCEL = range(1, 8)
 class FrontEnd(unittest.TestCase):
     def setUp(self):
         self.tool = self.enterContext(ToolDir("prnpnxxtty", "v5driver", "driver"))
+        self.tool.env.pop("DISPLAY", None)
         shutil.copytree(STAGE + "/db", self.tool.path + "/db", dirs_exist_ok=True)
         shutil.copytree(STAGE + "/help", self.tool.path + "/help")
         shutil.copy(STAGE + "/trans.conf", self.tool.path)
@@ -89,9 +93,13 @@ class FrontEnd(unittest.TestCase):
             with self.subTest(program=program, words=words):
                 self.tool.write(".settings", "Staple=True\nPageRegion=A4\nof another flow\n")
                 done = self.tool.run(program, *words)
-                self.assertEqual((done.returncode, done.stderr), (0, ""))
+                self.assertEqual((done.returncode, done.stderr), (0, ALONE if program == "prnpnxxtty" else ""))
                 self.assertRegex(done.stdout, r"^%s: \d settings of \w+\.ppd kept in .*/\.settings\n$" % program)
                 self.assertEqual(self.settings(), wanted)
+
+    def test_a_display_that_does_not_answer_is_none(self):
+        done = self.tool.run("prnpnxxtty", "-GSfull.ppd", DISPLAY="127.0.0.1:4242")
+        self.assertEqual((done.returncode, done.stderr, self.settings()), (0, ALONE, DEFAULTS))
 
     def test_refusals_keep_the_settings(self):
         self.tool.write(".settings", "old")
@@ -101,7 +109,7 @@ class FrontEnd(unittest.TestCase):
         self.tool.write("ppd/many.ppd", "*PPD-Adobe: \"4.3\"\n" + "".join(
             "*OpenUI *Option%d: PickOne\n*DefaultOption%d: A\n*Option%d A: \"\"\n" % (n, n, n) for n in range(9999)))
         for words, answer in (([], "no PPD file told"), (["-GS"], "needs a PPD file"), (["-GS", "-tty"], "needs a PPD"),
-                              (["-FP"], "nothing to do"), (["-GS" + ppd + "nosuch"], "No such file"), (["-MS"], "needs a queue"),
+                              (["-FP"], "can't open display\n"), (["-GS" + ppd + "nosuch"], "No such file"), (["-MS"], "needs a queue"),
                               (["-GS" + ppd], "no regular file"), (["-GS" + ppd + "pipe"], "no regular file"),
                               (["-GSbroken.ppd"], "is no PPD file"), (["-GSlarge.ppd"], "too large"), (["-x"], "-x is unknown"),
                               (["-MSnosuch"], 'no queue "nosuch"'), (["-MSevil"], "names no PPD"), (["-MSgone"], "No such file"),
@@ -111,6 +119,7 @@ class FrontEnd(unittest.TestCase):
                 self.assertEqual((done.returncode, done.stdout), (1, ""))
                 self.assertIn(answer, done.stderr)
                 self.assertEqual(self.settings(), "old")
+        self.assertEqual(self.tool.run("prnpnxxtty", "-FP").stderr, ALONE.splitlines(True)[0])
         done = self.tool.run("v5driver", "-tty", "-GS" + self.ppd)
         self.assertIn("-tty is unknown", done.stderr)
 

@@ -26,6 +26,9 @@ BREACHES = {
     "no floor": ("low/New.cpp", '#include "low/Base.h"\n', "low/New.cpp:1: New has no floor in CONTRIBUTING.md"),
     "the queue tool": ("siblings/Tool.cpp", '#include "high/Use.h"\n',
                        "siblings/Tool.cpp:1: includes high/Use.h: siblings/ does not stand on high/"),
+    "windows of a sibling": ("siblings/prnpnxxtty/Tool.cpp", '#include "siblings/prnpnxxtty/window/Window.h"\n',
+                             "siblings/prnpnxxtty/Tool.cpp:1: includes siblings/prnpnxxtty/window/Window.h: siblings/ does not stand on "
+                             "siblings/prnpnxxtty/window/"),
     "a test": ("high/Use.h", '#include "tests/lib/Term.h"\n',
                "high/Use.h:1: includes tests/lib/Term.h of a folder that nothing stands on"),
     "a lone tag": ("low/Base.h", "int a; // ORDER Alone\n", "low/Base.h:1: ORDER Alone stands nowhere else"),
@@ -50,7 +53,7 @@ class LintTest(unittest.TestCase):
             self.put(name, text)
 
     def put(self, name, text):
-        (self.house / name).parent.mkdir(exist_ok=True)
+        (self.house / name).parent.mkdir(exist_ok=True, parents=True)
         (self.house / name).write_text(text)
 
     def test_the_tree(self):

@@ -11,6 +11,7 @@
 #include "prndeck/gui/PrdGuiIds.h"
 #include "prndeck/gui/PrdGuiMacros.h"
 #include "prndeck/gui/PrdGuiWindows.h"
+#include "siblings/prnpnxxtty/window/Window.h"
 #include "tools/checkwin/Args.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Reader.h"
@@ -107,19 +108,29 @@ static void CheckDescription(const Catalogue &catalogue, const char *name, const
 
 static const Hole HelpHoles[] = {{}, {NLS_HELP_SET, 1}, {NLS_HELP_SET, 2}, {NLS_HELP_SET, 3}};
 
-// The manual's own window, which nothing else is made beside.
-static void CheckAlone(const Catalogue &catalogue) {
-    ForgetObjects();
-    MacroTexts.clear();
-    CheckDescription(catalogue, "XmtHelpMWDesc", XmtHelpMWDesc, HelpHoles, 0);
+static const Hole MacroHoles[] = {{}, {}, {}, {}, {}, {}, {SET_MACROS, 1}, {SET_MACROS, 2}, {}};
+
+static void ForgetAll() {
     CheckWanted();
     ForgetObjects();
     MacroTexts.clear();
 }
 
+// Windows that nothing else is made beside: the manual's own, and those of the front end.
+static void CheckAlone(const Catalogue &catalogue) {
+    ForgetAll();
+    CheckDescription(catalogue, "XmtHelpMWDesc", XmtHelpMWDesc, HelpHoles, 0);
+    ForgetAll();
+    for (const FrontWindow &window : FrontWindows) {
+        CheckDescription(catalogue, "MainMacroDesc", MainMacroDesc, MacroHoles, 0);
+        CheckDescription(catalogue, window.name, window.text, nullptr, window.set);
+        CheckDescription(catalogue, "XmtHtmlHelpDesc", XmtHtmlHelpDesc, HelpHoles, 0);
+        ForgetAll();
+    }
+}
+
 static void CheckShipped(const Catalogue &catalogue) {
-    static const Hole holes[] = {{}, {}, {}, {}, {}, {}, {SET_MACROS, 1}, {SET_MACROS, 2}, {}};
-    CheckDescription(catalogue, "MainMacroDesc", MainMacroDesc, holes, 0);
+    CheckDescription(catalogue, "MainMacroDesc", MainMacroDesc, MacroHoles, 0);
     for (const GuiDesc *desc = GuiDescs; desc->name; desc++)
         CheckDescription(catalogue, desc->name, desc->text, nullptr, desc->set);
     CheckDescription(catalogue, "XmtHtmlHelpDesc", XmtHtmlHelpDesc, HelpHoles, 0);
