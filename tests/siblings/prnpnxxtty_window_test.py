@@ -19,7 +19,7 @@ if missing():
 STAGE = Path(os.environ["PRN_BUILD"]) / "stage"
 MESSAGE = " " * 5  # title of a message box without one
 MANUAL = "prndeck Help"
-TITLES = {"C": "Features of ", "de_DE": "Einstellungen f\xfcr "}
+TITLES = {"C": "Features of ", "de_DE": "Druckerfunktionen von "}
 TEXT = "a,b\\,c()<>{};*80~@%%s%%n\x1b[2J\x07\xe4\xff\xc3\xa9`$(touch hit)'\"" + "long " * 2000
 HOSTILE = '*PPD-Adobe: "4.3"\n*ModelName: "%s"\n' % TEXT.replace('"', "").replace("%%", "%") + "".join(
     "*OpenGroup: G%d/%s\n*OpenUI *O%d/%s: PickOne\n*DefaultO%d: C1\n%s*CloseUI: *O%d\n*CloseGroup: G%d\n" % (
