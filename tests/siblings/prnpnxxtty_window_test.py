@@ -56,12 +56,12 @@ class FrontWindow(unittest.TestCase):
         file = self.tool / ".settings"
         return file.read_text() if file.is_file() else None
 
-    def start(self, *words, title="Features of Tarvo 99%s, \\n~", prefix=(), **env):
+    def start(self, *words, title="Features of Tarvo 99%s, \\n~", prefix=(), program="prnpnxxtty", **env):
         """A run from another directory than its own, and its window, which fits the screen with its frame."""
+        where = self.tool if program == "prndeck" else "/"
         with open(self.top / "output", "w") as output, open(self.top / "errors", "w") as errors:
-            self.program = subprocess.Popen(
-                [*prefix, self.tool / "prnpnxxtty", *words], cwd="/", stdin=subprocess.DEVNULL, stdout=output, stderr=errors,
-                env=self.display.env(**{**self.env, **env}))
+            self.program = subprocess.Popen([*prefix, self.tool / program, *words], cwd=where, stdin=subprocess.DEVNULL,
+                                            stdout=output, stderr=errors, env=self.display.env(**{**self.env, **env}))
         self.addCleanup(self.program.wait)
         self.addCleanup(self.program.kill)
         self.focused(title)
@@ -233,6 +233,33 @@ class FrontWindow(unittest.TestCase):
             before.pop(key, None)
         self.assertEqual(after, before)
         self.assertEqual({value.decode().rstrip("\0") for value in settings.values()}, {LONG_EDGE})
+
+    @unittest.skipIf(os.geteuid(), "queues are root's affair")
+    def test_from_the_windows(self):
+        """The wizard's button and the entry of the main window."""
+        title = "Tarvo Printer Administration"
+        window = self.start("-nd", program="prndeck", title=title)
+        self.display.alt("s")
+        self.display.menu(window)
+        self.key("q")
+        self.display.menu(window, 2)
+        self.key("a")
+        self.focused("Add Queue")
+        self.key(*["Tab"] * 9, "Return")
+        self.focused("Features of Tarvo Generic")
+        self.key(*["shift+Tab"] * 3, "Return")
+        self.focused("Add Queue")
+        self.assertIn("PageSize=A4\n", self.settings())
+        self.key("Escape")
+        self.focused(title)
+        self.display.alt("p")
+        self.display.menu(window)
+        self.key("f")
+        self.message("none-yet")
+        self.answer("Return")
+        self.focused("Features of queues")
+        self.key("Escape")
+        self.display.gone("Features of queues")
 
     @unittest.skipIf(os.geteuid(), "runs as somebody else")
     def test_what_the_list_of_queues_says(self):
