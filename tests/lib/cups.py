@@ -4,7 +4,8 @@
         cups.run("lpadmin", "-p", "q", "-v", "socket://127.0.0.1:9100", "-E")
 
 The tree lies under /tmp because the scheduler's helpers run as another user and must be able to reach it.  Where
-the host lacks the backends for sockets, LPD or local devices, or the PostScript filter, small ones of our own stand in for them.
+the host lacks the backends for sockets, LPD or local devices, small ones of our own stand in for them. Filters are ours
+unless the host's are asked for, so that documents come out as they went in, whatever is installed.
 """
 import os
 import shutil
@@ -85,7 +86,8 @@ CONVS = "application/postscript application/vnd.cups-postscript 66 pstops\n"
 
 
 class Scheduler:
-    def __init__(self):
+    def __init__(self, host_filters=False):
+        self.host_filters = host_filters
         self.root = tempfile.mkdtemp(prefix="prncups.", dir="/tmp")
         os.chmod(self.root, 0o755)
         self.socket = self.root + "/run/cups.sock"
@@ -127,9 +129,11 @@ class Scheduler:
         self._link(SERVER_BIN + "/backend", "bin/backend",
                    [(scheme, BACKEND.format(python=python, scheme=scheme), 0o700)
                     for scheme in ("socket", "lpd", "parallel", "serial")])
-        self._link(SERVER_BIN + "/filter", "bin/filter",
-                   [(name, FILTER, 0o755) for name in ("pstops", "commandtops", "gziptoany")])
-        self._link(DATA_DIR + "/mime", "data/mime", [("mime.convs", CONVS, 0o644)])
+        filters, mime = (SERVER_BIN + "/filter", DATA_DIR + "/mime") if self.host_filters else ("", "")
+        self._link(filters, "bin/filter", [(name, FILTER, 0o755) for name in ("pstops", "commandtops", "gziptoany")])
+        self._link(mime, "data/mime", [("mime.convs", CONVS, 0o644)])
+        if not mime:
+            os.symlink(DATA_DIR + "/mime/mime.types", self.data + "/mime/mime.types")
         self._link(SERVER_BIN, "bin")
         self._link(DATA_DIR, "data")
 

@@ -13,6 +13,11 @@ import threading
 import time
 
 
+def free_port():
+    with socket.create_server(("127.0.0.1", 0)) as taken:
+        return taken.getsockname()[1]
+
+
 class FakePrinter:
     """Reads each connection to its end and keeps the bytes as job000, job001, ..."""
 

@@ -46,7 +46,7 @@ class Tool:
         (self.path / "prnpnxxtty").write_text(FRONT_END)
         (self.path / "prnpnxxtty").chmod(0o755)
         self.program = str(self.path / "prndeck")
-        self.env = {"PRNQ_SPOOL": str(top / "spool"), "LANG": "C"}
+        self.env = {"PRNQ_SPOOL": str(top / "spool"), "LANG": "C", "TERM": "dumb"}
 
     def run(self, program, *words, text=""):
         done = subprocess.run([str(self.path / program), *words], env={**os.environ, **self.env}, cwd=self.path, input=text,

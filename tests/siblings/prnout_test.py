@@ -15,7 +15,7 @@ import unittest
 from pathlib import Path
 
 from cups import Scheduler
-from fakeprinter import FakeLpd, FakePrinter
+from fakeprinter import FakeLpd, FakePrinter, free_port
 from tooldir import QueueTool, ToolDir
 import xdb
 
@@ -44,11 +44,6 @@ def until(condition, seconds=15):
     while not condition() and time.monotonic() < end:
         time.sleep(0.01)
     return condition()
-
-
-def free_port():
-    with socket.create_server(("127.0.0.1", 0)) as taken:
-        return taken.getsockname()[1]
 
 
 class Scenario(QueueTool):
