@@ -331,10 +331,12 @@ void XmtSelectFile(XmtHandler callback, intptr_t id, const char *title) {
     XmtShow(FileDialog);
 }
 
-// Hidden first: the callback may ask for another file.
+// The button of the filter, Return in its field and a directory that is opened look for files: that is no
+// answer. Hidden before the callback, which may ask for another file.
 void XmtFSEventHandler(XmtCallData *data) {
+    if (data->reason == XmtCR_APPLY) return;
     XmtHide(FileDialog);
-    if (data->reason != XmtCR_OK && data->reason != XmtCR_APPLY) return;
+    if (data->reason != XmtCR_OK) return;
     data->id = FSId;
     if (FSCBF) FSCBF(data);
 }

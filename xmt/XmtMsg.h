@@ -59,7 +59,8 @@ struct XmtDialogWords {
 extern const XmtDialogWords *pXmtDialogWords; // writer: the application
 
 // ---- file selection. One dialog for all: the callback gets the chosen name as text, under the id, with
-// reason XmtCR_OK or XmtCR_APPLY; none when the user cancels. Without a title it has the main window's. A
-// second call before the answer replaces the callback. Nothing without a main window.
+// reason XmtCR_OK; none when the user cancels. Looking for files, by the filter or in another directory, is
+// no answer. Without a title it has the main window's. A second call before the answer replaces the callback.
+// Nothing without a main window.
 void XmtSelectFile(XmtHandler callback, intptr_t id, const char *title);
 void XmtFSEventHandler(XmtCallData *data);

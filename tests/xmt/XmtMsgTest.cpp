@@ -257,3 +257,38 @@ TEST_F(XmtMsgWindow, AFileIsChosen) {
     EXPECT_TRUE(RunLoopUntil([&] { return !XtIsManaged(dialog); }));
     EXPECT_EQ(TakeEvents(), "");
 }
+
+static void ClickChild(Widget dialog, int child) {
+    Widget button = XmFileSelectionBoxGetChild(dialog, static_cast<unsigned char>(child));
+    Position x, y;
+    XtTranslateCoords(button, 5, 5, &x, &y);
+    ClickPoint(x, y);
+}
+
+// By the button, by Return in the filter's field, and by a directory that is opened.
+TEST_F(XmtMsgWindow, LookingForFilesIsNoAnswer) {
+    Scratch scratch;
+    for (const char *name : {"a.ps", "b.ps", "c.txt"}) scratch.Write(name, "");
+    XmtSelectFile(RecordEvent, 65, nullptr);
+    Widget dialog = XmtGetWidget("XmtFS");
+    Widget filter = XmFileSelectionBoxGetChild(dialog, XmDIALOG_FILTER_TEXT);
+    ASSERT_TRUE(RunLoopUntil([&] { return XtIsManaged(dialog); }));
+    auto listed = [&] {
+        int count = 0;
+        XtVaGetValues(dialog, XmNfileListItemCount, &count, nullptr);
+        return count;
+    };
+    XmTextSetString(filter, (scratch.Path("") + "*.ps").data());
+    ClickChild(dialog, XmDIALOG_APPLY_BUTTON);
+    EXPECT_TRUE(RunLoopUntil([&] { return listed() == 2; }));
+    XmTextSetString(filter, (scratch.Path("") + "*.txt").data());
+    ClickChild(dialog, XmDIALOG_FILTER_TEXT);
+    PressKeys("Return");
+    EXPECT_TRUE(RunLoopUntil([&] { return listed() == 1; }));
+    ClickChild(dialog, XmDIALOG_DIR_LIST); // its first row, this directory
+    PressKeys("Return");
+    RunLoopFor(100);
+    EXPECT_TRUE(XtIsManaged(dialog));
+    EXPECT_EQ(TakeEvents(), "");
+    XmtHide("XmtFS");
+}
