@@ -19,7 +19,9 @@
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtUtils.h"
 
+#include <cctype>
 #include <cstring>
+#include <map>
 
 enum { TTY_BAD_FIRST = 1021 }; // of the menus' set
 enum { MSG_REPLACE = 2, MSG_UNWRITTEN = 131 };
@@ -70,6 +72,21 @@ std::string GetField(const char *name) {
     std::string out = text ? text : "";
     XtFree(text);
     return out;
+}
+
+// Programs' values pass a field's check as what is typed does: one that is refused leaves the field empty,
+// behind a message on something that nobody typed.
+void FillField(const char *name, const char *text) {
+    static std::map<std::string, std::string> checks; // as the windows' texts have them
+    const XmtObjectData *field = XmtFindObject(name);
+    if (!field) return;
+    std::string check = checks.try_emplace(name, field->format ? field->format : "").first->second;
+    for (const char *at = text; *at; at++) {
+        std::string member = {'+', *at};
+        if (!isalnum(static_cast<unsigned char>(*at)) && check.find(member) == check.npos) check += member;
+    }
+    XmtReplaceFormat(name, check.c_str());
+    XmtSetText(name, text);
 }
 
 void KeepName(char **field, const char *name) {

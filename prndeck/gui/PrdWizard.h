@@ -82,7 +82,10 @@ void SetCopyConnection(int connection);
 
 // ---- What the windows share
 
-std::string GetField(const char *name);         // the text of a field
+std::string GetField(const char *name); // the text of a field
+// Puts into a field with a check of letters and digits what a record or the network says. Other characters of
+// it may be typed there as well, until the next call.
+void FillField(const char *name, const char *text);
 void KeepName(char **field, const char *name);  // a managed copy; null for null and for an empty name
 void PostText(int number);                      // of the set of messages
 void PostQueText(int number, const char *name); // likewise, with the name in each hole

@@ -83,7 +83,7 @@ void ReopenAddQue() {
 // The choices bring their rows along by their formats, which also set what the handler keeps of them: first
 // the printing model, whose format the connection's runs once more.
 static void InitAddress(const char *host) {
-    XmtSetText("wqhn", host ? host : "");
+    FillField("wqhn", host ? host : "");
     for (const char *field : {"wqrpn", "wqdn", "wqn"}) XmtSetText(field, "");
     XmtSetValuePF("wqcm", FIRST_ITEM, 1);
     XmtSetValuePF("wqc", FIRST_ITEM, 1);

@@ -33,7 +33,7 @@ static void SetCopyChoices(const QueChoice &choice) {
 }
 
 int SetupCopySettings() {
-    for (const char *field : {"clqn", "clhn", "cldn", "clrpn"}) XmtSetText(field, "");
+    for (const char *field : {"clqn", "clhn", "cldn", "clrpn"}) FillField(field, "");
     if (!CQueName || !GetQueDbEntry(&MPS, CQueName)) {
         PostQueText(MSG_NO_COPY, CQueName ? CQueName : "");
         return 0;
@@ -41,8 +41,8 @@ int SetupCopySettings() {
     int model = PpdList ? FindToken(MPS.ppdFile, PpdList) : 0;
     XmtSetLabelText("clpm", model ? GetModelName(model).c_str() : MPS.ppdFile);
     QuePlace place = GetQuePlace(&MPS);
-    XmtSetText(IsDeviceType(MPS.type) ? "cldn" : "clhn", place.address);
-    if (MPS.type == QUEUE_SERVER) XmtSetText("clrpn", place.remote);
+    FillField(IsDeviceType(MPS.type) ? "cldn" : "clhn", place.address);
+    if (MPS.type == QUEUE_SERVER) FillField("clrpn", place.remote);
     SetCopyChoices(GetQueChoice(MPS.type));
     return 1;
 }

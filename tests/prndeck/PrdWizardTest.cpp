@@ -295,6 +295,28 @@ TEST_F(Wizard, WhereAQueuePrintsStandsInTheRowsOfItsKind) {
     EXPECT_EQ(TakeMessages(), "");
 }
 
+// They may be edited as well; the next queue has the window's own checks again.
+TEST_F(Wizard, HostsThatNobodyCouldTypeAreKept) {
+    Records records = {{"p count", CountData("p lp")}, {"q", QueData("q p lp tv_a.ppd 0 1 1 0 0 0")}};
+    for (std::string host : {"[fd00::1]:9101", "print_er.example:9100"}) {
+        records.push_back({"o", QueData("o " + host + " lp tv_a.ppd 0 1 1 0 0 0")});
+        records.push_back({host + " count", CountData(host + " r")});
+        Tool->WriteDb("que", records);
+        Event(WIZARD_COPY_CHOICE, 1, "o");
+        Event(WIZARD_COPY);
+        EXPECT_EQ(Text("clhn"), host);
+        XmtSetText("clhn", (host + "1").c_str());
+        EXPECT_EQ(Text("clhn") + TakeMessages(), host + "1");
+        InitQueSettings(host.c_str(), 1);
+        EXPECT_EQ(Text("wqhn") + TakeMessages(), host);
+        records.resize(2);
+    }
+    Event(WIZARD_COPY_CHOICE, 1, "q");
+    Event(WIZARD_COPY);
+    XmtSetText("clhn", "p:1");
+    EXPECT_EQ(Text("clhn") + TakeMessages(), "p:25_1025 ");
+}
+
 TEST_F(Wizard, TheLinesOfACopyAndOfAChange) {
     Tool->WriteDb("que", {{"q", QueData("q p r tv_a.ppd 1 1 0 1 0 0")},
                           {"p count", CountData("h last")},
