@@ -45,38 +45,63 @@ static std::string JoinRows(const std::vector<std::string> &rows) {
     return list;
 }
 
+using Rows = std::vector<std::string>;
+
+// Where the row of a place stands in other rows: where it reads the same, else at the same place.
+static int FollowRow(const Rows &before, int place, const Rows &rows) {
+    if (place > 0 && place <= static_cast<int>(before.size())) {
+        auto found = std::find(rows.begin(), rows.end(), before[static_cast<size_t>(place) - 1]);
+        if (found != rows.end()) return static_cast<int>(found - rows.begin()) + 1;
+    }
+    return std::clamp(place, 1, static_cast<int>(rows.size()));
+}
+
+// The timers change lists under the user's eyes and hands: the row at the top stays there, and the keys stay
+// on theirs. False if the rows are those of before, which are left alone.
+static bool ReplaceRows(const char *name, Rows *before, const Rows &rows) {
+    Widget list = XmtGetWidget(name);
+    if (!list || (rows == *before && XmtGetListCount(name) == static_cast<int>(rows.size()))) return false;
+    int top = 1, visible = 1, row = XmListGetKbdItemPos(list);
+    XtVaGetValues(list, XmNtopItemPosition, &top, XmNvisibleItemCount, &visible, nullptr);
+    XmtReplaceAllListItems(name, JoinRows(rows).c_str());
+    if (!rows.empty()) {
+        XmListSetKbdItemPos(list, FollowRow(*before, row, rows));
+        int last = std::max(static_cast<int>(rows.size()) - visible + 1, 1);
+        XmListSetPos(list, std::min(FollowRow(*before, top, rows), last));
+    }
+    *before = rows;
+    return true;
+}
+
 void UpdateJobCount() {
-    std::vector<std::string> rows;
+    static Rows shown;
+    Rows rows;
     UpdateJobPaths();
     for (const std::string &queue : JobQueues) {
         const std::string *path = FindJobPath(queue);
         rows.push_back(MakeCountRow(path ? CountJobs(*path) : 0, queue));
     }
-    XmtReplaceAllListItems("jmql", JoinRows(rows).c_str());
+    ReplaceRows("jmql", &shown, rows);
 }
 
 // What was chosen stays so, if it still waits: it is what Delete takes.
-static void ShowJobs(const std::vector<std::string> &rows) {
-    std::vector<std::string> kept;
-    XmtReplaceAllListItems("jmsjl", JoinRows(rows).c_str());
+static void KeepChosen(const Rows &rows) {
+    Rows kept;
     Widget list = XmtGetWidget("jmsjl");
     for (size_t i = 0; i < rows.size(); i++) {
         if (std::find(pJobText.begin(), pJobText.end(), rows[i]) == pJobText.end()) continue;
         kept.push_back(rows[i]);
-        if (list) XmListSelectPos(list, static_cast<int>(i) + 1, 0);
+        XmListSelectPos(list, static_cast<int>(i) + 1, 0);
     }
     pJobText = kept;
 }
 
-// A list that reads as before is left alone: its place and its selection stay.
 static void UpdateRows(const std::string *path) {
-    static std::vector<std::string> shown;
-    std::vector<std::string> rows;
+    static Rows shown;
+    Rows rows;
     if (path)
         for (const PrintJob &job : ReadJobs(*path)) rows.push_back(MakeJobRow(job));
-    if (rows == shown && XmtGetListCount("jmsjl") == static_cast<int>(rows.size())) return;
-    shown = rows;
-    ShowJobs(rows);
+    if (ReplaceRows("jmsjl", &shown, rows)) KeepChosen(rows);
 }
 
 // Jobs of other programs show when the tools ask the scheduler, so a list may miss some.
@@ -106,7 +131,10 @@ static void UpdateStatus(const std::string *path) {
     std::string text = ReadStatus(path);
     if (text == shown) return;
     shown = text;
+    Widget field = XmtGetWidget("jmss");
+    int top = field ? static_cast<int>(XmTextGetTopCharacter(field)) : 0;
     XmtSetText("jmss", text.c_str());
+    XmtSetTextPosTop("jmss", top); // where the user reads
 }
 
 void UpdateJobList() {
@@ -161,8 +189,12 @@ void OpenJobCounts() {
 
 void ChooseJobQue(int place, const char *row) {
     if (IsEmpty(row)) return;
-    const char *blank = strrchr(row, ' ');
-    JobQue = blank ? blank + 1 : row;
+    const char *blank = strrchr(row, ' '), *queue = blank ? blank + 1 : row;
+    if (JobQue != queue) { // another list is read from its start
+        XmtDeleteAllListItems("jmsjl");
+        XmtSetTextPosTop("jmss", 0);
+    }
+    JobQue = queue;
     JobQueIndex = place;
     pJobText.clear();
     XmtSuspendTimer(JobCountTimer);

@@ -195,6 +195,42 @@ TEST_F(Jobs, WhatIsChosenStaysChosenAndIsRemoved) {
     EXPECT_EQ(Removed(), "<q1><->");
 }
 
+// Place of the row at the top, and of the one that the keys are on.
+static std::string Places(const char *name) {
+    int top = 0;
+    Widget list = XmtGetWidget(name);
+    XtVaGetValues(list, XmNtopItemPosition, &top, nullptr);
+    return std::to_string(top) + " " + std::to_string(XmListGetKbdItemPos(list));
+}
+
+TEST_F(Jobs, ListsAndStatusStayWhereTheUserIs) {
+    std::string hall = SpoolOf("hall"), status;
+    for (int i = 100; i < 130; i++) AddJob(hall, "A" + std::to_string(i) + "h", "P q1 h ann x");
+    for (int i = 0; i < 30; i++) status += "a line\n";
+    std::ofstream(hall + "/.status") << status;
+    Event(WIZARD_JOB_COUNTS);
+    Event(WIZARD_JOB_QUEUE, "  3               q1", 1);
+    XmListSetKbdItemPos(XmtGetWidget("jmql"), 2);
+    XmListSetKbdItemPos(XmtGetWidget("jmsjl"), 9);
+    XmListSetPos(XmtGetWidget("jmsjl"), 6);
+    XmtSetTextPosTop("jmss", 21);
+    fs::remove(hall + "/cfA101h");
+    fs::remove(hall + "/cfA105h"); // the one at the top
+    std::ofstream(hall + "/.status") << status + "one more\n";
+    UpdateJobList();
+    EXPECT_EQ(Places("jmsjl"), "6 7");
+    EXPECT_EQ(XmTextGetTopCharacter(XmtGetWidget("jmss")), 15); // a line's start
+    Event(WIZARD_JOB_QUEUE, "  3               q3", 3);
+    EXPECT_EQ(Places("jmsjl") + " " + std::to_string(XmTextGetTopCharacter(XmtGetWidget("jmss"))), "1 1 0");
+    XmListSetKbdItemPos(XmtGetWidget("jmsjl"), 5);
+    AddJob(SpoolOf("room"), "A001h", "P q2 h ann x");
+    UpdateJobCount();
+    EXPECT_EQ(Places("jmql"), "1 2");
+    for (int i = 100; i < 126; i++) fs::remove(hall + "/cfA" + std::to_string(i) + "h");
+    UpdateJobList();
+    EXPECT_EQ(Places("jmsjl"), "1 4") << "the last";
+}
+
 TEST_F(Jobs, AQueueThatGoesTakesItsJobsFromTheWindow) {
     AddJob(SpoolOf("room"), "A001h", "P q2 h ann x");
     Event(WIZARD_JOB_QUEUE, "  1               q2", 2);
