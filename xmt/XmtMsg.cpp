@@ -20,6 +20,7 @@
 #include <vector>
 
 enum { TICK_MS = 1000, TIMER_IDS = 100 };
+enum { FILE_COLUMNS = 50 }; // of a path in the file dialog; the lists get their width with it
 static const char MsgDialog[] = "XmtPostMsg";
 static const char FileDialog[] = "XmtFS";
 
@@ -314,6 +315,7 @@ static bool MakeFileDialog() {
     for (const DialogWord &row : BoxWords) SetWord(FileDialog, row);
     for (const DialogWord &row : FileWords) SetWord(FileDialog, row);
     XtUnmanageChild(XmFileSelectionBoxGetChild(dialog, XmDIALOG_HELP_BUTTON));
+    XtVaSetValues(dialog, XmNtextColumns, FILE_COLUMNS, nullptr);
     XtRemoveAllCallbacks(dialog, XmNhelpCallback); // the help key is for the main window
     return true;
 }
