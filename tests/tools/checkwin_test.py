@@ -36,8 +36,12 @@ CASES = (
         "1:13: the character behind a group's number is lost", "1:16: '<' wants the number of a group",
         "1:22: no '>' behind the group", "1:22: group 2 of \"a\" is read by no part of it")),
     ("labels, colours, pictures", "l a l(@icon/TLogo.xpm,fg red,zz x,bg) c(bg #12,bo #102030) CB(a,q);\nl b l(@no.xpm) l(~x);", (
-        '1:30: no colour key "zz"', "1:35: a key without a colour", '1:44: "#12" is no colour', '1:65: no callback "q"',
+        '1:30: no colour key "zz"', '1:33: "x" is no colour', "1:35: a key without a colour", '1:44: "#12" is no colour', '1:65: no callback "q"',
         '2:7: there is no picture "no.xpm"', "2:18: no character in front of '~'")),
+    ("colours and fonts by name", "l a F_(7x13) F_(7x99) c(bg light gray,fg lightYELLOW,bo rgb:1/22/333,st lightish,hi #FFF,sb rgb:1/2);\n"
+     "B b Fd(-*-fixed-medium-*-*-*-13-*-*-*-*-*-iso8859-1) { l c ; }\nl d Fl(-*-nofont-*-*-*-*-*-*-*-*-*-*-*-*);", (
+        '1:17: there is no font "7x99"', '1:73: "lightish" is no colour', '1:85: "#FFF" is no colour', '1:93: "rgb:1/2" is no colour',
+        '3:8: there is no font "-*-nofont-*-*-*-*-*-*-*-*-*-*-*-*"')),
     ("attachments", "F f {\n B b {l x ; }\n l a A(lw zz 3,tw x 2,zf,t,,rwo b);\n}", (
         '3:8: "zz" is no object so far', '3:16: "x" is not in the same box', '3:23: "zf": no side', '3:26: "t": nothing to attach to')),
     ("names", "l a ;\nbl b l(x) L(c,d);\nl b_2 ;\nWF a { }", (
@@ -46,8 +50,20 @@ CASES = (
         "1:13: \"X\": no action 'X' here", '1:18: "Hq": no event "q", so it runs on each', "1:24: \"me\": no action 'm' here",
         '1:32: the target "zz" is no object', '1:40: V wants "name.value", not "a"', '1:55: "Ca": no targets in brackets',
         "1:55: \"Ca\": no ']' behind its targets")),
+    ("widths and colours of a button's format", "bp a f(b[a] b_x[a] b_2[a] c[a] c_zz_red[a] c_bg_reddish[a] c_bg_LightGray[a] bq_2[a]);", (
+        '1:8: "b": b wants a width, as in b_2', '1:13: "b_x": b wants a width, as in b_2', '1:27: "c": c wants key and colour',
+        '1:32: "c_zz_red": no colour key "zz"', '1:44: "c_bg_reddish": "reddish" is no colour',
+        '1:78: "bq_2": no event "q_2", so it runs on each')),
+    ("items and states", "bl o l(x) L(a,b) f(H2[o] S0,1[o] V*[o.3] V*[o.2] P1[o.2] V0[o.0]);\nbt b l(x) f(D1[o] D2[o]);\n"
+     "Bl l l(x) L(a) <3 f(H7[o])>;", (
+        '1:20: "H2": the last state is 1', '1:37: the target "o" has 2 items', '1:53: the target "o" has 2 items',
+        '1:61: "o.0": items count from 1', '2:19: "D2": the last state is 1')),
+    ("a number used twice", "id(5) bp a ; bp b id(5) ; bp c id(5) f(H[a]) ; bl d l(x) L(m,n) id(7) ; t e id(7) l(x) ;\n"
+     "t g id(7) l(x) <3 CB(a)>; l h id(9) ; bp i id(9) ; bp j f(C[h]) ; M m { id(5) b(A~) b( ) } ;", (
+        '1:17: "b" has the number 5 of "a"', '2:3: "g" has the number 7 of "d"', '2:42: "i" has the number 9 of "h"',
+        '2:79: "m_1" has the number 5 of "a"')),
     ("a state's format", "br a L(x,y) f(H1,2[a] Sx[a] b[a] P0[zz.1] A[zz] C[.] V*[a.2]);\nF b f(C[a]) ;", (
-        '1:23: "Sx": not a list of states', "1:29: \"b\": no action 'b' here", '1:37: the target "zz" is no object',
+        '1:15: "H1,2": the last state is 1', '1:23: "Sx": not a list of states', "1:29: \"b\": no action 'b' here", '1:37: the target "zz" is no object',
         '1:45: the target "zz" is no object', '1:49: "C": not a list of states', '2:7: the format "C[a]" never runs')),
     ("entry checks", "t a CB(c) f(A0 d9,1+);\nt b f(x0,ff);\ntp c f(S l4tzz | v.ta_b);", (
         "1:14: 'A' wants a minimum and a maximum", "1:17: 'd': the minimum is above the maximum", "1:20: no character behind the sign",

@@ -1,5 +1,6 @@
 #include "tools/checkwin/Args.h"
 
+#include "tools/checkwin/Look.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Report.h"
 #include "xmt/XmtCallback.h"
@@ -94,6 +95,12 @@ static Text WantText(const Reading *r) {
     return value;
 }
 
+static void WantFont(const Reading *r) {
+    Text name = WantText(r);
+    if (!name.empty() && !IsFont(name.chars))
+        Report(name.place(0), "there is no font \"%s\"", name.chars.c_str());
+}
+
 static Text WantList(const Reading *r, Text (*take)(Scan *, char *)) {
     char close;
     Text list = take(r->cursor, &close);
@@ -120,9 +127,7 @@ static void CheckColour(const Text &item) {
     if (!row->resource) Report(item.place(at), "no colour key \"%s\"", item.chars.substr(at, 2).c_str());
     size_t colour = item.chars.find_first_not_of(' ', at + 2);
     if (colour == item.chars.npos) return Report(item.place(at), "a key without a colour");
-    std::string digits = item.chars.substr(colour + 1);
-    bool flHex = digits.find_first_not_of("0123456789abcdefABCDEF") == digits.npos;
-    if (item.chars[colour] == '#' && (!flHex || (digits.size() != 6 && digits.size() != 12)))
+    if (!IsColour(item.chars.substr(colour)))
         Report(item.place(colour), "\"%s\" is no colour", item.chars.c_str() + colour);
 }
 
@@ -189,7 +194,7 @@ static void ReadOne(const Reading *r, const XmtArgRow *row) {
     case XMT_ARG_ALIGNMENT: WantLetter(r, "l0c1r2"); break;
     case XMT_ARG_SIZE: WantNumbers(r, true); break;
     case XMT_ARG_ID: ReadId(r); break;
-    case XMT_ARG_FONT:
+    case XMT_ARG_FONT: WantFont(r); break;
     case XMT_ARG_KEYS: WantText(r); break;
     case XMT_ARG_MACRO: ReadMacro(r); break;
     case XMT_ARG_LIST: args->flList = true, args->list = WantList(r, TakeList); break;

@@ -64,7 +64,9 @@ static int BuildSimple(Scan *cursor, int type, int parent) {
     Args args;
     ReadArguments(cursor, 0, &args);
     if (!args.format.empty()) CheckFormat(type, args.format, args.callbacks.chars);
-    return AddWidget(args.name.chars, args.name.place(0), type, args, parent);
+    int widget = AddWidget(args.name.chars, args.name.place(0), type, args, parent);
+    ObjectOf(widget)->flHeard = IsHeard(type, args.format, args.callbacks.chars);
+    return widget;
 }
 
 static int BuildWindow(Scan *cursor) {
@@ -136,9 +138,24 @@ static void ReadCompound(Scan *cursor, Compound *c) {
     c->place = c->parts.name.place(0);
 }
 
-static void CheckControlFormat(const Compound &c, const Args &args) {
-    if (!c.parts.format.empty()) CheckFormat(c.type, c.parts.format, args.callbacks.chars);
-    if (!args.format.empty()) CheckFormat(c.type, args.format, args.callbacks.chars);
+// A list box gets its rows from the program, and so does a list with a hole.
+static int CountItems(const Compound &c) {
+    if (c.type == XmtToggleBut) return 2;
+    bool flKnown = c.type == XmtListBut || c.type == XmtRadioBox || c.type == XmtButtonBox;
+    const std::string &list = c.parts.list.chars;
+    if (!flKnown || list.empty() || list == AnyText || list.find('%') != list.npos) return 0;
+    return static_cast<int>(SplitList(c.parts.list).size());
+}
+
+static void CheckControlFormat(const Compound &c, const Args &args, int control) {
+    const std::string &callbacks = args.callbacks.chars;
+    int items = CountItems(c);
+    if (!c.parts.format.empty()) CheckFormat(c.type, c.parts.format, callbacks, items);
+    if (!args.format.empty()) CheckFormat(c.type, args.format, callbacks, items);
+    ObjectOf(control)->items = items;
+    bool flPlainBox = c.type == XmtButtonBox && !c.parts.flList;
+    ObjectOf(control)->flHeard =
+        !flPlainBox && IsHeard(c.type, c.parts.format.empty() ? args.format : c.parts.format, callbacks);
 }
 
 static void CheckGroups(const Compound &c) {
@@ -205,7 +222,7 @@ static int BuildCompound(Scan *cursor, int type, const char *letters, int parent
     int box = AddBox(&c, &slot);
     if (slot == 1 && flIcon) box = AddPlain(&c, "_B1", AUX_BOX, 1, parent), slot = 2;
     int control = AddPart(&c, "", type, slot++, box, &args);
-    CheckControlFormat(c, args);
+    CheckControlFormat(c, args, control);
     int owner = control;
     if (strchr(letters, 'm')) owner = AddPulldown(&c, slot, control);
     if (strchr(letters, 'L')) AddItems(&c, type, slot, owner);
@@ -228,8 +245,7 @@ static int BuildListBox(Scan *cursor, int type, int parent) {
     c.used |= 1 << 3;
     ReadPart(c.parts, 3, &args);
     args.attachments.clear(); // the list fills the form; those of the general text are the form's
-    AddWidget(c.name, c.place, type, args, around);
-    CheckControlFormat(c, args);
+    CheckControlFormat(c, args, AddWidget(c.name, c.place, type, args, around));
     CheckGroups(c);
     return around;
 }
@@ -243,7 +259,7 @@ static int BuildPicture(Scan *cursor, int parent) {
     int box = AddBox(&c, &slot);
     c.used |= 1 << 1; // read for the background
     int picture = AddPart(&c, "", XmtPicture, slot == 3 ? 3 : 0, box, &args);
-    CheckControlFormat(c, args);
+    CheckControlFormat(c, args, picture);
     CheckGroups(c);
     return picture;
 }

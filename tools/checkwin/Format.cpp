@@ -1,5 +1,6 @@
 #include "tools/checkwin/Format.h"
 
+#include "tools/checkwin/Look.h"
 #include "tools/checkwin/Objects.h"
 #include "tools/checkwin/Report.h"
 #include "xmt/XmtCallback.h"
@@ -29,17 +30,38 @@ static Text NextToken(Scan *cursor, char *del) {
     return token;
 }
 
-static void CheckState(const Text &head) {
+static void CheckState(const Text &head, int items) {
     const char *state = head.chars.c_str() + 1;
     if (strchr("ARt", head.at(0))) return; // done in every state
     if (strspn(state, "0123456789,*") != strlen(state) || !*state)
-        Report(head.place(0), "\"%s\": not a list of states", head.chars.c_str());
+        return Report(head.place(0), "\"%s\": not a list of states", head.chars.c_str());
+    for (; items && *state; state += strcspn(state, ","), state += *state == ',')
+        if (isdigit(static_cast<unsigned char>(*state)) && atoi(state) >= items)
+            Report(head.place(0), "\"%s\": the last state is %d", head.chars.c_str(), items - 1);
 }
 
-static void CheckEvent(const Text &head) {
+// b_width, c_key_colour
+static void CheckArgument(const Text &head, const char *argument) {
+    static const char keys[] = ",bg,bo,fg,hi,r,sb,st,se,sa,"; // of XmtSetColor
+    std::string text = argument, key = text.substr(0, text.find('_'));
+    if (head.at(0) == 'b') {
+        if (text.empty() || text.find_first_not_of("0123456789") != text.npos)
+            Report(head.place(0), "\"%s\": b wants a width, as in b_2", head.chars.c_str());
+        return;
+    }
+    if (key == text) return Report(head.place(0), "\"%s\": c wants key and colour", head.chars.c_str());
+    std::string colour = text.substr(key.size() + 1);
+    if (!XmtFindToken(key.c_str(), keys))
+        Report(head.place(0), "\"%s\": no colour key \"%s\"", head.chars.c_str(), key.c_str());
+    if (!IsColour(colour))
+        Report(head.place(0), "\"%s\": \"%s\" is no colour", head.chars.c_str(), colour.c_str());
+}
+
+static void CheckEvent(const Text &head, int) {
     const char *event = head.chars.c_str() + 1;
-    bool flArgument = strchr("bc", head.at(0)) && *event == '_';
-    if (*event && !flArgument && !XmtFindToken(event, pCBKeys))
+    bool flArgument = strchr("bc", head.at(0)) && (!*event || *event == '_');
+    if (flArgument) return CheckArgument(head, *event ? event + 1 : event);
+    if (*event && !XmtFindToken(event, pCBKeys))
         Report(head.place(0), "\"%s\": no event \"%s\", so it runs on each", head.chars.c_str(), event);
 }
 
@@ -48,15 +70,20 @@ static void CheckTarget(char action, const Text &target) {
     if (action == 'F' || (action == 'C' && target.chars == ".")) return;
     if (strchr("Vvf", action) && dot == std::string::npos)
         Report(target.place(0), "%c wants \"name.value\", not \"%s\"", action, target.chars.c_str());
-    else if (strchr("VvfP", action))
+    else if (strchr("VP", action))
+        WantItem(target, dot, action == 'V');
+    else if (strchr("vf", action))
         WantObject(target.part(0, dot));
+    else if (action == 'C')
+        WantCalled(target);
     else if (strchr(ListActions, action))
         for (const Text &name : SplitList(target)) WantObject(name);
     else
         WantObject(target);
 }
 
-static void CheckClauses(const Text &format, const char *actions, void (*checkCondition)(const Text &)) {
+static void CheckClauses(const Text &format, const char *actions, int items,
+                         void (*checkCondition)(const Text &, int)) {
     Scan cursor{format};
     for (;;) {
         char del;
@@ -65,7 +92,7 @@ static void CheckClauses(const Text &format, const char *actions, void (*checkCo
         if (!strchr(actions, head.at(0)))
             Report(head.place(0), "\"%s\": no action '%c' here", head.chars.c_str(), head.at(0));
         else
-            checkCondition(head);
+            checkCondition(head, items);
         if (del != '[') Report(head.place(0), "\"%s\": no targets in brackets", head.chars.c_str());
         while (del && del != ']') {
             Text target = NextToken(&cursor, &del);
@@ -149,16 +176,32 @@ static void CheckEntry(const Text &format) {
 
 // ---- by type
 
-void CheckFormat(int type, const Text &format, const std::string &callbacks) {
+bool IsHeard(int type, const Text &format, const std::string &callbacks) {
     switch (type) {
     case XmtPushBut:
-    case XmtCascadeBut: return CheckClauses(format, ButtonActions, CheckEvent);
+    case XmtRadioBox:
+    case XmtListBut:
+    case XmtToggleBut:
+    case XmtButtonBox:
+    case XmtListBox:
+    case XmtListBoxMS: break;
+    case XmtText:
+    case XmtPasswd: return !callbacks.empty();
+    default: return false;
+    }
+    return format.empty() || format.chars.find("[.]") != std::string::npos;
+}
+
+void CheckFormat(int type, const Text &format, const std::string &callbacks, int items) {
+    switch (type) {
+    case XmtPushBut:
+    case XmtCascadeBut: return CheckClauses(format, ButtonActions, 0, CheckEvent);
     case XmtBBDialog:
     case XmtRadioBox:
     case XmtListBut:
     case XmtToggleBut:
     case XmtButtonBox:
-    case XmtListBox: return CheckClauses(format, StateActions, CheckState);
+    case XmtListBox: return CheckClauses(format, StateActions, items, CheckState);
     case XmtText:
         if (!XmtFindToken("c", ("," + callbacks + ",").c_str()))
             Report(format.place(0), "an entry check runs only with CB(c)");

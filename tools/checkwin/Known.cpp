@@ -31,6 +31,7 @@ const KnownFault KnownFaults[] = {
     {"MainWinDesc", "the target \"tb1L\" is no object", hint},
     {"MainWinDesc", "the target \"tb3iL\" is no object", hint},
     {"MainWinDesc", "the target \"tb3L\" is no object", hint},
+    {"MainWinDesc", "\"tb6\" has the number 117 of \"printer_menu_5_d_1\"", "both open the manual"},
     {"IPDiscoveryDesc", "unknown argument \"S\"", sizes},
     {"IPDiscoveryDesc", "unknown argument \"r\"", sizes},
     {"AboutDesc", "text 2/3 of en_US holds a '%'", version},

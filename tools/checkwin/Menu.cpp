@@ -61,13 +61,17 @@ static void AddItem(MenuBar *bar, MenuLevel *level, const Place &place, bool flF
     bool flTop = level->prefix.empty();
     if (flTop) bar->entries++;
     if (!flTop) level->counter++;
+    Text format;
     if (flFormat) {
-        Text format = TakeValue(bar->cursor, &close);
+        format = TakeValue(bar->cursor, &close);
         if (close != ',') Report(place, "bf wants a format and a label");
         CheckFormat(XmtPushBut, format, "");
     }
-    CheckItem(bar, level, TakeList(bar->cursor), place);
-    AddObject(EntryName(bar, *level, flTop), place, XmtPushBut, bar->number);
+    Text label = TakeList(bar->cursor);
+    CheckItem(bar, level, label, place);
+    int item = AddObject(EntryName(bar, *level, flTop), place, XmtPushBut, bar->number);
+    bool flSpacer = label.chars.find_first_not_of(' ') == std::string::npos;
+    ObjectOf(item)->flHeard = !flSpacer && IsHeard(XmtPushBut, format, "");
 }
 
 static void AddMenu(MenuBar *bar, MenuLevel *level, const Place &place) {

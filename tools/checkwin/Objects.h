@@ -11,6 +11,9 @@ struct WinObject {
     Place place;
     int tabs; // of a tab form
     bool flList;
+    int items;           // choices, 0 if their number is not known
+    bool flHeard;        // the program hears its number
+    const void *handler; // that of its description
 };
 
 // Numbers of objects: the next of the counter, unless one is given for the next object alone (0: none is).
@@ -24,6 +27,11 @@ void CheckId(const char *name, int id);
 int FindObject(const std::string &name); // -1 for none, and for an empty name
 WinObject *ObjectOf(int index);
 void ForgetObjects();
+extern const void *SourceHandler; // of the description in hand
 // A name out of a format: it may come in a later description, so that CheckWanted looks for it.
 void WantObject(const Text &name);
+void WantCalled(const Text &name); // of C: the program hears the number of the target
+// "name.value", with the dot's place: a number has to be one of the object's items, counted from 1 or from 0.
+void WantItem(const Text &target, size_t dot, bool flFromOne);
 void CheckWanted();
+void CheckNumbers(); // behind CheckWanted: no handler hears one number of two objects

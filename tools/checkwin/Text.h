@@ -23,6 +23,7 @@ struct Text {
     void add(const Text &other);
     Text part(size_t from, size_t to) const;
 };
+inline constexpr char AnyText[] = "text"; // in a hole that no catalogue fills
 Text PlaceText(const std::string &chars);
 
 // A place in a text; reading moves it.

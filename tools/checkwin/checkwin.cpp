@@ -59,11 +59,21 @@ static void CheckText(const Catalogue &catalogue, int set, int number, const std
 }
 
 struct Hole {
-    int set, number; // set 0: any text will do
+    int set, number;  // set 0: any text will do
+    const char *font; // or the name of a font that stands in the catalogue of models
 };
 
+// They are those of the English catalogue in every language.
+static std::string FetchFont(const char *key) {
+    char buffer[TEXT_SIZE] = "";
+    DbTHandle *handle = DbTOpen((StageDir + "/db/en_US/PrtString.xdb").c_str(), 0);
+    if (handle) DbmTGetRecord(handle, key, buffer, sizeof buffer - 1);
+    if (handle) DbTClose(handle);
+    return *buffer ? buffer : "fixed";
+}
+
 static void FillHole(const Catalogue &catalogue, const Hole &hole, Text *out, const Place &place) {
-    std::string text = "text";
+    std::string text = hole.font ? FetchFont(hole.font) : AnyText;
     if (hole.set && !FetchText(catalogue, hole.set, hole.number, &text))
         Report(place, "text %d/%d of %s is missing", hole.set, hole.number, catalogue.language.c_str());
     if (hole.set) CheckText(catalogue, hole.set, hole.number, text, OpenArgument(out->chars), place);
@@ -79,7 +89,7 @@ static Text FillHoles(const Catalogue &catalogue, const std::string &chars, cons
             out.add(chars[at], from.place(at));
             continue;
         }
-        Hole hole = holes ? holes[number] : Hole{set, number + 1};
+        Hole hole = holes ? holes[number] : Hole{set, number + 1, nullptr};
         FillHole(catalogue, hole, &out, from.place(at++));
         number++;
     }
@@ -106,12 +116,24 @@ static void CheckDescription(const Catalogue &catalogue, const char *name, const
     CheckText(name, FillHoles(catalogue, chars, holes, set));
 }
 
-static const Hole HelpHoles[] = {{}, {NLS_HELP_SET, 1}, {NLS_HELP_SET, 2}, {NLS_HELP_SET, 3}};
+static const Hole HelpHoles[] = {
+    {}, {NLS_HELP_SET, 1, nullptr}, {NLS_HELP_SET, 2, nullptr}, {NLS_HELP_SET, 3, nullptr}};
 
-static const Hole MacroHoles[] = {{}, {}, {}, {}, {}, {}, {SET_MACROS, 1}, {SET_MACROS, 2}, {}};
+static const Hole MacroHoles[] = {
+    {0, 0, "PrdGuiFontDef1"}, {0, 0, "PrdGuiFontDef2"}, {0, 0, "PrdGuiFontDef3"},
+    {0, 0, "PrdGuiFontDef4"}, {0, 0, "PrdGuiFontDef5"}, {0, 0, "PrndeckMainFontDef"},
+    {SET_MACROS, 1, nullptr}, {SET_MACROS, 2, nullptr}, {}};
+
+// It hears of its own objects, whatever stands beside it.
+static void CheckHelp(const Catalogue &catalogue) {
+    SourceHandler = reinterpret_cast<const void *>(XmtHtmlEventHandler);
+    CheckDescription(catalogue, "XmtHtmlHelpDesc", XmtHtmlHelpDesc, HelpHoles, 0);
+    SourceHandler = nullptr;
+}
 
 static void ForgetAll() {
     CheckWanted();
+    CheckNumbers();
     ForgetObjects();
     MacroTexts.clear();
 }
@@ -124,16 +146,18 @@ static void CheckAlone(const Catalogue &catalogue) {
     for (const FrontWindow &window : FrontWindows) {
         CheckDescription(catalogue, "MainMacroDesc", MainMacroDesc, MacroHoles, 0);
         CheckDescription(catalogue, window.name, window.text, nullptr, window.set);
-        CheckDescription(catalogue, "XmtHtmlHelpDesc", XmtHtmlHelpDesc, HelpHoles, 0);
+        CheckHelp(catalogue);
         ForgetAll();
     }
 }
 
 static void CheckShipped(const Catalogue &catalogue) {
     CheckDescription(catalogue, "MainMacroDesc", MainMacroDesc, MacroHoles, 0);
-    for (const GuiDesc *desc = GuiDescs; desc->name; desc++)
+    for (const GuiDesc *desc = GuiDescs; desc->name; desc++) {
+        SourceHandler = reinterpret_cast<const void *>(desc->handler);
         CheckDescription(catalogue, desc->name, desc->text, nullptr, desc->set);
-    CheckDescription(catalogue, "XmtHtmlHelpDesc", XmtHtmlHelpDesc, HelpHoles, 0);
+    }
+    CheckHelp(catalogue);
 }
 
 // What the program hears by number.
@@ -158,6 +182,7 @@ static bool CheckLanguage(const Job &job, const std::filesystem::path &directory
     CheckShipped(catalogue);
     if (job.file) CheckDescription(catalogue, job.file, job.text, nullptr, job.set);
     CheckWanted();
+    CheckNumbers();
     CheckIds();
     DbTClose(catalogue.handle);
     return true;
