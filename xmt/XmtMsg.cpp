@@ -20,6 +20,7 @@
 #include <vector>
 
 enum { TICK_MS = 1000, TIMER_IDS = 100 };
+enum { MSG_COLUMNS = 100 }; // of a message, that it fits a screen of 1024 pixels
 enum { FILE_COLUMNS = 50 }; // of a path in the file dialog; the lists get their width with it
 static const char MsgDialog[] = "XmtPostMsg";
 static const char FileDialog[] = "XmtFS";
@@ -136,7 +137,7 @@ void XmtDisplayMsg() {
     auto entry = static_cast<XmtMsgEntry *>(ListFindItemN(pXmtMsgList, 1));
     if (!entry) return;
     XmtSetTitle(MsgDialog, entry->title ? entry->title : "     ");
-    XmString text = XmtMakeString(entry->text);
+    XmString text = XmtMakeString(BreakString(entry->text, MSG_COLUMNS, 0).c_str());
     XmtSetXmValue(MsgDialog, XmNmessageString, reinterpret_cast<XtArgVal>(text));
     XmStringFree(text);
     flPostMsgIsHidden = 0;

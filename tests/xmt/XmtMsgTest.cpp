@@ -213,6 +213,19 @@ TEST_F(XmtMsgWindow, OneAfterAnother) {
     EXPECT_TRUE(flPostMsgIsHidden && pXmtMsgList->count == 0);
 }
 
+TEST_F(XmtMsgWindow, ALongOneFitsTheScreen) {
+    std::string text = "File \"/tmp";
+    while (text.size() < 400) text += "/a long name";
+    XmtPostMsg_(nullptr, (text + "\" does not exist.").c_str());
+    XmtPostMsg_(nullptr, "Two\nlines\n");
+    EXPECT_TRUE(RunLoopUntil([] { return ShownMsg().ends_with("exist."); })) << ShownMsg();
+    EXPECT_LT(XmtGetXmValue("XmtPostMsg", XmNwidth), 900);
+    for (const char *next : {"Two\nlines\n", ""}) {
+        PressInMsg("Return");
+        EXPECT_TRUE(RunLoopUntil([&] { return ShownMsg() == next; })) << ShownMsg();
+    }
+}
+
 // ---- the inactivity timer, the file dialog
 
 TEST_F(XmtMsgWindow, NoEventForSomeTimeEndsTheLoop) {
