@@ -192,11 +192,11 @@ static void OpenModifyList() {
     MQue = 0;
 }
 
-// place: in the list, 0 when the selection was taken back; then there is no name either.
+// place: in the list, 0 when the selection was taken back; the name is then that of the row.
 static void ChooseModifyQue(int place, const char *name) {
     XmtSetItemState("mq", place ? XMT_ENABLE : XMT_DISABLE);
     MQue = place;
-    KeepName(&MQueName, name);
+    KeepName(&MQueName, place ? name : nullptr);
 }
 
 void PrepareCopyList() {
@@ -210,10 +210,10 @@ static void OpenCopyList() {
     KeepName(&CQueName, nullptr);
 }
 
-// The list's format enables the button for every event.
+// Likewise. The list's format enables the button for every event.
 static void ChooseCopyQue(int place, const char *name) {
     CQue = place + 1;
-    KeepName(&CQueName, name);
+    KeepName(&CQueName, place ? name : nullptr);
     if (!CQueName) XmtDisable("cq");
 }
 

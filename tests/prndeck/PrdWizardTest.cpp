@@ -376,6 +376,17 @@ TEST_F(Wizard, AQueueWithoutARecordOpensNoWindow) {
     }
 }
 
+// The event of a click that takes it back has the row's text.
+TEST_F(Wizard, WithoutASelectionThereIsNothingToModifyOrCopy) {
+    for (auto [choice, button, name] :
+         {std::tuple{WIZARD_MODIFY_CHOICE, "mq", &MQueName}, {WIZARD_COPY_CHOICE, "cq", &CQueName}}) {
+        Event(choice, 1, "q");
+        XmtEnable(button); // as the format of the list to copy does each time
+        Event(choice, 0, "q");
+        EXPECT_TRUE(!XtIsSensitive(XmtGetWidget(button)) && !*name) << button;
+    }
+}
+
 // ---- Banner titles
 
 static std::string Banner() {
