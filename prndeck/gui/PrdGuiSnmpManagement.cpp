@@ -73,13 +73,12 @@ static void TurnTo(const char *form, int tab) {
     flTurning = false;
 }
 
-// The page that the holder's own form shows.
+// The page that the holder's own form shows, which may be a holder as well.
 static void FillInnerPage(const char *form) {
     int tab = static_cast<int>(XmtGetValue(form));
     if (tab < 1) tab = 1;
     TurnTo(form, tab);
-    CurTab = FindToken((form + ("_" + std::to_string(tab))).c_str(), TabNames);
-    RefreshPage();
+    FillSnmpData((form + ("_" + std::to_string(tab))).c_str());
 }
 
 static bool ProbePrinter() {

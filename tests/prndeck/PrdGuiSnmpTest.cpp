@@ -579,6 +579,21 @@ TEST_F(Sheet, NoPrinterNoSheetAndOneReadOfTheConsoleAtOpening) {
     EXPECT_EQ(TakeMessages(), "");
 }
 
+// Back on the outer tab, whose inner form shows the statistics.
+TEST_F(Sheet, TheStatisticsAreReadAgainBehindAnotherOuterTab) {
+    SimFleet fleet("printer 10.71.1.1 like tarvo-p340\n");
+    ASSERT_TRUE(Open(fleet.At("10.71.1.1")));
+    TurnTo({"ssntab", 2, nullptr});
+    for (int tab : {2, 1}) {
+        XmtSelectTab("sdbt", tab);
+        DispatchWaiting();
+    }
+    EXPECT_EQ(CurTab, TAB_IP);
+    EXPECT_EQ(fleet.Change("10.71.1.1 ip.3.0 counter 77"), "");
+    DoSNMPRefresh();
+    EXPECT_EQ(Shown("ssnc2t1"), "77");
+}
+
 TEST_F(Sheet, TenThousandRefreshesHoldNoMore) {
     SimFleet fleet("printer 10.71.1.1 like tarvo-p340\n");
     ASSERT_TRUE(Open(fleet.At("10.71.1.1")));
