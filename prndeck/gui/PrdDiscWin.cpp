@@ -183,8 +183,14 @@ static void DeselectIp() {
     XmtDisable("ipar");
 }
 
+// No row of a list that is filled anew is lit.
+static void ShowIpRows(const char *list) {
+    XmtReplaceAllListItems("ipal", list);
+    DeselectIp();
+}
+
 void DisplayIPList() {
-    XmtReplaceAllListItems("ipal", pIpList ? pIpList : ",");
+    ShowIpRows(pIpList ? pIpList : ",");
 }
 
 void SetupIPSelection(const XmtCallData *data) {
@@ -209,11 +215,10 @@ void AddIPaddr() {
     char address[NET_TEXT];
     int result = GetIpAddr(IpFields, address, sizeof address) ? AddToIpList(address) : IP_REFUSED;
     if (result == IP_ADDED)
-        XmtReplaceAllListItems("ipal", GetIpList());
+        ShowIpRows(GetIpList());
     else
         XmtPostMsg_(nullptr,
                     NlsText(pDrvCoreDB, SET_WEB, result == IP_KNOWN ? MSG_IP_KNOWN : MSG_IP_REFUSED).c_str());
-    DeselectIp();
     ClearIPFields();
 }
 
@@ -247,7 +252,6 @@ void OpenDiscovery() {
     ClearIPFields();
     XmtShow("ipDisc");
     DeselectSubnet();
-    DeselectIp();
 }
 
 void SetDiscoveryTab(int tab) {

@@ -170,6 +170,12 @@ TEST_F(DiscWin, AddressesThatAreRefusedOrKnown) {
     EXPECT_EQ(Rows("ipal"), "11.0.0.5|");
     Event(DISC_ADDRESSES, 1, "11.0.0.5");
     EXPECT_EQ(Buttons() + Fields("ipa"), "00111.0.0.5");
+    SetFields("ipa", {"127", "0", "0", "1"});
+    Event(DISC_ADDRESS_ADD);
+    EXPECT_EQ(TakeMessages() + Buttons(), ":80_21 001") << "the row stays lit";
+    Event(DISC_APPLY);
+    EXPECT_EQ(Buttons(), "000") << "rows that were filled anew";
+    Event(DISC_ADDRESSES, 1, "11.0.0.5");
     Event(DISC_ADDRESS_REMOVE);
     EXPECT_EQ(Rows("ipal"), "");
     XmtHide("ipDisc");
