@@ -298,7 +298,7 @@ static void SetSortedList(char **field, const std::string &text) {
     SortTokens(*field, ',', 1);
 }
 
-void ReadIPList() {
+static void ReadStoredIps() {
     std::string stored, list = ",";
     if (!ReadRecord("IPaddr", &stored)) return;
     char address[TOKEN_SIZE], *position;
@@ -306,6 +306,11 @@ void ReadIPList() {
          next = GetTokenD(nullptr, OldDelims, &position, address))
         list += std::string(address) + ",";
     SetSortedList(&pIpList, list);
+}
+
+// A changed list that could not be stored holds for the run.
+void ReadIPList() {
+    pIpListMod ? SetManaged(&pIpList, pIpListMod) : ReadStoredIps();
 }
 
 int WriteIPListToDatabase() {

@@ -50,7 +50,7 @@ const SubnetEntry *GetSubnet(int position); // from 1; null outside the list
 int SniffInterfaces(int flReport);
 
 // ---- Addresses
-void ReadIPList();
+void ReadIPList();           // the stored ones; changed ones come into force, stored or not
 int WriteIPListToDatabase(); // 1 if what there is to store is stored
 const char *GetIpList();     // with the changes; "," for an empty one
 enum { IP_ADDED, IP_REFUSED, IP_KNOWN };

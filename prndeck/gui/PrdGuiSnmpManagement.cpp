@@ -186,23 +186,32 @@ void SetSNMPRefreshTime() {
     ResumeSNMPRefreshTimer();
 }
 
-static int WriteRefreshTime() {
+static int KeptRefreshTime; // was saved and could not be stored, holds for the run; 0: none
+
+static bool WriteRefreshTime() {
     std::string record = std::to_string(SNMPRefreshTime);
-    return !DbmMayWrite() || DbmPutRecord(RefreshDb, RefreshKey, record.data(), record.size());
+    return DbmMayWrite() && DbmPutRecord(RefreshDb, RefreshKey, record.data(), record.size());
 }
 
 void SaveSNMPRefreshTime() {
     if (SNMPRefreshTimerID) SetSNMPRefreshTime();
-    if (!WriteRefreshTime()) XmtPostMsg_(nullptr, NlsText(pDrvCoreDB, SET_WEB, SHEET_NOT_STORED).c_str());
+    bool flStored = WriteRefreshTime();
+    KeptRefreshTime = flStored ? 0 : SNMPRefreshTime;
+    if (!flStored && DbmMayWrite())
+        XmtPostMsg_(nullptr, NlsText(pDrvCoreDB, SET_WEB, SHEET_NOT_STORED).c_str());
     if (SNMPRefreshTimerID) ResumeSNMPRefreshTimer();
+}
+
+static int ReadStoredRefreshTime() {
+    char record[16];
+    int size = DbmGetRecord(RefreshDb, RefreshKey, record, sizeof record - 1);
+    record[size] = '\0';
+    return ParseInt(record);
 }
 
 // A record that no field could have written counts as none: it would leave the sheet without a timer.
 void ReadSNMPRefreshTime() {
-    char record[16];
-    int size = DbmGetRecord(RefreshDb, RefreshKey, record, sizeof record - 1);
-    record[size] = '\0';
-    SNMPRefreshTime = ParseInt(record);
+    SNMPRefreshTime = KeptRefreshTime ? KeptRefreshTime : ReadStoredRefreshTime();
     if (SNMPRefreshTime < REFRESH_MIN || SNMPRefreshTime > REFRESH_MAX) {
         SNMPRefreshTime = REFRESH_SECONDS;
         WriteRefreshTime();

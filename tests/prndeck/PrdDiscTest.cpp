@@ -142,7 +142,7 @@ TEST_F(Disc, AUserWhoMayNotStoreHasTheListsForTheRun) {
     EXPECT_EQ(errors, "");
     EXPECT_EQ(stored, 2);
     EXPECT_EQ(Subnets(), "10.0.0.9/255.255.255.0+i ");
-    EXPECT_STREQ(GetIpList(), ",10.5.0.7,");
+    EXPECT_STREQ(pIpList, ",10.5.0.7,");
     EXPECT_EQ(access(tool.Db("IPDisc").c_str(), F_OK), -1);
 }
 

@@ -188,6 +188,7 @@ TEST_F(DiscWin, AListThatCannotBeStoredIsToldAndStays) {
     Event(DISC_ADDRESS_ADD);
     Event(DISC_APPLY);
     EXPECT_EQ(TakeMessages(), ":80_24 ");
+    EXPECT_TRUE(pIpList && strstr(pIpList, ",12.0.0.1,")) << "asked until the program ends";
     XmtSetText("brp", "lynx");
     Event(DISC_BROWSER_OK);
     EXPECT_EQ(TakeMessages() + pPreferredWB, ":80_24 lynx");

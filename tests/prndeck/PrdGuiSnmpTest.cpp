@@ -565,6 +565,24 @@ TEST_F(Sheet, TheIntervalIsKept) {
     EXPECT_NE(SNMPRefreshTimerID, 0);
 }
 
+TEST_F(Sheet, AnIntervalThatCannotBeStoredHoldsForTheRun) {
+    SimFleet fleet("printer 10.71.1.1 like tarvo-p340\n");
+    ASSERT_TRUE(Open(fleet.At("10.71.1.1")));
+    ASSERT_EQ(rename(Tool->Path("db").c_str(), Tool->Path("kept").c_str()), 0);
+    Tool->Write("db", "a file");
+    XmtSetText("snmpri", "77");
+    Event(SHEET_SAVE_INTERVAL);
+    EXPECT_NE(TakeMessages().find("hold until the program ends"), std::string::npos);
+    ASSERT_EQ(unlink(Tool->Path("db").c_str()), 0);
+    ASSERT_EQ(rename(Tool->Path("kept").c_str(), Tool->Path("db").c_str()), 0);
+    ASSERT_TRUE(Open(fleet.At("10.71.1.1")));
+    EXPECT_EQ(Shown("snmpri"), "77");
+    XmtSetText("snmpri", "30");
+    Event(SHEET_SAVE_INTERVAL);
+    ASSERT_TRUE(Open(fleet.At("10.71.1.1")));
+    EXPECT_EQ(Shown("snmpri") + TakeMessages(), "30");
+}
+
 TEST_F(Sheet, NoPrinterNoSheetAndOneReadOfTheConsoleAtOpening) {
     SetPrinterSelectionData(-1);
     Event(SHEET_WINDOW);
