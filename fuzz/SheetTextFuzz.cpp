@@ -19,7 +19,8 @@ static void CheckLines(const std::string &text) {
         Require(end - at <= TEXT_LINE);
     }
     Require(WithoutLineFeeds(lines) == WithoutLineFeeds(text));
-    if (text.find('\n') == text.npos) Require(JoinLines(lines) == text);
+    if (text.find('\n') == text.npos)
+        Require(JoinLines(lines, true) == text && JoinLines(lines, false) == text);
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {

@@ -240,12 +240,12 @@ std::string BreakLines(const std::string &text) {
     return out;
 }
 
-std::string JoinLines(const std::string &text) {
+std::string JoinLines(const std::string &text, bool flOneLine) {
     std::string out;
     int used = 0;
     for (char ch : text) {
         bool flEnd = ch == '\n';
-        if (!flEnd || used != TEXT_LINE) out += ch;
+        if (!flEnd || (used != TEXT_LINE && !flOneLine)) out += ch;
         used = flEnd ? 0 : used + 1;
     }
     return out;

@@ -67,8 +67,9 @@ bool IsUtf8Text(const char *text); // it is changed by that
 std::string PutPrinterText(const std::string &text, bool flUtf8);
 // The same without characters that can't be printed, line ends among them.
 std::string CleanPrinterText(const char *text);
-// A line feed behind each TEXT_LINE characters of a longer line; and without those again.
+// A line feed behind each TEXT_LINE characters of a longer line; and without those again. flOneLine: there
+// was none before, so that all go, also those that an edit has moved.
 std::string BreakLines(const std::string &text);
-std::string JoinLines(const std::string &text);
+std::string JoinLines(const std::string &text, bool flOneLine);
 // The label of a channel: its protocol in its own words, or by its type if it has none.
 std::string GetChannelLabel(const char *version, intptr_t type);

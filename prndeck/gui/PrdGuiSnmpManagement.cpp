@@ -222,7 +222,8 @@ void ReadSNMPRefreshTime() {
 // ---- Values that were changed
 
 static void SetContactValue(const std::string &field, const char *name, const char *text) {
-    std::string value = PutPrinterText(JoinLines(text), XmtGetAppData(field.c_str()) != 0);
+    intptr_t came = XmtGetAppData(field.c_str());
+    std::string value = PutPrinterText(JoinLines(text, came & TEXT_ONE_LINE), came & TEXT_UTF8);
     if (SNMPSetStringValue(name, value.c_str())) return XmtStoreValue(field.c_str());
     XmtPostMsg_(pSetErr, NlsFmt(pSetErr1, "s", "Unknown").c_str());
 }

@@ -4,6 +4,8 @@
 #include "prndeck/core/PrdSnmpRead.h"
 #include "xmt/XmtUtils.h"
 
+#include <cstring>
+
 // ---- Objects
 
 std::string GetCellName(const char *prefix, int number) {
@@ -64,6 +66,11 @@ void FillTable(const char *address, SnmpTableDesc *table, PkgCallback callback, 
 
 // ---- A column
 
+static intptr_t GetTextFlags(const PkgVar *var) {
+    if (!var) return TEXT_ONE_LINE;
+    return (IsUtf8Text(var->RecText) ? TEXT_UTF8 : 0) | (strchr(var->RecText, '\n') ? 0 : TEXT_ONE_LINE);
+}
+
 // The formats of a column are its kind, which changes nothing.
 int ColumnCB(int, intptr_t userData, int, int, SnmpPackage *package, PkgSource *) {
     const auto *table = reinterpret_cast<const SnmpTableDesc *>(userData);
@@ -71,7 +78,7 @@ int ColumnCB(int, intptr_t userData, int, int, SnmpPackage *package, PkgSource *
     for (int i = 0; i < table->Columns; i++) {
         std::string name = GetCellName(table->Prefix, i + 1);
         const PkgVar *var = GetColumnVar(table, package, i);
-        if (table->Kind == 't') XmtSetAppData(name.c_str(), var && IsUtf8Text(var->RecText));
+        if (table->Kind == 't') XmtSetAppData(name.c_str(), GetTextFlags(var));
         SetColumnValue(name.c_str(), GetColumnText(table, package, i).c_str(), table->Kind);
         XmtShow(name.c_str());
     }

@@ -22,7 +22,8 @@ SnmpTableDesc *CountRow(intptr_t userData, const SnmpPackage *package);
 // all stay as they are; others that did not arrive show the default.
 void FillColumn(const char *address, const char *prefix, const char *const *oids, const char *defaults,
                 char kind);
-// Shows the values. The application data of a text tell whether it came as UTF-8.
+enum { TEXT_UTF8 = 1, TEXT_ONE_LINE = 2 }; // how a text came, in the application data of its object
+// Shows the values.
 int ColumnCB(int error, intptr_t userData, int errorStatus, int errorIndex, SnmpPackage *package,
              PkgSource *source);
 

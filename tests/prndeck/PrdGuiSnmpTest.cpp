@@ -467,6 +467,26 @@ TEST_F(Sheet, ContactIsSetByKeysAndOnlyWhatChanged) {
     EXPECT_EQ(SNMPRefreshTimerID, 0);
 }
 
+// The line feeds that the sheet puts in are not set, wherever an edit has moved them.
+TEST_F(Sheet, LongContactIsSetAsItWasWritten) {
+    const std::string line(150, 'x'), lines = line + "\n" + line.substr(1, 60);
+    SimFleet fleet("printer 10.71.1.1 like tarvo-p340\n  sysLocation.0 text \"" + line +
+                   "\" rw\n  sysContact.0 text \"" + std::string(lines).replace(150, 1, "\\n") + "\" rw\n");
+    ASSERT_TRUE(Open(fleet.At("10.71.1.1")));
+    TurnTo({"sdbt3", 1, nullptr});
+    for (const char *field : {"spcrt2", "spcrt3"}) {
+        XmtSetFocus(field);
+        DispatchWaiting();
+        PressKeys(strcmp(field, "spcrt2") == 0 ? "Home" : "End");
+        TypeText("yy");
+        DispatchWaiting();
+    }
+    ClickAndDispatch("snmpb2");
+    EXPECT_EQ(TakeMessages(), "");
+    EXPECT_EQ(fleet.Get("10.71.1.1", LOCATION), "yy" + line);
+    EXPECT_EQ(fleet.Get("10.71.1.1", "1.3.6.1.2.1.1.4.0"), lines + "yy");
+}
+
 TEST_F(Sheet, ChannelsAreSetAndARefusalIsToldAndTakenBack) {
     std::string state = PRT + ".14.1.1.6.1.";
     SimFleet fleet("printer 10.71.1.1 like tarvo-p340\n"
