@@ -4,6 +4,7 @@
 #include "SnmpPkg/Pkg.h"
 #include "common/Dbm.h"
 #include "common/MemMgr.h"
+#include "common/SysCmd.h"
 #include "prndeck/core/DiscPkg.h"
 #include "prndeck/core/PrdDiscHosts.h"
 #include "prndeck/core/PrdDiscNets.h"
@@ -291,6 +292,35 @@ TEST_F(Disc, HostsHaveTheNamesOfTheFileThenOfTheServer) {
         PutMem(name);
     }
     EXPECT_EQ(Asked, 4);
+}
+
+// NIS goes before the file where its answer begins with an address.
+TEST_F(Disc, HostsHaveTheNamesOfNisWhereItAnswers) {
+    const struct {
+        const char *answer, *want;
+    } cases[] = {{"10.0.0.1 nis other\\n10.0.0.2\\tsecond\\n", "nis second "},
+                 {"10.x no map\\n", "file 10.0.0.2 "},
+                 {"ypcat: no domain\\n", "file 10.0.0.2 "},
+                 {"", "file 10.0.0.2 "}};
+    tool.Write("etc/hosts", "10.0.0.1 file\n");
+    std::string bin = tool.Path("etc");
+    ComList[CMD_YPCAT].path = bin.c_str();
+    for (const auto &c : cases) {
+        std::string script = tool.Write("etc/ypcat", std::string("#!/bin/sh\necho broken >&2\n"
+                                                                 "[ \"$*\" = hosts ] && printf '") +
+                                                         c.answer + "'\n");
+        chmod(script.c_str(), 0755);
+        PrdInitHostTableS();
+        std::string names;
+        for (const char *address : {"10.0.0.1", "10.0.0.2"}) {
+            char *name;
+            PrdGetHostNameS(address, &name);
+            names += std::string(name) + " ";
+            PutMem(name);
+        }
+        EXPECT_EQ(names, c.want) << c.answer;
+    }
+    ComList[CMD_YPCAT].path = nullptr;
 }
 
 TEST_F(Disc, ADeadNameServerIsAskedOnce) {
