@@ -54,6 +54,7 @@ void WizEventHandler(XmtCallData *data) {
     case WIZ_SEND_FILE: OpenSend(SEND_FILE); break;
     case WIZ_UPGRADE: OpenSend(SEND_UPGRADE); break;
     case WIZ_BROWSER: OpenBrowserChoice(); break;
+    case WIZ_WEB_ENTRY:
     case WIZ_WEB: OpenWebPage(); break;
     case WIZ_PROFILE: GetProfile(); break;
     case WIZ_DRIVER: pSystem("./prnpnxxtty -FP &\n"); break;

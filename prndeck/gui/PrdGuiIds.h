@@ -29,6 +29,7 @@
 enum {
     WIZ_MAIN = 100, // F1 in any window
     WIZ_ADD = 102,
+    WIZ_WEB_ENTRY = 103, // of an entry that has a format, so nothing is heard of it
     WIZ_TEST_PAGE = 108,
     WIZ_SEND_FILE = 109,
     WIZ_UPGRADE = 110,
