@@ -29,8 +29,29 @@ enum { FIRST_DISCOVERY_SECONDS = 2 };
 // What the descriptions leave to resources. A user's own resources win.
 static constexpr char DefaultLook[] = "*enableToggleVisual: True\n"; // a toggle that is on has a check mark
 
+static void RefuseKey(Widget widget, XEvent *, String *, Cardinal *) {
+    XBell(XtDisplay(widget), 0);
+}
+
+// Motif would put letters with Ctrl into a field as control characters, which nobody sees.
+static std::string GetFieldKeys() {
+    std::string keys = "*XmTextField.translations: #override";
+    for (char letter = 'a'; letter <= 'z'; letter++) {
+        const char *action = letter == 'a'   ? "select-all"
+                             : letter == 'c' ? "copy-clipboard"
+                             : letter == 'v' ? "paste-clipboard"
+                             : letter == 'x' ? "cut-clipboard"
+                                             : "refuse-key";
+        keys += std::string("\\n Ctrl<Key>") + letter + ": " + action + "()";
+    }
+    return keys + "\n";
+}
+
 static void SetDefaultLook() {
-    XrmDatabase look = XrmGetStringDatabase(DefaultLook);
+    static char Refuse[] = "refuse-key";
+    static XtActionsRec Actions[] = {{Refuse, RefuseKey}};
+    XtAppAddActions(AppContext, Actions, std::size(Actions));
+    XrmDatabase look = XrmGetStringDatabase((DefaultLook + GetFieldKeys()).c_str());
     XrmDatabase all = XtScreenDatabase(AppScreen);
     XrmCombineDatabase(look, &all, 0);
 }

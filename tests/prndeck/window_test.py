@@ -201,6 +201,15 @@ class OtherDisplays(unittest.TestCase):
             display.focused("Display")
             display.key("space", "Down", "Return", "Return")  # the other first column, and OK
             display.focused(TITLE)
+            display.alt("p")
+            display.menu(deck.window)
+            display.key("b")
+            display.focused("Web Browser")
+            display.key("ctrl+a", "ctrl+x", "ctrl+b", "ctrl+v")  # cut and pasted, and a letter with no meaning
+            display.do("type", " -x ")
+            display.key("ctrl+a", "ctrl+c", "ctrl+v", "ctrl+v", "Return")
+            display.focused(TITLE)
+            self.assertEqual(dict(xdb.read(deck.tool.path / "db" / "IPDisc.xdb"))[b"FavBrowser"], b"netscape -x netscape -x \0")
             display.alt("e")
             deck.ends()
 
