@@ -26,8 +26,9 @@ static void CheckLines(const std::string &text) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size) {
     const std::string whole(reinterpret_cast<const char *>(data), size), text = whole.c_str();
     const std::string shown = GetPrinterText(text.c_str());
-    Require(PutPrinterText(shown, IsUtf8Text(text.c_str())) == text);
-    Require(shown.size() <= text.size());
+    const std::string edit = GetEditText(text.c_str());
+    Require(PutPrinterText(edit, edit != text) == text);
+    Require(shown.size() <= text.size() && (IsUtf8Text(text.c_str()) || shown == text));
     CheckLines(shown);
     for (char ch : CleanPrinterText(shown.c_str())) Require(isprint(static_cast<unsigned char>(ch)) != 0);
     for (int type : {-1, 0, 1, PROTOCOLS - 2, PROTOCOLS - 1})

@@ -175,39 +175,57 @@ std::string ProcessDataFormat(char format, SnmpPackage *package, const SnmpTable
     case 'm': return CovertSnmpMaximumToValue(text.c_str());
     case 's': return StripNonPrint(text.data());
     case 'u': return CovertSnmpUnitToName(text.c_str());
+    case 't': return var ? GetEditText(var->RecText) : "";
     default: return text;
     }
 }
 
 // ---- Texts
 
-// The Latin-1 bytes of UTF-8; empty for a text that is no UTF-8 beyond ASCII, or has letters that Latin-1
-// lacks. Those are the two-byte sequences that begin with C2 or C3.
-static std::string DecodeUtf8(const char *text) {
-    std::string out;
-    bool flWide = false;
-    for (; *text; text++) {
-        auto lead = static_cast<unsigned char>(*text);
-        auto next = static_cast<unsigned char>(text[1]);
-        if (lead < 0x80) {
-            out += *text;
-            continue;
-        }
-        if ((lead & 0xFE) != 0xC2 || (next & 0xC0) != 0x80) return "";
-        out += static_cast<char>((lead & 3) << 6 | (next & 0x3F));
-        flWide = true;
-        text++;
+// The letter that UTF-8 begins with and its bytes; 0 bytes for what is no UTF-8.
+static int ReadUtf8(const char *text, uint32_t *letter) {
+    static constexpr uint32_t Least[] = {0, 0, 0x80, 0x800, 0x10000}; // of so many bytes
+    auto lead = static_cast<unsigned char>(*text);
+    int size = lead < 0x80 ? 1 : lead < 0xC0 ? 0 : lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : lead < 0xF8 ? 4 : 0;
+    *letter = size == 1 ? lead : lead & (0x7FU >> size);
+    for (int i = 1; i < size; i++) {
+        if ((text[i] & 0xC0) != 0x80) return 0;
+        *letter = *letter << 6 | (text[i] & 0x3F);
     }
-    return flWide ? out : "";
+    bool flNone = (*letter >= 0xD800 && *letter < 0xE000) || *letter > 0x10FFFF;
+    return flNone || *letter < Least[size] ? 0 : size;
+}
+
+// The Latin-1 bytes of UTF-8; false for a text that is no UTF-8. flLacks: Latin-1 lacks one of its letters.
+static bool DecodeUtf8(const char *text, std::string *out, bool *flLacks) {
+    static constexpr char Lacking = '?';
+    uint32_t letter;
+    *flLacks = false;
+    for (int size; *text; text += size) {
+        size = ReadUtf8(text, &letter);
+        if (size == 0) return false;
+        *flLacks |= letter > 0xFF;
+        *out += letter > 0xFF ? Lacking : static_cast<char>(letter);
+    }
+    return true;
 }
 
 bool IsUtf8Text(const char *text) {
-    return !DecodeUtf8(text).empty();
+    std::string out;
+    bool flLacks;
+    return DecodeUtf8(text, &out, &flLacks);
 }
 
 std::string GetPrinterText(const char *text) {
-    std::string decoded = DecodeUtf8(text);
-    return decoded.empty() ? text : decoded;
+    std::string out;
+    bool flLacks;
+    return DecodeUtf8(text, &out, &flLacks) ? out : text;
+}
+
+std::string GetEditText(const char *text) {
+    std::string out;
+    bool flLacks;
+    return DecodeUtf8(text, &out, &flLacks) && !flLacks ? out : text;
 }
 
 std::string PutPrinterText(const std::string &text, bool flUtf8) {

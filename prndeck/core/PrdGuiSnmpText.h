@@ -49,7 +49,7 @@ struct SnmpTableDesc {
 // The variable of a column counted from 0, or null for one without.
 PkgVar *GetColumnVar(const SnmpTableDesc *table, SnmpPackage *package, int column);
 // The display text of a column: c a level, m a maximum, u a unit, p a paper size, s a text without what can't
-// be printed, any other letter the text.
+// be printed, t a text to edit, any other letter the text.
 std::string ProcessDataFormat(char format, SnmpPackage *package, const SnmpTableDesc *table, int column);
 
 // Printers' numbers with a meaning as words, others as they are.
@@ -60,10 +60,13 @@ const char *CovertSnmpMaximumToValue(const char *value);
 // means inches, any other unit micrometres.
 const char *FindPaperSize(intptr_t x, intptr_t y, intptr_t unit);
 
-// A printer's text as the windows' fonts show it: in Latin-1 if it came as UTF-8 and Latin-1 has its letters.
-// PutPrinterText leads back.
+// A printer's text as the windows' fonts show it: in Latin-1 if it came as UTF-8, with "?" for letters that
+// Latin-1 lacks.
 std::string GetPrinterText(const char *text);
-bool IsUtf8Text(const char *text); // it is changed by that
+bool IsUtf8Text(const char *text);
+// A text that may be edited and set again: one with a letter that Latin-1 lacks stays as it came.
+// PutPrinterText leads back; flUtf8 tells that the text was changed.
+std::string GetEditText(const char *text);
 std::string PutPrinterText(const std::string &text, bool flUtf8);
 // The same without characters that can't be printed, line ends among them.
 std::string CleanPrinterText(const char *text);

@@ -68,7 +68,8 @@ void FillTable(const char *address, SnmpTableDesc *table, PkgCallback callback, 
 
 static intptr_t GetTextFlags(const PkgVar *var) {
     if (!var) return TEXT_ONE_LINE;
-    return (IsUtf8Text(var->RecText) ? TEXT_UTF8 : 0) | (strchr(var->RecText, '\n') ? 0 : TEXT_ONE_LINE);
+    return (GetEditText(var->RecText) != var->RecText ? TEXT_UTF8 : 0) |
+           (strchr(var->RecText, '\n') ? 0 : TEXT_ONE_LINE);
 }
 
 // The formats of a column are its kind, which changes nothing.

@@ -368,7 +368,7 @@ static void Found(const char *address, const std::map<int, std::string> &values,
 TEST_F(Disc, APrinterIsEnteredOnceWithItsTexts) {
     tool.Write("etc/hosts", "10.0.0.1 host1\n");
     PrdInitHostTableS();
-    const std::string text127(127, 'd'), wide = std::string(123, 'd') + "\xC3\xA9\xC3\xA9\xC3\xA9";
+    const std::string text127(127, 'd'), wide = std::string(122, 'd') + "\xE2\x82\xAC\xC3\xA9\xC3\xA9";
     Found("10.0.0.1", {{1, "%s%n"}, {3, text127}, {4, std::string("\x02\0\x5e\xff\x10\x07", 6)}});
     Found("10.0.0.1", {{1, "again"}});
     Found("10.0.0.2", {{1, ""}, {3, text127 + "d"}, {4, "12345"}});
@@ -378,7 +378,7 @@ TEST_F(Disc, APrinterIsEnteredOnceWithItsTexts) {
         std::string name, host, description, hardware;
     } const want[] = {{"%s%n", "host1", text127, "02:00:5e:ff:10:07"},
                       {"10.0.0.2", "10.0.0.2", std::string(124, 'd') + "...", "00:00:00:00:00:00"},
-                      {"n", "10.0.0.3", std::string(123, 'd') + "...", "00:00:00:00:00:00"},
+                      {"n", "10.0.0.3", std::string(122, 'd') + "...", "00:00:00:00:00:00"},
                       {"______________", "10.0.0.4", "______________", "00:00:00:00:00:00"}};
     ASSERT_EQ(DevCount, 4);
     for (int i = 0; i < DevCount; i++) {

@@ -33,15 +33,22 @@
 
 // ---- What a walk says that the cells must show
 
-// A text ends at its first NUL.
-static std::string ToLatin1(const std::string &text) {
-    std::string in = text.c_str(), out(in.size() + 1, '\0');
-    char *from = in.data(), *to = out.data();
-    size_t left = in.size(), room = out.size();
-    iconv_t converter = iconv_open("ISO-8859-1", "UTF-8");
+// A text ends at its first NUL. Letters that Latin-1 lacks show as "?"; a text to edit stays as it is then.
+static std::string ToLatin1(const std::string &text, bool flEdit = false) {
+    std::string in = text.c_str(), out;
+    std::vector<uint32_t> letters(in.size() + 1);
+    auto *to = reinterpret_cast<char *>(letters.data());
+    char *from = in.data();
+    size_t left = in.size(), room = letters.size() * sizeof(uint32_t);
+    iconv_t converter = iconv_open("UTF-32LE", "UTF-8");
     bool flDone = iconv(converter, &from, &left, &to, &room) != static_cast<size_t>(-1);
     iconv_close(converter);
-    return flDone ? out.substr(0, out.size() - room) : text.c_str();
+    letters.resize(letters.size() - room / sizeof(uint32_t));
+    for (uint32_t letter : letters) {
+        flDone = flDone && (letter <= 0xFF || !flEdit);
+        out += letter <= 0xFF ? static_cast<char>(letter) : '?';
+    }
+    return flDone ? out : text.c_str();
 }
 
 static std::string Printable(const std::string &text) {
@@ -118,8 +125,9 @@ static void WantColumn(const Walk &walk, const std::string &prefix, const std::v
                        const std::string &missing, Cells *want) {
     for (size_t i = 0; i < oids.size(); i++) {
         auto found = walk.find(oids[i]);
-        std::string text = found == walk.end() ? missing : Broken(ToLatin1(found->second));
-        if (prefix == "spcrt") text = text.substr(0, 255);
+        bool flEdit = prefix == "spcrt";
+        std::string text = found == walk.end() ? missing : Broken(ToLatin1(found->second, flEdit));
+        if (flEdit) text = text.substr(0, 255);
         (*want)[prefix + std::to_string(i + 1)] = walk.count(oids[0]) ? text : "";
     }
 }

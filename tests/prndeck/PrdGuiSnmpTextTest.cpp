@@ -120,23 +120,27 @@ TEST_F(SnmpText, LabelsOfChannels) {
 
 TEST_F(SnmpText, LettersOutsideAscii) {
     struct {
-        const char *text, *shown, *clean;
+        const char *text, *shown, *clean, *edit;
         bool utf8;
     } cases[] = {
-        {"Tray 1", "Tray 1", "Tray 1", false},
-        {"B\xC3\xBCro 20\xC2\xB0", "B\xFCro 20\xB0", "Bro 20", true},
-        {"B\xFCro", "B\xFCro", "Bro", false},
-        {"B\xC3\xBCro \xFC", "B\xC3\xBCro \xFC", "Bro ", false},
-        {"cut \xC3", "cut \xC3", "cut ", false},
-        {"\xE7\xB4\x99 \xC3\xBC", "\xE7\xB4\x99 \xC3\xBC", " ", false}, // a letter that the fonts lack
-        {"\xC0\x80 overlong", "\xC0\x80 overlong", " overlong", false},
-        {"line\r\n\tend\x7F", "line\r\n\tend\x7F", "lineend", false},
+        {"Tray 1", "Tray 1", "Tray 1", "Tray 1", true},
+        {"B\xC3\xBCro 20\xC2\xB0", "B\xFCro 20\xB0", "Bro 20", "B\xFCro 20\xB0", true},
+        {"B\xFCro", "B\xFCro", "Bro", "B\xFCro", false},
+        {"B\xC3\xBCro \xFC", "B\xC3\xBCro \xFC", "Bro ", "B\xC3\xBCro \xFC", false},
+        {"cut \xC3", "cut \xC3", "cut ", "cut \xC3", false},
+        // letters that the fonts lack
+        {"\xE7\xB4\x99 \xC3\xBC", "? \xFC", "? ", "\xE7\xB4\x99 \xC3\xBC", true},
+        {"5 \xE2\x82\xAC \xF0\x9F\x96\xA8", "5 ? ?", "5 ? ?", "5 \xE2\x82\xAC \xF0\x9F\x96\xA8", true},
+        {"\xC0\x80 overlong", "\xC0\x80 overlong", " overlong", "\xC0\x80 overlong", false},
+        {"\xED\xA0\x80", "\xED\xA0\x80", "", "\xED\xA0\x80", false}, // half a pair
+        {"line\r\n\tend\x7F", "line\r\n\tend\x7F", "lineend", "line\r\n\tend\x7F", true},
     };
     for (const auto &c : cases) {
         EXPECT_EQ(GetPrinterText(c.text), c.shown);
         EXPECT_EQ(CleanPrinterText(c.shown), c.clean) << c.text;
         EXPECT_EQ(IsUtf8Text(c.text), c.utf8) << c.text;
-        EXPECT_EQ(PutPrinterText(GetPrinterText(c.text), IsUtf8Text(c.text)), c.text);
+        EXPECT_EQ(GetEditText(c.text), c.edit);
+        EXPECT_EQ(PutPrinterText(c.edit, strcmp(c.edit, c.text) != 0), c.text);
     }
 }
 
