@@ -326,8 +326,19 @@ static void SetFileTitle(const char *title) {
     if (title) XmtSetTitle(FileDialog, title);
 }
 
+// Files may have come since the last time. The name that was chosen stays.
+static void ListFilesAnew() {
+    Widget dialog = XmtGetWidget(FileDialog);
+    Widget chosen = XmFileSelectionBoxGetChild(dialog, XmDIALOG_TEXT);
+    char *text = XmTextGetString(chosen);
+    XmFileSelectionDoSearch(dialog, nullptr);
+    XmTextSetString(chosen, text);
+    XtFree(text);
+}
+
 void XmtSelectFile(XmtHandler callback, intptr_t id, const char *title) {
     if (!MakeFileDialog()) return;
+    ListFilesAnew();
     FSCBF = callback;
     FSId = id;
     SetFileTitle(title);

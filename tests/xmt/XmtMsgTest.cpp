@@ -304,4 +304,8 @@ TEST_F(XmtMsgWindow, LookingForFilesIsNoAnswer) {
     EXPECT_TRUE(XtIsManaged(dialog));
     EXPECT_EQ(TakeEvents(), "");
     XmtHide("XmtFS");
+    scratch.Write("new.txt", "");
+    XmtSelectFile(RecordEvent, 66, nullptr);
+    EXPECT_EQ(listed(), 2);
+    XmtHide("XmtFS");
 }
