@@ -181,10 +181,10 @@ void PrepareJobs() {
 
 // ---- The queues
 
+// Without queues the list is emptied: it has the rows of those that were there, or none of the program's yet.
 void OpenJobCounts() {
-    if (IsEmpty(pTarvoQueList)) return;
     UpdateJobCount();
-    XmtResetTimer(JobCountTimer);
+    if (!IsEmpty(pTarvoQueList)) XmtResetTimer(JobCountTimer);
 }
 
 void ChooseJobQue(int place, const char *row) {
@@ -207,7 +207,7 @@ void CloseJobCounts() {
 }
 
 void RefreshJobCounts() {
-    if (!IsEmpty(pTarvoQueList)) UpdateJobCount();
+    UpdateJobCount();
 }
 
 // ---- The jobs of one queue

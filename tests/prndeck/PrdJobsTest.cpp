@@ -122,6 +122,11 @@ protected:
 
 TEST_F(Jobs, CountsAreThoseOfThePlacesWhereQueuesPrint) {
     std::string hall = SpoolOf("hall");
+    char *queues = pTarvoQueList;
+    pTarvoQueList = nullptr;
+    Event(WIZARD_JOB_COUNTS);
+    EXPECT_EQ(Rows("jmql"), "");
+    pTarvoQueList = queues;
     AddJob(hall, "A001h", "P q1 h ann x");
     AddJob(hall, "A002h", "P q3 h bob x");
     Event(WIZARD_JOB_COUNTS);
@@ -130,6 +135,10 @@ TEST_F(Jobs, CountsAreThoseOfThePlacesWhereQueuesPrint) {
     AddJob(SpoolOf("room"), "A003h", "P q2 h cid x");
     Event(WIZARD_JOB_COUNTS_REFRESH);
     EXPECT_EQ(Rows("jmql"), "  2               q1|  1               q2|  2               q3|");
+    pTarvoQueList = nullptr; // all were deleted
+    Event(WIZARD_JOB_COUNTS_REFRESH);
+    EXPECT_EQ(Rows("jmql"), "");
+    pTarvoQueList = queues;
 }
 
 TEST_F(Jobs, OneQueueWithItsStatusAndTheJobsThatAreWhole) {
