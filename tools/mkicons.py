@@ -1,7 +1,8 @@
 #!/usr/bin/env python3
-"""Draws the icons of the windows: the tool buttons, the banner, the logo, the hint.
+"""Draws the icons of the windows: the tool buttons, the banner, the logo, the hint; and the program's for a desktop.
 
 usage: mkicons.py ICONDIR
+       mkicons.py --desktop SIZE FILE    a PNG, SIZE pixels wide and high
 
 All share one small palette, so that a screen of 256 colours has room for them beside everything else, and
 every icon can be told by its shape alone.
@@ -129,6 +130,26 @@ def draw_logo():
     return c
 
 
+def draw_program(size):
+    """A printer with a sheet that bears the maker's mark; on a grid of 48."""
+    c = Colours(size, size, PALETTE)
+    c.FINE = max(2, c.FINE * 48 // size)
+    def framed(x, y, width, height, r, colour):
+        for inset, fill in ((0, INK), (1, colour)):
+            shape = rounded(x + inset, y + inset, width - 2 * inset, height - 2 * inset, max(0.1, r - inset))
+            c.fill([(px * size / 48, py * size / 48) for px, py in shape], fill)
+    framed(12, 3, 24, 18, 1.5, PAPER)
+    for y in (7.5, 11):
+        c.fill([(px * size / 48, py * size / 48) for px, py in rect(16, y, 16, 1.5)], GREY)
+    framed(3, 15, 42, 21, 4, STEEL)
+    framed(3, 15, 42, 11, 4, SKY)
+    framed(36, 18.5, 5, 4, 2, GREEN)
+    framed(9, 26, 30, 5, 2, SLATE)
+    framed(12, 28, 24, 18, 1.5, PAPER)
+    mark(c, 17.5 * size / 48, 30.5 * size / 48, 13 * size / 48)
+    return c
+
+
 def letters(c, x, base, height, colour):
     """The name, in strokes of one width."""
     w, r = height * 0.17, height * 0.29
@@ -203,6 +224,9 @@ COLOUR_ICONS = {
 
 
 def main():
+    if sys.argv[1] == '--desktop':
+        draw_program(int(sys.argv[2])).save_png(sys.argv[3])
+        return
     target = sys.argv[1]
     os.makedirs(f'{target}/P36W50', exist_ok=True)
     for name, draw in COLOUR_ICONS.items():

@@ -1,8 +1,10 @@
-"""Two small canvases for the pictures of the windows: one of bits, saved as XBM, and one of colours, saved as XPM.
+"""Two small canvases for the pictures of the windows: one of bits, saved as XBM, and one of colours, saved as XPM or PNG.
 
 Shapes are polygons, lists of points; x runs to the right, y down, a pixel's centre lies at a half.
 """
 import math
+import struct
+import zlib
 
 
 def spans(points, y):
@@ -180,6 +182,15 @@ class Colours:
                 out.write(f'"{keys[colour]} c {colour}",\n')
             rows = [''.join(keys[c] for c in row) for row in colours]
             out.write(',\n'.join(f'"{row}"' for row in rows) + '};\n')
+
+    def save_png(self, path):
+        """Every colour as it was mixed, and the cover as transparency."""
+        rows = b''.join(b'\0' + bytes(round(v) for *rgb, cover in row for v in (*rgb, 255 * cover)) for row in self.pixels)
+        def chunk(kind, data):
+            return struct.pack('>I', len(data)) + kind + data + struct.pack('>I', zlib.crc32(kind + data))
+        header = struct.pack('>IIBBBBB', self.width, self.height, 8, 6, 0, 0, 0)  # 8 bits each of red, green, blue, cover
+        with open(path, 'wb') as out:
+            out.write(b'\x89PNG\r\n\x1a\n' + chunk(b'IHDR', header) + chunk(b'IDAT', zlib.compress(rows, 9)) + chunk(b'IEND', b''))
 
 
 class Mask:

@@ -29,6 +29,10 @@ static const char TemplateLines[] =
     "({?prnq-hc}) 0{?prnq-sc} Centered\n"
     "({job-originating-user-name}  {printer-name}-{job-id}  {?job-name}) 14 Centered\n";
 
+std::string CupsBannerPage() {
+    return BannerPage(TemplateLines);
+}
+
 static double Seconds(const struct timespec &time) {
     return static_cast<double>(time.tv_sec) + static_cast<double>(time.tv_nsec) / 1e9;
 }
@@ -110,7 +114,7 @@ static std::string WriteTemplate(const std::string &path) {
     std::string beside = DataPath() + "/.prnq";
     if (mkdir((DataPath() + "/banners").c_str(), 0755) && errno != EEXIST)
         return "can't make " + DataPath() + "/banners";
-    std::string error = PrepareFile(beside, BannerPage(TemplateLines), 0644);
+    std::string error = PrepareFile(beside, CupsBannerPage(), 0644);
     if (!error.empty()) return error;
     if (!rename((beside + "_new").c_str(), path.c_str())) return "";
     DropFile(beside);

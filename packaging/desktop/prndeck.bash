@@ -1,0 +1,48 @@
+# Completion of prndeck and its siblings for bash. One file for all of them: the others are links to it.
+
+_prndeck_queues() { prnqtool -LQ 2>/dev/null | sed 's/:.*//'; }
+_prndeck_reply() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2"); }
+_prndeck_files() { compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$1"); }
+
+_prndeck() { _prndeck_reply "-tty -nd -help -v" "$2"; }
+
+_prnqtool() {
+    case $3 in
+    -ppd)
+        local models=(/var/lib/prndeck/ppd/*.ppd)
+        _prndeck_reply "${models[*]##*/}" "$2"
+        ;;
+    -pm) _prndeck_reply "wp wps psp" "$2" ;;
+    -x) _prndeck_reply "all $(_prndeck_queues)" "$2" ;;
+    -xl | -cl) _prndeck_reply "$(_prndeck_queues)" "$2" ;;
+    -fs | -bps | -dbps | -dn) _prndeck_files "$2" ;;
+    -hn) mapfile -t COMPREPLY < <(compgen -A hostname -- "$2") ;;
+    -psqn | -log) ;;
+    *)
+        local words="-ppd -pm -hn -dn -psqn -lpd -cl -mq -x -d -fe -bp -ui -fs -bps -log"
+        [ "$COMP_CWORD" != 1 ] || words="-LQ -x -xl -dbps -xdbps --help --version $(_prndeck_queues)"
+        _prndeck_reply "$words" "$2"
+        ;;
+    esac
+}
+
+_prnout() {
+    case $3,$2 in
+    -d,*) _prndeck_reply "$(_prndeck_queues)" "$2" ;;
+    *,-d*) _prndeck_reply "-d -DL $(_prndeck_queues | sed 's/^/-d/')" "$2" ;;
+    *,-*) _prndeck_reply "-d -DL -oNoUi --help --version" "$2" ;;
+    *) _prndeck_files "$2" ;;
+    esac
+}
+
+_prnrm() {
+    case $COMP_CWORD in
+    1) _prndeck_reply "--help --version $(_prndeck_queues)" "$2" ;;
+    *) _prndeck_reply "-" "$2" ;;
+    esac
+}
+
+complete -F _prndeck prndeck
+complete -F _prnqtool prnqtool
+complete -F _prnout prnout
+complete -F _prnrm prnrm
