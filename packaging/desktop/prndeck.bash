@@ -2,16 +2,17 @@
 
 _prndeck_queues() { prnqtool -LQ 2>/dev/null | sed 's/:.*//'; }
 _prndeck_reply() { mapfile -t COMPREPLY < <(compgen -W "$1" -- "$2"); }
+_prndeck_models() {
+    local models=(/var/lib/prndeck/ppd/*.ppd)
+    _prndeck_reply "${models[*]##*/}" "$1"
+}
 _prndeck_files() { compopt -o filenames; mapfile -t COMPREPLY < <(compgen -f -- "$1"); }
 
 _prndeck() { _prndeck_reply "-tty -nd -help -v" "$2"; }
 
 _prnqtool() {
     case $3 in
-    -ppd)
-        local models=(/var/lib/prndeck/ppd/*.ppd)
-        _prndeck_reply "${models[*]##*/}" "$2"
-        ;;
+    -ppd) _prndeck_models "$2" ;;
     -pm) _prndeck_reply "wp wps psp" "$2" ;;
     -x) _prndeck_reply "all $(_prndeck_queues)" "$2" ;;
     -xl | -cl) _prndeck_reply "$(_prndeck_queues)" "$2" ;;
@@ -42,7 +43,16 @@ _prnrm() {
     esac
 }
 
+_prnpnxxtty() {
+    case $3 in
+    -GS) _prndeck_models "$2" ;;
+    -MS | -d) _prndeck_reply "$(_prndeck_queues)" "$2" ;;
+    *) _prndeck_reply "-tty -GS -MS -FP -SBP -d $(_prndeck_queues)" "$2" ;;
+    esac
+}
+
 complete -F _prndeck prndeck
+complete -F _prnpnxxtty prnpnxxtty
 complete -F _prnqtool prnqtool
 complete -F _prnout prnout
 complete -F _prnrm prnrm

@@ -1,8 +1,8 @@
-"""An installation on a host of a test's own: this host's files with a staged root laid over them, and its own /tmp and /var/lib/prndeck;
-all of it is seen by the test alone and gone with it.
+"""A host of a test's own: this host's files with a staged root laid over them, or another system's. What changes there is seen by
+the test alone and gone with it.
 
     reason = overlay.missing()          # in a network and a mount namespace from then on
-    with overlay.Host("/tmp/root") as host:
+    with overlay.Host(stage="/tmp/root") as host:
         done = host.run("prndeck -v")
 """
 import os
@@ -11,6 +11,8 @@ import subprocess
 import tempfile
 
 import netns
+
+ENV = {"PATH": "/usr/local/bin:/usr/bin:/bin:/usr/local/sbin:/usr/sbin:/sbin", "TERM": "vt100", "HOME": "/tmp"}
 
 
 def missing():
@@ -22,15 +24,17 @@ def missing():
 
 
 class Host:
-    def __init__(self, stage):
+    def __init__(self, base="/", stage=None):
         self.place = tempfile.mkdtemp(prefix="prnhost.")
         self.path = self.place + "/all"
         self.mounts = []
         self.mount("-t", "tmpfs", "none", self.place)
         for name in ("up", "work", "all"):
             os.mkdir(self.place + "/" + name)
-        shutil.copytree(stage, self.place + "/stage", symlinks=True)
-        self.mount("-t", "overlay", "overlay", "-o", "lowerdir={0}/stage:/,upperdir={0}/up,workdir={0}/work".format(self.place), self.path)
+        if stage:  # on another file system than the base, which may hold it
+            shutil.copytree(stage, self.place + "/stage", symlinks=True)
+            base = self.place + "/stage:" + base
+        self.mount("-t", "overlay", "overlay", "-o", "lowerdir={1},upperdir={0}/up,workdir={0}/work".format(self.place, base), self.path)
         self.mount("-t", "tmpfs", "-o", "mode=1777", "none", self.path + "/tmp")
         for name in ("proc", "dev"):
             self.mount("--rbind", "/" + name, self.path + "/" + name)
@@ -40,10 +44,11 @@ class Host:
         self.mounts.append(words[-1])
 
     def run(self, line, cwd="/", user="root", text="", limit=60, **env):
-        """A line for the shell; in PATH are the usual directories only."""
-        env = {"PATH": "/usr/local/bin:/usr/bin:/bin:/usr/local/sbin:/usr/sbin:/sbin", "TERM": "vt100", "HOME": "/tmp", **env}
-        words = ["chroot", *(["--userspec=" + user] if user != "root" else []), self.path, "sh", "-c", 'cd "$0" && eval "$1"', cwd, line]
-        return subprocess.run(words, input=text, capture_output=True, text=True, timeout=limit, env=env, encoding="latin-1")
+        """A line for the shell, in the environment ENV."""
+        return subprocess.run(self.words(line, cwd, user), input=text, capture_output=True, timeout=limit, env={**ENV, **env}, encoding="latin-1")
+
+    def words(self, line, cwd="/", user="root"):
+        return ["chroot", *(["--userspec=" + user] if user != "root" else []), self.path, "sh", "-c", 'cd "$0" && eval "$1"', cwd, line]
 
     def __enter__(self):
         return self

@@ -18,6 +18,7 @@ COMPLETED = [
     ("prndeck -", "-tty -nd -help -v"), ("prnqtool o", "office own"), ("prnqtool q -p", "-ppd -pm -psqn"), ("prnqtool q -pm w", "wp wps"),
     ("prnqtool -x a", "all"), ("prnqtool new -cl of", "office"), ("prnout -do", "-doffice -down"), ("prnout -d of", "office"),
     ("prnout fi", "file.txt"), ("prnrm o", "office own"), ("prnrm own ", "-"),
+    ("prnpnxxtty -MS o", "office own"), ("prnpnxxtty -S", "-SBP"),
 ]
 COMPLETER = """prnqtool() { [ "$*" = -LQ ] && printf 'office:\\nown:\\n'; }
 compopt() { :; }
@@ -40,11 +41,6 @@ class Desktop(unittest.TestCase):
     def tearDownClass(cls):
         shutil.rmtree(cls.root)
 
-    def validate(self, *command):
-        if shutil.which(command[0]):
-            done = subprocess.run(command, capture_output=True, text=True)
-            self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
-
     def installed(self, command):
         return [p for p in ("bin", "sbin") if os.access(self.share + "/../" + p + "/" + os.path.basename(command), os.X_OK)]
 
@@ -58,23 +54,31 @@ class Desktop(unittest.TestCase):
             self.assertIn("Name", entry[section])
         actions = {"Desktop Action " + name for name in entry["Desktop Entry"]["Actions"].split(";") if name}
         self.assertEqual(actions | {"Desktop Entry"}, set(entry.sections()))
-        self.validate("desktop-file-validate", path)
         for size in (48, 64, 128, 256):
             image = Path(self.share, "icons/hicolor/%ix%i/apps" % (size, size), entry["Desktop Entry"]["Icon"] + ".png").read_bytes()
             self.assertEqual(image[:8], b"\x89PNG\r\n\x1a\n")
             self.assertEqual(struct.unpack(">II", image[16:24]), (size, size))
-            self.validate("identify", "-regard-warnings", "%sicons/hicolor/%ix%i/apps/prndeck.png" % (self.share, size, size))
 
     def test_description_and_action_fit_the_entry(self):
         about = xml.parse(self.share + "metainfo/" + ID + ".metainfo.xml").getroot()
         self.assertTrue(os.path.exists(self.share + "applications/" + about.findtext("launchable")))
         self.assertTrue(all(self.installed(node.text) for node in about.findall("provides/binary")))
-        self.validate("appstreamcli", "validate", "--no-net", self.share + "metainfo/" + ID + ".metainfo.xml")
         action = xml.parse(self.share + "polkit-1/actions/" + ID + ".policy").getroot().find("action")
         notes = {note.get("key").rsplit(".", 1)[1]: note.text for note in action.findall("annotate")}
         self.assertTrue(self.installed(notes["path"]))
         self.assertEqual(notes["allow_gui"], "true")
         self.assertEqual({node.text[:10] for node in action.find("defaults")}, {"auth_admin"})
+
+    def test_readers_of_the_formats_accept_them(self):
+        icons = glob.glob(self.share + "icons/hicolor/*/apps/prndeck.png")
+        for command in (["desktop-file-validate", self.share + "applications/" + ID + ".desktop"],
+                        ["appstreamcli", "validate", "--no-net", self.share + "metainfo/" + ID + ".metainfo.xml"],
+                        ["identify", "-regard-warnings", *icons]):
+            with self.subTest(command[0]):
+                if not shutil.which(command[0]):
+                    self.skipTest(command[0] + " is not installed")
+                done = subprocess.run(command, capture_output=True, text=True)
+                self.assertEqual(done.returncode, 0, done.stdout + done.stderr)
 
     def test_bash_completes_words_and_queues(self):
         Path(self.root, "file.txt").touch()

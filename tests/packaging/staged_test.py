@@ -79,7 +79,7 @@ class Host(Staged):
     """The same on a host of its own."""
 
     def setUp(self):
-        self.host = overlay.Host(self.root)
+        self.host = overlay.Host(stage=self.root)
         self.addCleanup(self.host.__exit__)
 
     def good(self, line, **more):
@@ -109,6 +109,8 @@ class Host(Staged):
             Path(self.host.path, "tmp/page.txt").write_text("a page\n")
             self.assertEqual(self.good("prnout -dprinter page.txt", cwd="/tmp", PRNQ_STORE="file", PRNQ_SPOOL="/tmp/spool"), "")
             self.assertIn(b"a page\n", printer.wait(1)[0])
+        self.assertEqual(self.host.run("prnpnxxtty -GS tv_c410.ppd", cwd="/tmp").returncode, 0)  # asks nobody
+        self.assertIn("PageSize=", Path(tool, ".settings").read_text())
         self.assertEqual(self.good("prnrm printer -", PRNQ_STORE="file", PRNQ_SPOOL="/tmp/spool"), "")
 
 
