@@ -10,11 +10,10 @@ import sys
 import tempfile
 from pathlib import Path
 
-TOP = Path(__file__).resolve().parent.parent
-sys.path.insert(0, str(TOP / "tests/lib"))
-import netns  # noqa: E402
-from snmpask import BUILD, VARIABLES, ask  # noqa: E402
+import netns
+from snmpask import BUILD, VARIABLES, ask
 
+TOP = Path(__file__).resolve().parent.parent
 SIM = BUILD + "/tools/prnsim/prnsim"
 FLEET = str(TOP / "tools/prnsim/demo.fleet")
 ROW = "{:<16}{:<26}{:<9}{}"
