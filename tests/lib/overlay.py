@@ -5,8 +5,10 @@ the test alone and gone with it.
     with overlay.Host(stage="/tmp/root") as host:
         done = host.run("prndeck -v")
 """
+import contextlib
 import os
 import shutil
+import signal
 import subprocess
 import tempfile
 
@@ -53,7 +55,16 @@ class Host:
     def __enter__(self):
         return self
 
+    def processes(self):
+        """Those that still run here."""
+        for pid in filter(str.isdigit, os.listdir("/proc")):
+            with contextlib.suppress(OSError):  # it is gone, or the kernel's
+                if os.readlink("/proc/%s/root" % pid) == self.path:
+                    yield pid
+
     def __exit__(self, *ignored):
+        for pid in self.processes():
+            os.kill(int(pid), signal.SIGKILL)
         for path in reversed(self.mounts):
             subprocess.run(["umount", "-l", path], check=True)
         os.rmdir(self.place)
