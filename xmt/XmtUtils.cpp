@@ -183,20 +183,18 @@ static bool TestViewable(Widget widget, Window window) {
            attributes.map_state == IsViewable;
 }
 
-// A window manager gave the keys to the widget's shell already. It would lose sight of a focus within, and
-// nobody would have the keys when that dialog goes.
-static bool TestShellFocus(Widget widget) {
+// The input focus goes to the widget's shell, which hands the keys to the widget that Motif chose: a window
+// manager that gives the same shell the keys a moment sooner or later does not lose sight of them. One that
+// has lost it gives them to no window when the dialog goes.
+static Window GetShellWindow(Widget widget) {
     while (widget && !XtIsShell(widget)) widget = XtParent(widget);
-    Window focus = 0;
-    int revert;
-    if (widget) XGetInputFocus(XtDisplay(widget), &focus, &revert);
-    return focus > PointerRoot && focus == XmtGetWindow(widget);
+    return widget ? XmtGetWindow(widget) : 0;
 }
 
 static void FocusWidget(Widget widget, bool flTest) {
     if (!widget) return;
-    Window window = XmtGetWindow(widget);
-    if (window && !TestShellFocus(widget) && (!flTest || TestViewable(widget, window)))
+    Window window = GetShellWindow(widget);
+    if (window && (!flTest || TestViewable(widget, XmtGetWindow(widget))))
         XSetInputFocus(XtDisplayOfObject(widget), window, RevertToPointerRoot, CurrentTime);
     XmProcessTraversal(widget, XmTRAVERSE_CURRENT);
 }

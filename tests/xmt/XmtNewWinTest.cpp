@@ -202,6 +202,20 @@ TEST_F(Windows, MenusOpenByMouseAndKeys) {
     EXPECT_EQ(TakeEvents(), "h_1 199/1=0;h_2_bc_1 201/1=0;h_3_c_1 202/1=0;");
 }
 
+// A window manager doesn't know widgets: when the dialog goes, it hands on only what the shell had.
+TEST_F(Windows, TheShellHasTheFocusAndTheFieldTheKeys) {
+    XmtNewObject(nullptr, RecordEvent, 197, "WR aim { t first; t second; }");
+    ShowWindow("aim_shell");
+    XmtSetFocus("second");
+    Window focus = 0;
+    int revert = 0;
+    XGetInputFocus(AppDisplay, &focus, &revert);
+    EXPECT_EQ(focus, XtWindow(XmtGetWidget("aim_shell")));
+    EXPECT_EQ(revert, RevertToPointerRoot);
+    PressSlowly("a b");
+    EXPECT_EQ(TextOf("second"), "ab");
+}
+
 TEST_F(Windows, MenusWithoutTraversalHearNoKeys) {
     flNoBarMenuTraversal = 1;
     XmtNewObject(nullptr, RecordEvent, 220, "WR silent { t quiet; M k { b(One) m(File) { b(New) } } }");

@@ -5,6 +5,7 @@
 #include "common/MemMgr.h"
 #include "tests/lib/Capture.h"
 #include "tests/lib/MenuDump.h"
+#include "tests/lib/ObjectDump.h"
 #include "tests/lib/WindowRig.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtMsg.h"
@@ -217,13 +218,6 @@ static const KeyCase KeyCases[] = {
     {"formed", "type abc", "formed", "***", 0, ""},
 };
 
-static std::string GetFieldText(const char *name) {
-    char *text = XmtGetText(name);
-    std::string copy = text != nullptr ? text : "(null)";
-    XtFree(text);
-    return copy;
-}
-
 static int CountMessages() {
     return pXmtMsgList != nullptr ? pXmtMsgList->count : 0;
 }
@@ -233,8 +227,7 @@ static void PressKeys(const KeyCase &one) {
     DispatchWaiting();
     ASSERT_EQ(system((std::string("xdotool ") + one.keys).c_str()), 0);
     // The keys are on their way; what they lead to is waited for, and nothing more may come.
-    for (int i = 0; i < 300 && (GetFieldText(one.looked) != one.text || CountMessages() < one.messages);
-         i++) {
+    for (int i = 0; i < 300 && (TextOf(one.looked) != one.text || CountMessages() < one.messages); i++) {
         DispatchWaiting();
         usleep(10000);
     }
@@ -250,7 +243,7 @@ static void CheckKeys() {
     DispatchWaiting();
     for (const KeyCase &one : KeyCases) {
         PressKeys(one);
-        EXPECT_EQ(GetFieldText(one.looked), one.text) << one.looked << " " << one.keys;
+        EXPECT_EQ(TextOf(one.looked), one.text) << one.looked << " " << one.keys;
         EXPECT_EQ(CountMessages(), one.messages) << one.looked << " " << one.keys;
         auto *last = static_cast<XmtMsgEntry *>(ListFindItemN(pXmtMsgList, CountMessages()));
         EXPECT_EQ(std::string(last != nullptr ? last->text : "").find(one.message), 0U)
@@ -264,9 +257,9 @@ static void CheckKeys() {
     XmtSetValuePF("secret", "wxyz", 1);
     XmtResetToStoredValue("secret");
     EXPECT_STREQ(XmtTextOf(XmtGetValue("secret")), "wxyz");
-    EXPECT_EQ(GetFieldText("secret"), "****");
+    EXPECT_EQ(TextOf("secret"), "****");
     XmtSetText("number", "99"); // the program's own settings are checked like everybody's
-    EXPECT_EQ(GetFieldText("number"), "5");
+    EXPECT_EQ(TextOf("number"), "5");
     EXPECT_EQ(CountMessages(), 1);
 }
 
