@@ -118,6 +118,13 @@ class Display:
         """The entries of the menu that comes up, with depth 2 those of one beside it."""
         return wait_for(lambda: self.menus(window)[depth - 1:], "a menu")[0]
 
+    def pick(self, window, *moves):
+        """Another entry of the option menu that has the keys. What is typed before a menu stands goes past it."""
+        self.key("space")
+        self.menu(window)
+        self.key(*moves, "Return")
+        wait_for(lambda: not self.menus(window), "the choices to go")
+
     def parts(self, window):
         """The direct parts of a window, from left to right and from top to bottom; places are those of the screen."""
         found = []

@@ -199,7 +199,8 @@ class OtherDisplays(unittest.TestCase):
             wait_for(lambda: not display.menus(deck.window), "the menus to go")
             display.alt("d")
             display.focused("Display")
-            display.key("space", "Down", "Return", "Return")  # the other first column, and OK
+            display.pick(deck.window, "Down")  # the other first column
+            display.key("Return")
             display.focused(TITLE)
             display.alt("p")
             display.menu(deck.window)

@@ -119,6 +119,9 @@ class Wizard(unittest.TestCase):
     def tabs(self, count, *keys):
         self.key(*["Tab"] * count, *keys)
 
+    def pick(self, *moves):
+        self.display.pick(self.deck.window, *moves)
+
     def message(self, name):
         """Waits for a message box that has the keys."""
         self.display.keep("wizard-%s-%s" % (name, self.language), self.focused(MESSAGE))
@@ -146,7 +149,9 @@ class Wizard(unittest.TestCase):
         self.tabs(4, "Return")  # Apply, behind the choices and the host, which are the first one's
         self.agree("first", "second")
         self.choose("modify", "Down", "space")
-        self.tabs(3, "space", "Down", "Return", "Return")  # the default printer; Apply is the default button
+        self.tabs(3)
+        self.pick("Down")
+        self.key("Return")  # the default printer; Apply is the default button
         self.deck.wait_for(lambda: self.tool.record(" default"), "the default queue")
         self.assertEqual(self.tool.record(" default").rstrip("\0"), "second")
         self.agree("first", "second")
@@ -163,7 +168,8 @@ class Wizard(unittest.TestCase):
         """With features and titles. Return in a field goes on and applies nothing."""
         self.open("add")
         self.type("first")
-        self.key("Return", "space", "Up", "Up", "Return")  # the generic model's neighbour
+        self.key("Return")
+        self.pick("Up", "Up")  # the generic model's neighbour
         self.tabs(3)
         self.type("localhost")
         self.key("Return")
@@ -173,7 +179,8 @@ class Wizard(unittest.TestCase):
         self.tabs(1, "Return")
         self.shown("banner", self.words["banner"])
         self.type(HOSTILE)
-        self.tabs(1, "space", "Down", "Return")
+        self.tabs(1)
+        self.pick("Down")
         self.tabs(6, "Return")
         self.display.gone(self.words["banner"])
         self.focused(self.words["add"][1])
@@ -240,7 +247,8 @@ class Wizard(unittest.TestCase):
         self.start()
         self.open("add")
         self.type("-late")
-        self.tabs(3, "space", "Down", "Return")  # a local device
+        self.tabs(3)
+        self.pick("Down")  # a local device
         self.tabs(1)
         self.type("/tmp")
         self.tabs(7, "Return")
