@@ -205,10 +205,18 @@ static size_t ScreenSize(const ScreenRec *screen) {
     return static_cast<size_t>(screen->width) * static_cast<size_t>(screen->height);
 }
 
+static struct winsize AskTerminal() {
+    struct winsize size = {};
+    return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 ? size : winsize{};
+}
+
+int GetTermHeight() {
+    return PickSize(AskTerminal().ws_row, "LINES", SCREEN_HEIGHT);
+}
+
 ScreenRec *GetTermInfo(ScreenRec *screen) {
     if (!screen) screen = &Screen;
-    struct winsize size = {};
-    if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0) size = {};
+    struct winsize size = AskTerminal();
     screen->width = PickSize(size.ws_col, "COLUMNS", SCREEN_WIDTH);
     screen->height = PickSize(size.ws_row, "LINES", SCREEN_HEIGHT);
     PutMem(screen->buffer);

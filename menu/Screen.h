@@ -48,6 +48,7 @@ struct ScreenRec {
 // The record, or for null the process-wide one, with the terminal's size, from TIOCGWINSZ, LINES and COLUMNS,
 // or 24 by 80, and a buffer of blanks of that size (an old buffer is released). Owns: the buffer.
 ScreenRec *GetTermInfo(ScreenRec *screen);
+int GetTermHeight();                              // its rows alone
 void MoveCursor(ScreenRec *screen, int x, int y); // x from 0, y from 1
 void ClearScreen(ScreenRec *screen);              // the terminal, and the buffer to blanks
 

@@ -335,6 +335,23 @@ static void StoreMenuAs(TextMenu *menu) {
     if (ValidateEntry(path.c_str(), SettingsNameFormat) == ENTRY_OK) StoreMenuFile(menu, path.c_str());
 }
 
+// What can't be taken now is left out, as when the item is chosen.
+static void ListItemChoices(const TextMenuItem *item) {
+    std::vector<std::string> choices;
+    char token[TOKEN_SIZE];
+    for (int i = 0; i < item->count; i++) {
+        const char *choice = GetChoice(item, i, token);
+        choices.push_back(choice && choice[0] != ' ' ? ShowPlain(choice + (choice[0] == '_')) : "");
+    }
+    ShowChoices(GetLabel(item), choices);
+}
+
+static void ListChosenItem(const TextMenu *menu, int number) {
+    for (const TextMenuItem *item = menu->items; item->text; item++)
+        if (item->type == ITEM_PICK && item->state == STATE_NORMAL && (number == 0 || item->number == number))
+            return ListItemChoices(item);
+}
+
 static int FindLetterItem(TextMenu *menu, int count, int letter) {
     if (letter == 0) return 0;
     for (int i = 0; i < count && menu->items[i].text; i++) {
@@ -375,6 +392,10 @@ int FindSelection(TextMenu *menu, int count) {
     }
     if (letter == 's' && (menu->flags & MENU_SETTINGS)) {
         if (StoreMenuFile(menu, SettingsName)) exit_app(0);
+        return 0;
+    }
+    if (letter == 'l' && (menu->flags & MENU_LIST)) {
+        ListChosenItem(menu, ParseInt(pOption));
         return 0;
     }
     return FindLetterItem(menu, count, letter);

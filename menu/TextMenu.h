@@ -15,6 +15,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string>
+#include <vector>
 
 struct TextMenu;
 struct TextMenuItem;
@@ -49,6 +51,7 @@ enum {                                          // menu flags
     MENU_REINIT = 0x040,   // an action that succeeded runs InitMenu again
     MENU_OLD_TYPE = 0x080, // the type before the callback decides how the loop goes on; else it is read again
     MENU_DENSE = 0x100,    // no blank line between the items
+    MENU_LIST = 0x200,     // l lists the choices of the first item that has some, "l 3" those of line 3
 };
 enum { MENU_WIDTH = 80, MENU_TEXT_SIZE = 256, MENU_DEPTH_MAX = 32 };
 
@@ -158,6 +161,10 @@ void SetItemText(TextMenuItem *item, const char *text);
 void LoadMenu(TextMenu *menu);
 // Writes to pOut. The caller looks for write errors when it closes the file.
 void StoreMenu(TextMenu *menu);
+
+// Prints the heading and the choices with their numbers, an empty one's left out, and waits for a line behind
+// every 20 and at the end. Uses: LineBuf.
+void ShowChoices(const char *heading, const std::vector<std::string> &choices);
 
 // Reads one line of standard input up to its line feed (not stored), size - 1 characters, a byte 0xFF or the
 // end. Null if there was nothing before the end. Never reads ahead, since children share the terminal;

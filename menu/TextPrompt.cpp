@@ -9,8 +9,10 @@
 #include <cstring>
 #include <string>
 #include <unistd.h>
+#include <vector>
 
 enum { PROMPT_LINE = 4096, PROMPT_COPY = 1024, INPUT_END = -1, INPUT_END_MARK = 0xFF, TXT_CONTINUE = 1001 };
+enum { LIST_PAGE = 20 }; // choices at a time
 
 // Descriptor 0 itself and not the stream: a buffered stream would take lines that belong to the next child.
 static int GetInputChar() {
@@ -68,4 +70,13 @@ void PostMsg(const char *format, ...) {
     va_end(args);
     Nlsfprintf(stdout, pDrvCoreDB, NLS_TTY_SET, TXT_CONTINUE);
     Gets(LineBuf, LINEBUF_SIZE);
+}
+
+void ShowChoices(const char *heading, const std::vector<std::string> &choices) {
+    printf("\n%s\n", ShowPlain(heading).c_str());
+    for (size_t i = 0; i < choices.size(); i++) {
+        if (i > 0 && i % LIST_PAGE == 0) PostMsg("\n");
+        if (!choices[i].empty()) printf("%4zu. %s\n", i + 1, choices[i].c_str());
+    }
+    PostMsg("\n");
 }

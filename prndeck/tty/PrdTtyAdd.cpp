@@ -128,7 +128,7 @@ TextMenu AddPrinterMenu = {.title = "Add Queue",
                            .parent = &MainMenu,
                            .initCallback = InitAddMenu,
                            .items = AddPrinterMenuItems,
-                           .flags = MENU_NO_LEAVE | MENU_HELP | MENU_DENSE};
+                           .flags = MENU_NO_LEAVE | MENU_HELP | MENU_DENSE | MENU_LIST};
 
 int AddDbmPrinter(TextMenu *) {
     return 0;

@@ -6,12 +6,16 @@
 #include "common/SysCmd.h"
 #include "common/Token.h"
 #include "common/utils.h"
+#include "menu/Screen.h"
 #include "print/PrdCommonUtils.h"
 #include "prndeck/core/Prd.h"
 #include "prndeck/tty/PrdTtyBanner.h"
 
 #include <cstdio>
 #include <string>
+#include <unistd.h>
+
+enum { SPACED_ROWS = 28 }; // of a terminal that shows the whole menu with blank lines
 
 static char OnOffInterface[] = "_disabled,_enabled";
 static char OnOffFeatures[] = "_disabled,_enabled";
@@ -85,8 +89,15 @@ TextMenu ModifyQueMenu = {.title = "Modify Queue",
                           .items = ModifyQueMenuItems,
                           .flags = MENU_NO_LEAVE | MENU_HELP};
 
+// With blank lines between the items the queue's own lines run off the top of a small terminal.
+static void FitModifyMenu() {
+    bool fits = !isatty(STDOUT_FILENO) || GetTermHeight() >= SPACED_ROWS;
+    ModifyQueMenu.flags = MENU_NO_LEAVE | MENU_HELP | (fits ? 0 : MENU_DENSE);
+}
+
 int ModifyQueTty(TextMenu *, TextMenuItem *) {
     if (!AskQueueTty(TTY_MODIFY_PROMPT, "Modification", pModifyQueName)) return 0;
+    FitModifyMenu();
     if (InitModifyQueMenu(&ModifyQueMenu) == 0) RunMenu(&ModifyQueMenu, nullptr, 1);
     InitMainMenu(&MainMenu);
     return 0;

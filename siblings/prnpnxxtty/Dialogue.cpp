@@ -11,7 +11,7 @@
 #include <cstdio>
 #include <deque>
 
-enum { LISTED_MAX = 70, LIST_PAGE = 20 }; // of the list of an option's choices
+enum { LISTED_MAX = 70 }; // characters of a choice in the list of them
 // Rows of the screen besides the options: four with the title, three of commands, and the prompt.
 enum { FRAME_ROWS = 8 };
 enum { LAYOUT_WIDE, LAYOUT_NAMES, LAYOUT_DENSE };
@@ -69,16 +69,12 @@ static int ApplyOptions(TextMenu *, TextMenuItem *) {
 
 static void ListChoices(const TextMenuItem &item) {
     const PpdOption *option = static_cast<const PpdOption *>(item.link);
-    int number = 0;
     Look look = TerminalLook;
     look.choice = LISTED_MAX;
-    printf("\n%s\n", item.text);
-    if (HasUnset(item)) printf("%4i. %s\n", ++number, FeatureText(TXT_UNSET).c_str());
-    for (const PpdChoice &choice : option->choices) {
-        if (number > 0 && number % LIST_PAGE == 0) PostMsg("\n");
-        printf("%4i. %s\n", ++number, ChoiceText(choice, look).c_str());
-    }
-    PostMsg("\n");
+    std::vector<std::string> choices;
+    if (HasUnset(item)) choices.push_back(FeatureText(TXT_UNSET));
+    for (const PpdChoice &choice : option->choices) choices.push_back(ChoiceText(choice, look));
+    ShowChoices(item.text, choices);
 }
 
 // "l 3" lists the choices of item 3; "l" asks which.
@@ -137,7 +133,7 @@ static void AddOptions(Dialogue &dialogue, bool flBanner, int layout) {
 
 // What would run off the terminal's top can't be read there: then the groups have to do with less.
 static void AddWhatFits(Dialogue &dialogue, bool flBanner) {
-    int rows = GetTermInfo(nullptr)->height - FRAME_ROWS;
+    int rows = GetTermHeight() - FRAME_ROWS;
     for (int layout = LAYOUT_WIDE; layout <= LAYOUT_DENSE; layout++) {
         AddOptions(dialogue, flBanner, layout);
         if (static_cast<int>(dialogue.items.size()) <= rows) return;

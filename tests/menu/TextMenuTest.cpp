@@ -123,8 +123,9 @@ static TextMenuItem WorkItems[] = {
     {},
 };
 static TextMenu WorkMenu = {
-    .title = "Work", .items = WorkItems, .flags = MENU_NO_LEAVE | MENU_KEEP | MENU_DENSE};
+    .title = "Work", .items = WorkItems, .flags = MENU_NO_LEAVE | MENU_KEEP | MENU_DENSE | MENU_LIST};
 
+static const std::string PickList = "\nPick\n   1. one\n   2. two\n   4. four\n\nPress <Return> to continue";
 static const char NamesMissing[] =
     "#\nAll names must be set before applying setup.\nPress <Return> to continue#";
 
@@ -147,6 +148,7 @@ TEST(TextMenu, ActsOnSelections) {
          "4 integer 60"},
         {"2\n2\n", "#{Pick}#{Pick}#", 2, "2 pick 3 of 4 '_four'"},  // passes the hidden one
         {"2 4\n2\n", "#{Pick}#{Pick}#", 2, "2 pick 0 of 4 '_one'"}, // by number, then around
+        {"l\n\nL 2\n\nl 4\n", "#" + PickList + "#" + PickList + "##", 2, "2 pick 0 of 4 '_one'"},
         {"8\n\n1 q1\n", std::string(NamesMissing) + "{Name}#", 1, "1 required 'q1'"},
         {"9\n" + std::string(5000, '9') + "\n", "#{refused}###", 10, "9 cancel"},
         {"1 q1\xffq\n", "#{Name}#{~Q Action}#", 1, "1 required 'q1'"},

@@ -49,6 +49,13 @@ class Flows(unittest.TestCase):
             self.play("1\n1 new\n" + answers + "6\n")
             self.assertEqual(self.tool.lines(), [ADD % "new" + tail], answers)
 
+    def test_add_lists_the_models(self):
+        out = self.play("1\nl\n\nl 3\n\n2 4\n16\n6\n")
+        models = [line.split(". ") for line in out.split("Setup printer Type\n", 1)[1].split("\n\n", 1)[0].splitlines()]
+        self.assertEqual([int(number) for number, _ in models], list(range(1, len(models) + 1)))
+        self.assertIn("Setup printing model\n   1. workstation to printer\n   2. workstation to print server\n", out)
+        self.assertIn("[4. %s]" % models[3][1], out)
+
     def test_add_refuses(self):
         for answers, said in (
                 ("15\n\n", "All names must be set"),

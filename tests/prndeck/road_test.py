@@ -44,6 +44,8 @@ class Road(unittest.TestCase):
         """Answers prompts one after the other, then the main menu; the queues that it shows."""
         for line, prompt in lines:
             self.term.line(line, prompt)
+            menu = self.term.output[:self.term.seen].rsplit("\f", 1)[1]
+            self.assertLess(menu.count("\n"), 24, "it runs off the top of the screen: " + menu)
         shown = self.term.output[:self.term.seen].rsplit("Queues of this host:\n", 1)[1]
         return set(re.findall(r"[\w-]+", shown.split("\n\n", 1)[0]))
 
