@@ -4,6 +4,7 @@
 #include "common/MemMgr.h"
 #include "common/Token.h"
 #include "xmt/XmtDisplay.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtStore.h"
 #include "xmt/XmtToken.h"
 
@@ -232,7 +233,8 @@ const XmtColourKey *XmtReadColour(const char *item, Pixel *pixel) {
     item += strspn(item, " \t\n\r");
     const XmtColourKey *row = XmtFindColourKey(item);
     if (!row) return nullptr;
-    *pixel = NewObjectColor[row->place] = GenColor(item + 2, row->place == XMT_BG, &flSuccess);
+    *pixel = NewObjectColor[row->place] =
+        GenColor(XmtContrastColour(item + 2, row->place == XMT_BG), row->place == XMT_BG, &flSuccess);
     if (row->place == XMT_BG) XmtPixBg = static_cast<intptr_t>(*pixel);
     return row;
 }
@@ -257,7 +259,8 @@ void XmtSetColor(const char *name, const char *key, const char *text) {
     int row = XmtFindToken(key, ColorKeys);
     if (row < 1 || row >= static_cast<int>(std::size(ColorResources))) return;
     flNewColorSet = 1;
-    Pixel pixel = GenColor(text, strcmp(key, "bg") == 0, nullptr);
+    bool flBackground = strcmp(key, "bg") == 0;
+    Pixel pixel = GenColor(XmtContrastColour(text, flBackground), flBackground, nullptr);
     XmtSetXmValue(name, ColorResources[row], static_cast<XtArgVal>(pixel));
 }
 
@@ -282,6 +285,8 @@ XmFontList XmtGetFontList(const char *name) {
     XmtInitStore();
     auto *known = static_cast<FontRecord *>(FindHashNode(XmtFonts, HashText(name)));
     if (known) return known->list;
-    XFontStruct *font = XLoadQueryFont(AppDisplay, name);
+    const char *scaled = XmtScaleFont(name);
+    XFontStruct *font = XLoadQueryFont(AppDisplay, scaled);
+    if (!font && scaled != name) font = XLoadQueryFont(AppDisplay, name);
     return font != nullptr ? KeepFont(name, font) : nullptr;
 }

@@ -2,6 +2,7 @@
 #include "xmt/XmtDisplay.h"
 
 #include "common/utils.h"
+#include "xmt/XmtScale.h"
 
 #include <csetjmp>
 #include <csignal>
@@ -112,6 +113,8 @@ bool XmtInitApp(const char *name, const char *appClass, int *argc, char **argv) 
     AppScreen = ScreenOfDisplay(AppDisplay, AppScreenNum);
     AppColormap = DefaultColormapOfScreen(AppScreen);
     ForbidDragging();
+    XmtReadScale(name, appClass);
+    XmtAddScaleDefaults();
     flInitAppTimedOut = 0;
     return true;
 }

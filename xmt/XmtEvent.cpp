@@ -5,6 +5,7 @@
 #include "common/utils.h"
 #include "xmt/XmtCopy.h"
 #include "xmt/XmtFormat.h"
+#include "xmt/XmtGrow.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNewBuild.h"
 #include "xmt/XmtNewWin.h"

@@ -4,6 +4,7 @@
 #include "common/utils.h"
 #include "xmt/XmtCallback.h"
 #include "xmt/XmtColor.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtStore.h"
 #include "xmt/XmtToken.h"
 #include "xmt/XmtUtils.h"
@@ -155,7 +156,7 @@ static void StartButtonClause(FormatRun *run, const char *head) {
 // b_width
 static void SetBorderWidth(const FormatRun *run, const char *target) {
     if (run->argument.empty()) return;
-    XmtSetXmValue(target, XmNborderWidth, ParseInt(run->argument.c_str()));
+    XmtSetXmValue(target, XmNborderWidth, XmtScaled(ParseInt(run->argument.c_str())));
 }
 
 // c_key_colour

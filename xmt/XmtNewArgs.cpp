@@ -5,6 +5,7 @@
 #include "xmt/XmtDisplay.h"
 #include "xmt/XmtMacro.h"
 #include "xmt/XmtPixmap.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtStore.h"
 #include "xmt/XmtToken.h"
 #include "xmt/XmtValue.h"
@@ -67,6 +68,11 @@ static void AddString(XmtInfo *info, XmString *field, const char *resource, cons
 static void ReadNumber(XmtInfo *info, const XmtArgRow *row) {
     XmtAddArg(info, row->resource, GetNumber());
     if (row->second) XmtAddArg(info, row->second, GetNumber());
+}
+
+static void ReadPixels(XmtInfo *info, const XmtArgRow *row) {
+    XmtAddArg(info, row->resource, XmtScaled(GetNumber()));
+    if (row->second) XmtAddArg(info, row->second, XmtScaled(GetNumber()));
 }
 
 static bool ReadTruth() {
@@ -177,6 +183,8 @@ static void ReadSize(XmtInfo *info) {
         if (rows > 1) XmtAddArg(info, "editMode", XmMULTI_LINE_EDIT);
         return;
     }
+    info->width = XmtScaled(info->width);
+    info->height = XmtScaled(info->height);
     if (info->width > -1) XmtAddArg(info, "width", info->width);
     if (info->height > -1) XmtAddArg(info, "height", info->height);
 }
@@ -255,10 +263,10 @@ static constexpr XmtArgRow SingleRows[] = {
     {"o", XMT_ARG_FLAG, "allowOverlap", nullptr},
     {"t", XMT_ARG_TEXT, nullptr, nullptr},
     {"s", XMT_ARG_SIZE, nullptr, nullptr},
-    {"m", XMT_ARG_NUMBER, "marginWidth", "marginHeight"},
-    {"x", XMT_ARG_NUMBER, "x", nullptr},
-    {"y", XMT_ARG_NUMBER, "y", nullptr},
-    {"p", XMT_ARG_NUMBER, "x", "y"},
+    {"m", XMT_ARG_PIXELS, "marginWidth", "marginHeight"},
+    {"x", XMT_ARG_PIXELS, "x", nullptr},
+    {"y", XMT_ARG_PIXELS, "y", nullptr},
+    {"p", XMT_ARG_PIXELS, "x", "y"},
     {"P", XMT_ARG_PARENT, nullptr, nullptr},
     {"M", XMT_ARG_LETTER, "dialogStyle", "s3a1f2n0"},
     {"<", XMT_ARG_GROUP, nullptr, nullptr},
@@ -277,8 +285,8 @@ static constexpr char CompoundArgs[] =
 
 static constexpr XmtArgRow CompoundRows[] = {
     {"CB", XMT_ARG_CALLBACKS, nullptr, nullptr},
-    {"bo", XMT_ARG_NUMBER, "borderWidth", nullptr},
-    {"be", XMT_ARG_NUMBER, "entryBorder", nullptr},
+    {"bo", XMT_ARG_PIXELS, "borderWidth", nullptr},
+    {"be", XMT_ARG_PIXELS, "entryBorder", nullptr},
     {"Fd", XMT_ARG_FONT, "defaultFontList", nullptr},
     {"Fb", XMT_ARG_FONT, "buttonFontList", nullptr},
     {"Fl", XMT_ARG_FONT, "labelFontList", nullptr},
@@ -286,7 +294,7 @@ static constexpr XmtArgRow CompoundRows[] = {
     {"F_", XMT_ARG_FONT, "fontList", nullptr},
     {"ts", XMT_ARG_SOURCE, nullptr, nullptr},
     {"id", XMT_ARG_ID, nullptr, nullptr},
-    {"sp", XMT_ARG_NUMBER, "spacing", nullptr},
+    {"sp", XMT_ARG_PIXELS, "spacing", nullptr},
     {"ml", XMT_ARG_NUMBER, "maxLength", nullptr},
     {"Ssp", XMT_ARG_LETTER, "scrollingPolicy", "a0c1d1"},
     {"Ss", XMT_ARG_FLAG, "scrollVertical", "scrollHorizontal"},
@@ -296,7 +304,7 @@ static constexpr XmtArgRow CompoundRows[] = {
     {"Sc", XMT_ARG_FLAG, "cursorPositionVisible", nullptr},
     {"Sp", XMT_ARG_LETTER, "selectionPolicy", "s0b3m1e2"},
     {"St", XMT_ARG_FLAG, "traversalOn", nullptr},
-    {"Sh", XMT_ARG_NUMBER, "shadowThickness", nullptr},
+    {"Sh", XMT_ARG_PIXELS, "shadowThickness", nullptr},
     {"no", XMT_ARG_REMOVED, nullptr, nullptr},
     {"Dt", XMT_ARG_DIALOG_TYPE, nullptr, nullptr},
     {"Srp", XMT_ARG_LETTER, "resizePolicy", "a2n0g1"},
@@ -345,6 +353,7 @@ static void ReadArgument(XmtInfo *info, const XmtArgRow *row, int mode) {
     case XMT_ARG_NOTHING:
     case XMT_ARG_END: break;
     case XMT_ARG_NUMBER: ReadNumber(info, row); break;
+    case XMT_ARG_PIXELS: ReadPixels(info, row); break;
     case XMT_ARG_FLAG: ReadFlag(info, row); break;
     case XMT_ARG_LETTER: ReadLetter(info, row); break;
     case XMT_ARG_FONT: ReadFont(info, row); break;
@@ -468,9 +477,9 @@ static Pixmap LoadPixmap(const XmtInfo *info, const char *file) {
     std::string path = IconPath && *file != '\\' ? std::string(IconPath) + '/' + file : file;
     Pixel front = info->colours[XMT_FG], back = info->colours[XMT_BG];
     Pixmap pixmap = XmGetPixmap(AppScreen, path.data(), front, back);
-    if (pixmap != XmUNSPECIFIED_PIXMAP) return pixmap;
-    path.insert(0, "F");
-    return XmGetPixmap(AppScreen, path.data(), front, back);
+    if (pixmap == XmUNSPECIFIED_PIXMAP)
+        pixmap = XmGetPixmap(AppScreen, path.insert(0, "F").data(), front, back);
+    return pixmap == XmUNSPECIFIED_PIXMAP ? pixmap : XmtScalePixmap(pixmap);
 }
 
 // XmUNSPECIFIED_PIXMAP if there is none. What is found is kept under the file's name, in its first colours.
@@ -583,7 +592,8 @@ static void AddAttachment(XmtInfo *info, const char *item) {
         XmtAddArg(info, side->widget, reinterpret_cast<XtArgVal>(widget));
     }
     int number = atoi(item);
-    if (number) XmtAddArg(info, flAttachPosition ? side->position : side->offset, number);
+    if (number && flAttachPosition) XmtAddArg(info, side->position, number);
+    if (number && !flAttachPosition) XmtAddArg(info, side->offset, XmtScaled(number));
 }
 
 const char *AttachObject(XmtInfo *info, const char *position) {

@@ -54,6 +54,7 @@ enum XmtArgKind {
     XMT_ARG_NUMBER, // one, or two with a second resource
     XMT_ARG_FLAG,   // likewise: T or F
     XMT_ARG_LETTER, // one of the letters, each with the digit that it means
+    XMT_ARG_PIXELS, // a number that grows with the screen's density
     XMT_ARG_FONT,
     XMT_ARG_HORIZONTAL,
     XMT_ARG_VERTICAL,

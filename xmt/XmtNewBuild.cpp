@@ -185,7 +185,11 @@ static void AddTypeArgs(XmtInfo *info, Extras *extras) {
         ScrollW = nullptr;
         break;
     case XmtListBox:
-    case XmtListBoxMS: AddItems(info, extras, XmNitems, XmNitemCount); break;
+    case XmtListBoxMS:
+        AddItems(info, extras, XmNitems, XmNitemCount);
+        // Longer rows get a scroll bar: a list that follows its rows takes the window's edge along.
+        XmtAddArg(info, XmNlistSizePolicy, XmCONSTANT);
+        break;
     case XmtMenu: AddItems(info, extras, XmNbuttons, XmNbuttonCount); break;
     default: break; // the others take what was read
     }

@@ -8,6 +8,7 @@
 #include "xmt/XmtDisplay.h"
 #include "xmt/XmtEvent.h"
 #include "xmt/XmtNewBuild.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtStore.h"
 #include "xmt/XmtValue.h"
 
@@ -72,10 +73,11 @@ static Pixel PixelOf(Widget widget, const char *resource) {
     return pixel;
 }
 
+// As a description has it.
 static int BorderWidth(Widget widget) {
     Dimension width = 0;
     XtVaGetValues(widget, XmNborderWidth, &width, nullptr);
-    return width;
+    return XmtUnscaled(width);
 }
 
 // The names of one tab's parts, and what stands between them and their own arguments.
@@ -437,8 +439,8 @@ static void AddEntry(XmtPictureData *picture, const PictureCommand &command) {
     XmtPictureEntry *entry = Extend(&picture->images, picture->count++);
     entry->name = XmtSaveStr_(command.name.c_str());
     entry->image = image;
-    entry->x = x;
-    entry->y = y;
+    entry->x = XmtScaled(x);
+    entry->y = XmtScaled(y);
     entry->colour = picture->background;
     XmtSetPictureValue(entry, command.operation, "");
 }
@@ -476,13 +478,13 @@ static bool HasBackground(const XmtInfo *scratch) {
 
 static void AddSize(XmtInfo *info, int width, int height) {
     std::string general = info->slots[0] ? info->slots[0] : "";
-    general += " s(" + std::to_string(width + XMT_PICTURE_EDGE) + "," +
-               std::to_string(height + XMT_PICTURE_EDGE) + ")";
+    general += " s(" + std::to_string(XmtUnscaled(width) + XMT_PICTURE_EDGE) + "," +
+               std::to_string(XmtUnscaled(height) + XMT_PICTURE_EDGE) + ")";
     XmtReplaceText(&info->slots[0], general.c_str());
 }
 
 static void MeasureImages(const XmtPictureData *picture, int *width, int *height) {
-    *width = *height = picture->count ? 1 : int{XMT_PICTURE_SIZE};
+    *width = *height = picture->count ? 1 : XmtScaled(XMT_PICTURE_SIZE);
     for (int i = 0; i < picture->count; i++) {
         const XmtPictureEntry *entry = picture->images + i;
         *width = std::max(*width, entry->x + entry->image->Image->width);

@@ -8,6 +8,7 @@
 #include "xmt/XmtCopy.h"
 #include "xmt/XmtDisplay.h"
 #include "xmt/XmtNewBuild.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtStore.h"
 #include "xmt/XmtString.h"
 #include "xmt/XmtToken.h"
@@ -244,8 +245,8 @@ static void MarkDefaultButton(Widget board, Widget ok) {
     enum { FRAME = 1, DEFAULT_FRAME = 2 };
     Widget old = nullptr;
     XtVaGetValues(board, XmNdefaultButton, &old, nullptr);
-    if (old) XtVaSetValues(old, XmNborderWidth, FRAME, nullptr);
-    if (ok) XtVaSetValues(ok, XmNborderWidth, DEFAULT_FRAME, nullptr);
+    if (old) XtVaSetValues(old, XmNborderWidth, XmtScaled(FRAME), nullptr);
+    if (ok) XtVaSetValues(ok, XmNborderWidth, XmtScaled(DEFAULT_FRAME), nullptr);
 }
 
 void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel) {
@@ -259,62 +260,6 @@ void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel)
 
 void XmtAlignButtons(const char *button) {
     if (Widget widget = XmtGetWidget(button)) AlignButtons(XtParent(widget));
-}
-
-// ---- sizes
-
-// Every widget that hangs from the upper one lets go of it; the upper one stands on the first of them.
-static Widget StandOnNext(Widget upper) {
-    WidgetList children = nullptr;
-    Cardinal count = 0;
-    Widget first = nullptr;
-    XtVaGetValues(XtParent(upper), XmNchildren, &children, XmNnumChildren, &count, nullptr);
-    for (Cardinal i = 0; i < count; i++) {
-        unsigned char attachment = XmATTACH_NONE;
-        Widget above = nullptr;
-        int offset = 0;
-        XtVaGetValues(children[i], XmNtopAttachment, &attachment, XmNtopWidget, &above, XmNtopOffset, &offset,
-                      nullptr);
-        if (attachment != XmATTACH_WIDGET || above != upper) continue;
-        XtVaSetValues(children[i], XmNbottomAttachment, XmATTACH_FORM, XmNtopAttachment, XmATTACH_NONE,
-                      XmNtopWidget, nullptr, nullptr);
-        if (first) continue;
-        first = children[i];
-        XtVaSetValues(upper, XmNbottomAttachment, XmATTACH_WIDGET, XmNbottomWidget, first, XmNbottomOffset,
-                      offset, nullptr);
-    }
-    return first;
-}
-
-void XmtLetGrow(const char *object) {
-    Widget row = XmtGetWidget(object);
-    if (!row || !XmIsForm(XtParent(row))) return;
-    XtVaSetValues(row, XmNbottomAttachment, XmATTACH_FORM, nullptr);
-    while (row) row = StandOnNext(row);
-}
-
-// A row column leaves its children the heights they have.
-static void FillHeight(Widget box, XtPointer child, XEvent *event, Boolean *) {
-    Position y = 0;
-    Dimension whole = 0, margin = 0;
-    if (event->type != ConfigureNotify) return;
-    XtVaGetValues(box, XmNheight, &whole, XmNmarginHeight, &margin, nullptr);
-    XtVaGetValues(static_cast<Widget>(child), XmNy, &y, nullptr);
-    if (whole > y + margin) XtVaSetValues(static_cast<Widget>(child), XmNheight, whole - y - margin, nullptr);
-}
-
-void XmtLetListGrow(const char *list) {
-    Widget child = XmtGetWidget(list);
-    while (child && XtParent(child) && !XmIsRowColumn(XtParent(child))) child = XtParent(child);
-    if (child && XtParent(child))
-        XtAddEventHandler(XtParent(child), StructureNotifyMask, 0, FillHeight, child);
-}
-
-void XmtSetLeastSize() {
-    Dimension width = 0, height = 0;
-    XtVaGetValues(AppShell, XmNwidth, &width, XmNheight, &height, nullptr);
-    XtVaSetValues(AppShell, XmNminWidth, std::min<int>(width, WidthOfScreen(XtScreen(AppShell))),
-                  XmNminHeight, std::min<int>(height, HeightOfScreen(XtScreen(AppShell))), nullptr);
 }
 
 // ---- the body of a menu bar

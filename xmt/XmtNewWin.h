@@ -53,13 +53,6 @@ Widget XmtNewMenuBarMenu(Widget parent);
 // beside cancel become as wide as the widest.
 void XmtSetDialogButtons(const char *dialog, const char *ok, const char *cancel);
 void XmtAlignButtons(const char *button); // the same for those beside that one
-// In a form whose rows hang one below the other, each from the one above, the object takes what height the
-// form gains: the rows below it hang from the bottom. Another parent is left alone.
-void XmtLetGrow(const char *object);
-// A list below its label takes what height their box gets.
-void XmtLetListGrow(const char *list);
-// The main window can't be made smaller than it is now, or than the screen is. It has been realized.
-void XmtSetLeastSize();
 // Gives the entries of a bar and of its menus the keys back that flNoBarMenuTraversal took: arrows move,
 // Return and space choose, Escape closes. The bar's text says St(T), or its pulldowns stay without.
 void XmtAddMenuKeys(const char *bar);

@@ -5,6 +5,7 @@
 #include "common/utils.h"
 #include "xmt/XmtColor.h"
 #include "xmt/XmtDisplay.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtStore.h"
 #include "xmt/XmtValue.h"
 #include "xmt/gif.h"
@@ -352,6 +353,40 @@ static Pixmap CopyToPixmap(XImage *image) {
     return pixmap;
 }
 
+XImage *XmtScaleImage(XImage *image) {
+    if (XmtScale == 1 || !image || !image->data || image->bits_per_pixel % 8 != 0) return image;
+    XImage *large = XmtMakeImage(XmtScaled(image->width), XmtScaled(image->height));
+    if (!large || large->bits_per_pixel != image->bits_per_pixel) {
+        if (large) XDestroyImage(large);
+        return image;
+    }
+    // By bytes: a pixel's spare bits tell what is transparent, and XGetPixel drops them.
+    size_t bytes = static_cast<size_t>(image->bits_per_pixel) / 8;
+    for (int y = 0; y < large->height; y++) {
+        const char *from = image->data + static_cast<ptrdiff_t>(XmtUnscaled(y)) * image->bytes_per_line;
+        char *to = large->data + static_cast<ptrdiff_t>(y) * large->bytes_per_line;
+        for (int x = 0; x < large->width; x++)
+            memcpy(to + static_cast<size_t>(x) * bytes, from + static_cast<size_t>(XmtUnscaled(x)) * bytes,
+                   bytes);
+    }
+    XDestroyImage(image);
+    return large;
+}
+
+Pixmap XmtScalePixmap(Pixmap pixmap) {
+    Window root;
+    int x, y;
+    unsigned width, height, border, depth;
+    if (XmtScale == 1 || !AppDisplay) return pixmap;
+    if (!XGetGeometry(AppDisplay, pixmap, &root, &x, &y, &width, &height, &border, &depth)) return pixmap;
+    XImage *image = XGetImage(AppDisplay, pixmap, 0, 0, width, height, AllPlanes, ZPixmap);
+    if (!image) return pixmap;
+    image = XmtScaleImage(image);
+    Pixmap scaled = CopyToPixmap(image);
+    XDestroyImage(image);
+    return scaled;
+}
+
 static bool BeginsWith(const char *text, const char *head) {
     return strncmp(text, head, strlen(head)) == 0;
 }
@@ -362,6 +397,7 @@ const char *XmtCreatePixmap(const char *text, size_t size, ImageRecord *record) 
     if (BeginsWith(text, "GIF")) end = XmtLoadGIF(text, size, record);
     if (BeginsWith(text, "! XPM2")) end = XmtLoadXPM(text, size, record, 1);
     if (BeginsWith(text, "/* XPM */")) end = XmtLoadXPM(text, size, record, 0);
+    record->Image = XmtScaleImage(record->Image);
     if (record->Image) record->Pixmap = CopyToPixmap(record->Image);
     return end;
 }

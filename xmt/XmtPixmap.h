@@ -53,6 +53,12 @@ void XmtCopyImage(XImage *source, XImage *destination, int x, int y, Pixel backg
 // An image of the screen's depth with its own data, all 0; null if a side is below 1, above the limits, or
 // memory exhausted. width and height in pixels. Owns: XDestroyImage.
 XImage *XmtMakeImage(int width, int height);
+// Each pixel XmtScale times in both directions. The image itself where that is 1, where its bits are no whole
+// bytes or where there is no room. Owns: the image is released when another comes back.
+XImage *XmtScaleImage(XImage *image);
+// A pixmap that Motif made, as large as pictures are on this screen: itself, or a copy of another size, which
+// the server keeps.
+::Pixmap XmtScalePixmap(::Pixmap pixmap);
 // Loads an image and enters it in XmtPixmaps under its name: the entry, or null. With a file, that is the
 // name. With null reads a name at the cursor, and behind it image data that start with '!', or a file up to
 // ';'. Files are looked for in IconPath. An entry that was there is replaced in place; its pixmap lives on.

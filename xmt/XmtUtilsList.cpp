@@ -60,9 +60,16 @@ void XmtClearAllListItems(const char *name) {
     if (Widget list = FindList(name)) XmListDeselectAllItems(list);
 }
 
+// Around an empty list that has the focus Motif draws a frame, and leaves it there when rows come.
+static void WipeEmptyFrame(Widget list) {
+    if (XtIsRealized(list) && GetItemCount(list) == 0)
+        XClearArea(XtDisplay(list), XtWindow(list), 0, 0, 0, 0, 1 /* expose */);
+}
+
 void XmtAddListItem(const char *name, const char *text, int position) {
     Widget list = FindList(name);
     if (!list || !text || position < 0 || position > GetItemCount(list) + 1) return;
+    WipeEmptyFrame(list);
     XmString item = XmtMakeString(text);
     XmListAddItemUnselected(list, item, position);
     XmStringFree(item);
@@ -86,6 +93,7 @@ void XmtReplaceAllListItems(const char *name, const char *list) {
     XmtDeleteAllListItems(name);
     Widget widget = FindList(name);
     if (!widget || !list) return;
+    WipeEmptyFrame(widget);
     XmtTokenRecord record;
     std::vector<XmString> items; // one by one a list takes the square of their number
     for (char *item = XmtStrTok(&record, list, ","); item; item = XmtStrTok(&record, nullptr, ","))

@@ -8,7 +8,9 @@
 #include "prndeck/core/PrdSets.h"
 #include "prndeck/gui/PrdGuiIds.h"
 #include "xmt/XmtCallback.h"
+#include "xmt/XmtGrow.h"
 #include "xmt/XmtNewWin.h"
+#include "xmt/XmtScale.h"
 #include "xmt/XmtUtils.h"
 
 #include <algorithm>
@@ -18,7 +20,8 @@
 #include <iterator>
 
 enum { LIST_TITLE = 10, LIST_COLUMNS = 5 };
-enum { LIST_INDENT = 3 }; // pixels that a list's frame shifts its rows against the title
+enum { LIST_INDENT = 3 };    // pixels that a list's frame shifts its rows against the title
+enum { BANNER_PLAIN = 250 }; // a column of the banner between name and stripes, where all look alike
 
 // ORDER FIELD_
 constexpr int aFieldSize[FIELD_COUNT] = {24, 24, 15, 17, 50};
@@ -121,7 +124,7 @@ std::string GenListEntry(int index) {
 }
 
 void AlignListTitle(const char *label) {
-    XmtSetXmValue(label, XmNmarginLeft, LIST_INDENT);
+    XmtSetXmValue(label, XmNmarginLeft, XmtScaled(LIST_INDENT));
 }
 
 void PrepareMainWindow() {
@@ -130,15 +133,23 @@ void PrepareMainWindow() {
     XmtAddMenuKeys(MENU_BAR);
     XmtLetGrow("w2");
     XmtLetListGrow("scrolList");
+    XmtStretchPicture("LogoBanner", BANNER_PLAIN);
+    XmtScrollTitle("scrolList", "scrolList_L");
     AlignListTitle("scrolList_L");
     SetupPrnListDisplay();
+}
+
+// Without the blanks that fill its last column: nobody needs to scroll to those.
+static std::string ListRow(int index) {
+    std::string row = GenListEntry(index);
+    return row.substr(0, row.find_last_not_of(' ') + 1);
 }
 
 void SetupPrnListDisplay() {
     if (DisplayStyle == 0) DisplayStyle = DISPLAY_DEFAULT;
     XmtSetLabelRaw("scrolList_L", GenListTitle().c_str());
     XmtDeleteAllListItems("scrolList");
-    for (int i = 0; i < DevCount; i++) XmtAddListItem("scrolList", GenListEntry(i).c_str(), i + 1);
+    for (int i = 0; i < DevCount; i++) XmtAddListItem("scrolList", ListRow(i).c_str(), i + 1);
 }
 
 // Motif would select every new row that reads like the selected one.
@@ -146,7 +157,7 @@ void UpdatePrListDisplay() {
     if (DisplayStyle == 0) DisplayStyle = DISPLAY_ALL;
     XmtSetLabelRaw("scrolList_L", GenListTitle().c_str());
     XmtClearAllListItems("scrolList");
-    for (int i = 0; i < DevCount; i++) XmtReplaceListItem("scrolList", GenListEntry(i).c_str(), i + 1);
+    for (int i = 0; i < DevCount; i++) XmtReplaceListItem("scrolList", ListRow(i).c_str(), i + 1);
     if (Widget list = XmtGetWidget("scrolList"); list && GetPrnEntry(Cur_Product_Index))
         XmListSelectPos(list, Cur_Product_Index + 1, 0);
 }

@@ -41,10 +41,10 @@ def wait_for(condition, what, limit=LIMIT):
 
 
 class Display:
-    def __init__(self, screen="1280x1024x24", manager=False):
+    def __init__(self, screen="1280x1024x24", manager=False, dpi=96):
         ready, told = os.pipe()
         self.server = subprocess.Popen(
-            ["Xvfb", "-displayfd", str(told), "-screen", "0", screen, "-nolisten", "tcp", "-noreset"],
+            ["Xvfb", "-displayfd", str(told), "-screen", "0", screen, "-dpi", str(dpi), "-nolisten", "tcp", "-noreset"],
             pass_fds=[told], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
         os.close(told)
         with os.fdopen(ready) as number:

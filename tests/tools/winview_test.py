@@ -51,21 +51,40 @@ class Winview(unittest.TestCase):
         self.assertEqual(done.returncode, status, done.stderr)
         return done
 
-    def test_all_windows(self):
-        kept = os.environ.get("PRN_PICTURES")
-        names = self.run_tool(STAGE).stdout.split()
-        self.assertIn("MainWinDesc", names)
-        sizes = {}
+    def picture_all(self, mark):
+        """The size of each window in each language; its pictures are kept where all are."""
+        kept, sizes = os.environ.get("PRN_PICTURES"), {}
         for language in sorted(os.listdir(os.path.join(STAGE, "db"))):
-            for name in names:
-                path = Path(kept or self.scratch) / ("%s-%s.png" % (name, language))
+            for name in self.run_tool(STAGE).stdout.split():
+                path = Path(kept or self.scratch) / ("%s-%s%s.png" % (name, language, mark))
                 path.parent.mkdir(parents=True, exist_ok=True)
                 self.assertEqual(self.run_tool("-l", language, "-o", path, STAGE, name).stderr, "")
                 width, height, rows = read_png(path)
-                sizes[name, language] = rows
-                self.assertTrue(100 < width < 1280 and 100 < height < 1024, (name, width, height))
+                sizes[name, language] = width, height, rows
                 self.assertGreater(len({colour for row in rows for colour in row}), 5, name)
+        return sizes
+
+    def test_all_windows(self):
+        sizes = self.picture_all("")
+        self.assertIn(("MainWinDesc", "en_US"), sizes)
+        for window, (width, height, _) in sizes.items():
+            self.assertTrue(100 < width < 1280 and 100 < height < 1024, (window, width, height))
         self.assertNotEqual(sizes["AboutDesc", "en_US"], sizes["AboutDesc", "de_DE"])
+
+    def test_all_windows_on_a_dense_screen(self):
+        small, self.display = self.display, xvfb.Display("2560x1920x24", dpi=192)
+        self.addCleanup(setattr, self, "display", small)
+        self.addCleanup(self.display.close)
+        large = self.picture_all("-192dpi")
+        self.display = small
+        for (name, language), (width, height, _) in large.items():
+            self.assertTrue(width < 2048 and height < 1536, (name, language, width, height))
+        for name in ("MainWinDesc", "AddQueDesc", "SystemPropertyDesc"):
+            width, height, _ = large[name, "en_US"]
+            self.run_tool("-l", "en_US", "-o", self.scratch / "small.png", STAGE, name)
+            before = read_png(self.scratch / "small.png")[:2]
+            self.assertTrue(1.5 * before[0] < width < 2.1 * before[0] and 1.5 * before[1] < height < 2.1 * before[1],
+                            (name, before, width, height))
 
     def test_own_description(self):
         (self.scratch / "note.txt").write_text(NOTE)

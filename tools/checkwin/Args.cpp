@@ -188,7 +188,8 @@ static void ReadOne(const Reading *r, const XmtArgRow *row) {
     case XMT_ARG_END:
     case XMT_ARG_HORIZONTAL:
     case XMT_ARG_VERTICAL: break;
-    case XMT_ARG_NUMBER: WantNumbers(r, row->second); break;
+    case XMT_ARG_NUMBER:
+    case XMT_ARG_PIXELS: WantNumbers(r, row->second); break;
     case XMT_ARG_FLAG: WantFlags(r, row->second); break;
     case XMT_ARG_LETTER: WantLetter(r, row->second); break;
     case XMT_ARG_ALIGNMENT: WantLetter(r, "l0c1r2"); break;

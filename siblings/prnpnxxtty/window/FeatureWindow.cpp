@@ -9,6 +9,7 @@
 #include "siblings/prnpnxxtty/window/WindowDesc.h"
 #include "xmt/XmtDisplay.h"
 #include "xmt/XmtEvent.h"
+#include "xmt/XmtGrow.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNew.h"
 #include "xmt/XmtNewBuild.h"

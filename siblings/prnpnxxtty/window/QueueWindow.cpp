@@ -13,6 +13,7 @@
 #include "siblings/prnpnxxtty/window/WindowDesc.h"
 #include "xmt/XmtDisplay.h"
 #include "xmt/XmtEvent.h"
+#include "xmt/XmtGrow.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNewWin.h"
 #include "xmt/XmtStore.h"
