@@ -127,7 +127,8 @@ bool DbmMayWrite() {
 }
 
 static void MakeLocalDirectory() {
-    if (FindFile(".", "db") || access(".", W_OK) != 0) return;
+    bool flMissing = access("db", F_OK) != 0 && errno == ENOENT;
+    if (!flMissing || access(".", W_OK) != 0) return;
     CreateFile("./db", nullptr, flDbmShared ? "777" : "755", nullptr, nullptr);
 }
 

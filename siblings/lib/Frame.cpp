@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <new>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -24,8 +25,16 @@ static void EndRun(int) {
     _exit(1);
 }
 
+// As a kill at that moment: nothing is half done, and the caller reads why.
+static void EndWithoutMemory() {
+    static const char text[] = ": out of memory\n";
+    if (write(2, my_name, strlen(my_name)) < 0 || write(2, text, sizeof text - 1) < 0) _exit(2);
+    _exit(1);
+}
+
 void BeginProgram(const char *name) {
     my_name = name;
+    std::set_new_handler(EndWithoutMemory);
     InitProcess();
     FindToldEar();
     signal(SIGPIPE, SIG_IGN);

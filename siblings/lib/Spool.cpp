@@ -272,20 +272,15 @@ static std::string EndJobFile(int file, bool flWritten, const std::string &path)
     return error;
 }
 
-static std::string WriteControl(const std::string &path, const std::string &text) {
-    int control = MakeJobFile(path);
-    if (control < 0) return Failed(SayCantWrite, path);
-    std::string error = EndJobFile(control, WriteAll(control, text), path);
-    close(control);
-    return error;
-}
-
 static std::string WriteJob(const std::string &directory, const SpoolJob &job, const JobTicket &ticket,
                             int data, int file) {
     std::string dataPath = directory + "/" + job.data;
     std::string error = EndJobFile(data, CopyAll(file, data), dataPath);
     if (!error.empty()) return error;
-    error = WriteControl(directory + "/" + job.control, TicketText(ticket, job.data));
+    // Its name comes last: a control file is a whole one.
+    std::string control = directory + "/" + job.control;
+    error = PrepareFile(control, TicketText(ticket, job.data), SPOOL_JOB_MODE);
+    if (error.empty()) error = CommitFile(control);
     if (!error.empty()) unlink(dataPath.c_str());
     return error;
 }
@@ -300,8 +295,8 @@ static bool IsUnlinked(int file) {
     return fstat(file, &status) || !status.st_nlink;
 }
 
-// The data file is locked until its job has a control file, so that a sweep leaves it. A sweep may have been
-// faster: then the file has no name any more.
+// The data file is locked until its job has a line, so that a sweep leaves it. A sweep may have been faster:
+// then the file has no name any more.
 static int MakeDataFile(const std::string &path) {
     int file = MakeJobFile(path);
     if (file < 0) return -1;
@@ -334,14 +329,26 @@ static void Sync(const std::string &path) {
     close(file);
 }
 
+// The base layer waits for ever for a lock that can't be had, and a job that nobody lists isn't printed.
+static std::string TryList(const std::string &directory) {
+    std::string path = directory + "/.qlock";
+    FileLock lock(path, SPOOL_LOCK_SECONDS, 0666);
+    bool flLocked = SetQueLockState(directory.c_str(), 1) && SetQueLockState(directory.c_str(), 0);
+    return flLocked ? "" : Failed(SayCantWrite, path);
+}
+
 std::string SpoolAdd(const std::string &directory, const JobTicket &ticket, int file, std::string &name) {
     SpoolJob job;
     int data = TakeName(directory, job);
     if (data < 0) return Failed(SayCantWrite, directory);
-    std::string error = WriteJob(directory, job, ticket, data, file);
+    std::string error = TryList(directory);
+    if (!error.empty())
+        unlink((directory + "/" + job.data).c_str());
+    else
+        error = WriteJob(directory, job, ticket, data, file);
+    if (error.empty()) AddJobToQue(directory.c_str(), job.control.c_str(), job.data.c_str());
     close(data);
     if (!error.empty()) return error;
-    AddJobToQue(directory.c_str(), job.control.c_str(), job.data.c_str());
     // A job that was taken must outlast a host that is switched off: its line and its names, too.
     Sync(directory + "/.q");
     Sync(directory);
@@ -358,6 +365,7 @@ static std::string RemoveFile(const std::string &path) {
 
 std::string SpoolRemove(const std::string &directory, const SpoolJob &job) {
     std::string error = RemoveFile(directory + "/" + job.control);
+    Sync(directory); // a job that is gone must not come back where a host is switched off
     if (error.empty()) error = RemoveFile(directory + "/" + job.data);
     if (error.empty()) DeleteJobFromQue(directory.c_str(), job.control.c_str(), 0);
     return error;
@@ -420,14 +428,24 @@ std::string SpoolMoveQueue(const std::string &from, const std::string &to, const
 
 // ---- What killed programs left
 
-// Nobody who may have the job in hand is left once the lock is free: who copies has it, and a job with a line
-// or a control file is the sender's.
+static bool IsMissing(const std::string &path) {
+    return access(path.c_str(), F_OK) && errno == ENOENT;
+}
+
+// Nobody who may have the job in hand is left once the lock is free: who copies has it until the job has its
+// line, and one with a line is the sender's. A control file without a line is that of a whole job whose line
+// didn't reach the disk.
 static void SweepJob(const std::string &directory, const std::string &name) {
     std::string data = directory + "/d" + name, control = directory + "/c" + name;
     int file = open(data.c_str(), O_RDWR | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC);
     if (file < 0) return;
-    bool flLeft = !flock(file, LOCK_EX | LOCK_NB) && access(control.c_str(), F_OK) && errno == ENOENT;
-    if (flLeft && !IsListed(directory, name) && !IsUnlinked(file)) unlink(data.c_str());
+    bool flFree = !flock(file, LOCK_EX | LOCK_NB) && !IsListed(directory, name) && !IsUnlinked(file);
+    if (flFree && !IsMissing(control)) {
+        AddJobToQue(directory.c_str(), ("c" + name).c_str(), ("d" + name).c_str());
+    } else if (flFree) {
+        DropFile(control);
+        unlink(data.c_str());
+    }
     close(file);
 }
 
@@ -451,14 +469,17 @@ static void SweepNew(const std::string &path) {
 }
 
 void SpoolSweep(const std::string &directory) {
+    std::vector<std::string> jobs;
     DIR *entries = opendir(directory.c_str());
     if (!entries) return;
     while (const struct dirent *entry = readdir(entries)) {
         std::string_view name = entry->d_name;
         if (name.starts_with('d') && IsOwnJob(name.substr(1)))
-            SweepJob(directory, std::string(name.substr(1)));
+            jobs.emplace_back(name.substr(1));
         else if (IsNewName(name))
             SweepNew(directory + "/" + entry->d_name);
     }
     closedir(entries);
+    std::sort(jobs.begin(), jobs.end());
+    for (const std::string &name : jobs) SweepJob(directory, name);
 }

@@ -63,7 +63,7 @@ bool IsSpoolPrinting(const std::string &directory);
 std::string SpoolMoveQueue(const std::string &from, const std::string &to, const std::string &queue);
 
 // Removes what programs left that were killed: data files half copied, and, once they are a minute old, new
-// files that were not renamed yet.
+// files that were not renamed yet. A job whose line is missing gets it back, behind the others.
 void SpoolSweep(const std::string &directory);
 
 std::string TicketText(const JobTicket &ticket, std::string_view data);

@@ -21,7 +21,10 @@
 #include <unistd.h>
 
 enum { RETRY_SECONDS = 10, WATCH_SECONDS = 2, WATCH_DOWN_SECONDS = 30 };
+enum { MARK_MAX = 256 };
 enum { LOCK_SECONDS = 1 }; // other programs look for a sender by its lock, and hold it for a moment then
+
+static const char PrintedName[] = "/.printed"; // what could be printed but not removed
 
 // ---- Processes
 
@@ -48,7 +51,7 @@ enum Outcome {
     JOB_HELD,  // it can't be printed as things are; the others go on
 };
 
-static std::string Printed; // the job that was delivered whole but is in the spool still
+static std::string Printed; // the mark of the job that was delivered whole but is in the spool still
 
 static std::string LoadQueues() {
     std::string error = FileStoreOpen();
@@ -84,7 +87,36 @@ static std::string FindJob(const std::string &directory, const SpoolJob &job, Jo
     if (!ReadTicket(directory + "/" + job.control, ticket)) return job.control + " can't be read";
     if (lstat((directory + "/" + job.data).c_str(), &status) || !S_ISREG(status.st_mode))
         return job.data + " is missing";
-    return FindQueue(ticket, queue);
+    std::string error = FindQueue(ticket, queue);
+    // Its queue was changed, and who changed it was killed before the job went along.
+    if (error.empty() && !directory.ends_with(SpoolPrinter(queue)))
+        error = "queue \"" + ticket.queue + "\" has another printer now";
+    return error;
+}
+
+// A later job may bear the name again, where the last number couldn't be written down.
+static std::string MarkOf(const std::string &control, const SpoolJob &job) {
+    struct stat status = {};
+    lstat(control.c_str(), &status);
+    return job.name + " " + std::to_string(status.st_ino) + " " + std::to_string(status.st_mtime) + "\n";
+}
+
+static bool WasPrinted(const std::string &directory, const std::string &mark) {
+    std::string text;
+    return mark == Printed ||
+           (ReadWholeFile(directory + PrintedName, MARK_MAX, text).empty() && mark == text);
+}
+
+// Out of the spool. A job that is printed but can't be removed must not be printed again, not by a later
+// sender either.
+static Outcome EndJob(const std::string &directory, const SpoolJob &job, const std::string &mark,
+                      std::string &error) {
+    Printed = mark;
+    error = SpoolRemove(directory, job);
+    if (error.empty()) unlink((directory + PrintedName).c_str());
+    if (error.empty()) return JOB_DONE;
+    ReplaceFile(directory + PrintedName, mark, SPOOL_LIST_MODE); // else this sender alone knows it
+    return JOB_LATER;
 }
 
 static std::string BannerFor(const Queue &queue, const SpoolJob &job, const JobTicket &ticket) {
@@ -122,14 +154,10 @@ static Outcome SendJob(const std::string &directory, const SpoolJob &job, std::s
     }
     error = FindJob(directory, job, ticket, queue);
     if (!error.empty()) return JOB_HELD;
-    // A job that is printed but can't be removed must not be printed again.
-    if (Printed != job.name) error = DeliverJob(directory, job, ticket, queue);
+    std::string mark = MarkOf(control, job);
+    if (!WasPrinted(directory, mark)) error = DeliverJob(directory, job, ticket, queue);
     if (!error.empty() && error != Cancelled) return JOB_LATER;
-    Printed = job.name;
-    error = SpoolRemove(directory, job);
-    // A later job may bear the name again, where the last number couldn't be written down.
-    if (error.empty()) Printed.clear();
-    return error.empty() ? JOB_DONE : JOB_LATER;
+    return EndJob(directory, job, mark, error);
 }
 
 // The first job that isn't held, if any; held tells about the first that is.

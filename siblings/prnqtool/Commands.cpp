@@ -3,7 +3,6 @@
 
 #include "common/utils.h"
 #include "siblings/lib/Child.h"
-#include "siblings/lib/Detached.h"
 #include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
 #include "siblings/lib/Host.h"
@@ -13,6 +12,7 @@
 #include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
 #include "siblings/prnqtool/Banners.h"
+#include "siblings/prnqtool/JobNotes.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -53,6 +53,7 @@ static std::string BeginChange() {
     if (error.empty()) error = HostOpen(TheHost);
     if (error.empty()) error = RecordsOpen();
     HoldSignals();
+    if (error.empty()) SettleLeftJobs();
     return error;
 }
 
@@ -72,6 +73,7 @@ static std::string CommitChange() {
 }
 
 static void DropChange() {
+    ForgetJobs();
     FileStoreDrop();
     RecordsDrop();
 }
@@ -193,9 +195,12 @@ static void UndoPut(const Put &put) {
 
 // The jobs that wait were meant for what was there before. The queue stands: a job that stays is no reason to
 // refuse.
-static void DropJobs(Place place, const std::string &name, const std::string &spool) {
-    std::string error = place == PLACE_CUPS ? CupsCancelAll(name) : SpoolRemoveQueue(spool, name);
+static void DropJobs(const Put &put) {
+    const std::string &name = put.queue.name;
+    std::string error = put.place == PLACE_CUPS ? CupsCancelAll(name) : "";
     if (!error.empty()) TellUser(Say(SayJobsStay, name, error));
+    if (put.place == PLACE_FILE) DropSpooled(name, put.spool);
+    ForgetJobs();
 }
 
 static std::string FinishPut(Put &put) {
@@ -203,9 +208,11 @@ static std::string FinishPut(Put &put) {
     if (!error.empty()) return error;
     error = PutOnHost(put);
     if (error.empty()) error = FollowDefault(put.before, RecordsDefault(), put.queue.flDefault);
+    bool flSpooled = put.flOnHost && put.place == PLACE_FILE;
+    if (error.empty() && flSpooled) error = NoteJobs({{put.queue.name, put.spool, false}});
     if (error.empty()) error = CommitChange();
     if (error.empty()) {
-        if (put.flOnHost) DropJobs(put.place, put.queue.name, put.spool);
+        if (put.flOnHost) DropJobs(put);
         SettleBanners(TheHost, {put.queue.name});
         return "";
     }
@@ -280,13 +287,6 @@ static std::string CheckMove(const std::string &from, const std::string &to) {
     return from != to && IsSpoolPrinting(from) ? Say(SayJobPrints) : "";
 }
 
-static void MoveJobs(const std::string &from, const std::string &to, const std::string &name) {
-    std::string error = from == to ? "" : SpoolMoveQueue(from, to, name);
-    if (!error.empty()) TellUser(Say(SayJobsStay, name, error));
-    if (from != to && !SpoolJobs(to).empty())
-        StartDetached((std::string(pToolPath) + "/prnout").c_str(), "-send", to);
-}
-
 static std::string FinishModify(const Queue &queue, const Queue &old, Place place) {
     std::string before = RecordsDefault(), banner = RecordsBanner(), from = FileStoreSpool(old),
                 to = SpoolDirectory(queue), error = place == PLACE_FILE ? CheckMove(from, to) : "";
@@ -299,9 +299,12 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
     if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner), flPpd);
     bool flModified = error.empty();
     if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
+    bool flMoved = place == PLACE_FILE && from != to;
+    if (error.empty() && flMoved) error = NoteJobs({{queue.name, from, true}});
     if (error.empty()) error = CommitChange();
     if (error.empty()) {
-        if (place == PLACE_FILE) MoveJobs(from, to, queue.name);
+        if (flMoved) MoveSpooled(queue.name, from, to);
+        if (flMoved) ForgetJobs();
         SettleBanners(TheHost, {queue.name});
         return "";
     }
@@ -371,15 +374,11 @@ static void EditDeletion(const std::vector<std::string> &names, const std::vecto
     }
 }
 
-struct Spooled {
-    std::string name, spool;
-};
-
 // Of the tool's own store, before their records and lines go.
-static std::vector<Spooled> StoredQueues(const std::vector<std::string> &names) {
-    std::vector<Spooled> queues;
+static std::vector<JobNote> StoredQueues(const std::vector<std::string> &names) {
+    std::vector<JobNote> queues;
     for (const std::string &name : names)
-        if (HostFind(TheHost, name) == PLACE_FILE) queues.push_back({name, SpoolOf(name)});
+        if (HostFind(TheHost, name) == PLACE_FILE) queues.push_back({name, SpoolOf(name), false});
     return queues;
 }
 
@@ -397,10 +396,14 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
     std::vector<std::string> hosted;
     for (const std::string &name : places)
         if (HostFind(TheHost, name) == PLACE_CUPS) hosted.push_back(name);
-    std::vector<Spooled> stored = StoredQueues(places);
+    std::vector<JobNote> stored = StoredQueues(places);
     EditDeletion(places, {});
     std::string error = places.empty() ? "" : PrepareChange();
-    if (!error.empty()) return error;
+    if (error.empty()) error = NoteJobs(stored);
+    if (!error.empty()) {
+        DropChange();
+        return error;
+    }
     std::vector<std::string> kept = DeleteFromHost(hosted);
     if (!kept.empty()) {
         // The records of queues that are still there must stay.
@@ -410,7 +413,8 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
     }
     if (error.empty() && !places.empty()) error = CommitChange();
     if (error.empty()) {
-        for (const Spooled &queue : stored) DropJobs(PLACE_FILE, queue.name, queue.spool);
+        for (const JobNote &each : stored) DropSpooled(each.queue, each.directory);
+        ForgetJobs();
         SettleBanners(TheHost, {});
     }
     return !error.empty() || (!flFailed && kept.empty()) ? error : Say(SayQueuesNotRemoved);
