@@ -16,7 +16,8 @@ from pathlib import Path
 
 from cups import Scheduler
 from fakeprinter import FakeLpd, FakePrinter, free_port
-from tooldir import QueueTool, ToolDir
+from spooltool import SpoolTool, until
+from tooldir import ToolDir
 import xdb
 
 FIRMWARE = b"\x1b%-12345X@PJL ENTER LANGUAGE=XFLASH\r\n" + bytes(range(256)) * 200
@@ -39,14 +40,7 @@ REFUSED = [
 ]
 
 
-def until(condition, seconds=15):
-    end = time.monotonic() + seconds
-    while not condition() and time.monotonic() < end:
-        time.sleep(0.01)
-    return condition()
-
-
-class Scenario(QueueTool):
+class Scenario(SpoolTool):
     """What holds for either store."""
 
     def setUp(self):
@@ -56,20 +50,6 @@ class Scenario(QueueTool):
         self.tool.env = self.environment(PRNQ_SPOOL=self.tool.path + "/spool", PRNQ_RETRY="0.1", PRNQ_WATCH="0.1")
         self.addCleanup(self.end_jobs)
         self.tool.write("file.txt", TEXT)
-
-    def end_jobs(self):
-        for name in self.tool.run("prnqtool", "-LQ").stdout.replace(":", "").split():
-            self.tool.run("prnrm", name, "-")
-        self.assertTrue(until(lambda: not self.detached()), self.detached())
-
-    def detached(self):
-        """The senders and watchers of this test's tool directory."""
-        found = []
-        for pid in filter(str.isdigit, os.listdir("/proc")):
-            with contextlib.suppress(OSError):
-                if os.readlink("/proc/%s/exe" % pid) == self.tool.path + "/prnout":
-                    found.append(int(pid))
-        return found
 
     def queue(self, name, port, more=""):
         self.add(name, "-pm wp -hn 127.0.0.1:%d %s" % (port, more))
@@ -88,27 +68,6 @@ class Scenario(QueueTool):
         done = self.tool.run("prnrm", *words)
         self.assertEqual((done.returncode, done.stdout, done.stderr == ""), (status, "", status == 0), (words, done.stderr))
         return done.stderr
-
-    def spool(self, printer):
-        return "%s/spool/%s/%s" % (self.tool.path, os.path.basename(self.tool.path), printer)
-
-    def listed(self, printer):
-        """The list of jobs as the monitor shows it: owner, name and size; a job without both files is left out."""
-        rows, directory = [], self.spool(printer)
-        with contextlib.suppress(FileNotFoundError), open(directory + "/.q") as lines:
-            for control, data in map(str.split, lines):
-                paths = [directory + "/" + control, directory + "/" + data]
-                if all(map(os.path.isfile, paths)):
-                    with open(paths[0], errors="replace") as words:
-                        rows.append((words.read().split()[3], control[1:], os.path.getsize(paths[1])))
-        return rows
-
-    def names(self, printer):
-        return [name for _, name, _ in self.listed(printer)]
-
-    def status(self, printer):
-        with contextlib.suppress(FileNotFoundError), open(self.spool(printer) + "/.status") as text:
-            return text.read()
 
     def test_banner_in_front_but_not_of_firmware(self):
         printer = self.printer()
