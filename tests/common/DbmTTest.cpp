@@ -89,11 +89,19 @@ TEST(DbmT, ReadsEitherFormat) {
         char small[3] = "..";
         EXPECT_EQ(DbmTGetRecord(handle, "k", small, 2), 2);
         EXPECT_STREQ(small, "fi");
+        DbmTGetData(handle, nullptr, 1); // nothing done
+        DbmTGetData(nullptr, small, 1);
         char *buffer = small;
         EXPECT_EQ(DbmTGetRecordV(handle, "sub a", &buffer, 2), 1);
         EXPECT_EQ(buffer, small);
         EXPECT_EQ(DbmTGetRecordV(handle, "b sub", &buffer, 2), 65000);
         EXPECT_EQ(TakeText(buffer), large);
+        DbLink *chain = DbmTGetDbLinkList(handle, "sub");
+        ASSERT_TRUE(chain && chain->next && !chain->next->next);
+        EXPECT_EQ(std::string(chain->data, static_cast<size_t>(chain->size)), "1");
+        EXPECT_EQ(chain->next->record + std::string(chain->next->data, 1), "b subl");
+        EXPECT_EQ(chain->next->size, 65000);
+        DbmFreeDbLinkList(chain);
         EXPECT_EQ(TakeText(DbmTGetRecordListS(handle, "x,,kk,k,sub", "<", ">")), "<sub a<k<k>");
         DbTClose(handle);
     }

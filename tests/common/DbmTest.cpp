@@ -32,6 +32,7 @@ static std::string Get(const char *db, const std::string &key) {
 TEST(Dbm, WritesANewFile) {
     ToolDir tool;
     fs::current_path(tool.MakeDir("elsewhere"));
+    fs::remove(tool.Path("db"));
     ASSERT_EQ(Put("que", "k", "ab"), 1);
     EXPECT_EQ(fs::status("db").permissions(), fs::perms::all);
     EXPECT_TRUE(fs::is_empty("db"));
@@ -153,6 +154,22 @@ TEST(Dbm, FullDiskLeavesTheOldFile) {
     EXPECT_FALSE(fs::exists(tool.Path("db/que.xdb_new")));
 }
 
+TEST(Dbm, PurgeTellsWhetherItCouldWrite) {
+    ToolDir tool;
+    WriteXdb(tool.Db("que"), false, {{"k", "old"}, {"j", "1"}});
+    FILE *in = fopen(tool.Db("que").c_str(), "rb"), *full = fopen("/dev/full", "wb");
+    FILE *out = fopen(tool.Db("new").c_str(), "wb");
+    setbuf(full, nullptr);
+    Capture capture;
+    EXPECT_EQ(PurgeRecord("que", in, out, "k", 0), 1);
+    rewind(in);
+    EXPECT_EQ(PurgeRecord("full", in, full, "k", 0), 0);
+    EXPECT_EQ(capture.Err(), "ERROR: Can't write to full");
+    EXPECT_EQ(RenameDataBase("new", nullptr, "xdb") + RenameDataBase("new", "xdb", nullptr), 0);
+    for (FILE *file : {in, full, out}) fclose(file);
+    EXPECT_EQ(ShowRecords(ReadXdb(tool.Db("new"))), "j=1");
+}
+
 TEST(Dbm, DirectoryThatCannotBeWritten) {
     if (geteuid() != 0) GTEST_SKIP() << "needs root to become another user";
     ToolDir tool;
@@ -183,6 +200,9 @@ TEST(Dbm, WhatOthersPutInItsWay) {
     ASSERT_EQ(mkfifo(tool.Db("pipe").c_str(), 0666), 0);
     ChildEnd end = RunForked([] { printf("%d%d", Put("que", "k", "3"), DbmGetRecordSize("pipe", "k")); });
     EXPECT_EQ(end.out, "00") << "neither ended nor waiting";
+    fs::create_symlink(tool.Db("que"), tool.Db("link"));
+    EXPECT_EQ(Put("link", "k", "3"), 1);
+    EXPECT_FALSE(fs::is_symlink(tool.Db("link")));
     EXPECT_EQ(Get("que", "k"), "2");
 }
 

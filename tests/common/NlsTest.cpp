@@ -140,6 +140,9 @@ struct FormatCase {
 static const FormatCase FormatCases[] = {
     {"100%% of %i", "ii", "100% of 42"},
     {"%.2s|%6.3s|", "ss", "wo|      |"},
+    {"%.1f|%g", "ff", "2.5|2.5"},
+    {"%+5.1Lf", "L", " +3.5"},
+    {"%f", "L", nullptr},
     {"%s %s", "s", nullptr},
     {"%n", "i", nullptr},
     {"%*i", "ii", nullptr},

@@ -168,6 +168,35 @@ TEST_F(Commands, WithoutANameNothingIsFound) {
     EXPECT_EQ(end.status, 0) << end.err;
 }
 
+TEST_F(Commands, WhatTheHostTells) {
+    SystemSpy spy;
+    spy.answers = {{"df -b", "File system 512-blocks Avail Used\n/dev/a b 900 600 300\n"},
+                   {"du", "50 /tmp\n"},
+                   {"pkginfo", "system one The first\nshort\napp two Other\n"},
+                   {"ps -e", " 12 ? 0:00 lpd\n13 ? 0:00 lpd2\n 14 ? 0:01 lpd\n"},
+                   {"lpd", "LPRng 3\n"}};
+    DiskRecord record;
+    EXPECT_TRUE(GetDiskSpace("/tmp", &record) && record.available == 600);
+    EXPECT_STREQ(record.line, "/dev/a b 900 600 300\n");
+    Scratch scratch;
+    scratch.Write("old", "");
+    struct {
+        const char *file;
+        double room;
+    } rooms[] = {{nullptr, 600}, {"none", 600}, {"old", 650}}; // an old file gives its room back
+    for (const auto &[file, room] : rooms) {
+        EXPECT_TRUE(AvailSpace(scratch.Path().c_str(), file, room)) << room;
+        EXPECT_FALSE(AvailSpace(scratch.Path().c_str(), file, room + 1)) << room;
+    }
+    EXPECT_EQ(TakeText(GetSysPkgList(nullptr)), " one two ");
+    EXPECT_EQ(TakeText(CheckProcTableForExecs(",lpd,no,lpd2")), "lpd ( 12 14 )\nlpd2 ( 13 )\n");
+    EXPECT_TRUE(SniffLprng() && !SniffCUPS());
+    ComList[CMD_LPD].path = nullptr;
+    EXPECT_FALSE(SniffLprng());
+    spy.answers.front().second = "Filesystem Free\n/dev/a 600\n";
+    EXPECT_FALSE(GetDiskSpace("/tmp", &record) || AvailSpace("/tmp", nullptr, 1));
+}
+
 TEST_F(Commands, Kill) {
     ChildEnd end = RunForked([] {
         setpgid(0, 0); // what a heading line reads as, 0, would name this group

@@ -47,6 +47,7 @@ TEST(Finding, FilesAndLines) {
     EXPECT_EQ(TakeText(SearchDirFileList(sub.c_str(), "ppd")), " a.ppd ");
     EXPECT_EQ(FileSearch(leaf.c_str(), "key", ERR_SILENT), longest);
     EXPECT_STREQ(FileSearch(leaf.c_str(), "last", ERR_SILENT), "last key");
+    EXPECT_TRUE(FindInPath("sh") && !FindInPath("no such program"));
 }
 
 static bool OpenText(const Scratch &scratch, const std::string &text) {
@@ -90,6 +91,13 @@ TEST(Reading, PipesAreNotWaitedFor) {
         EXPECT_EQ(OpenFile(nullptr, path.c_str(), mode, ERR_SILENT), nullptr) << mode;
 }
 
+TEST(Reading, AnotherFileClosesTheLast) {
+    FILE *last = OpenFile(nullptr, "/dev/null", "r", ERR_FATAL);
+    int descriptor = fileno(last);
+    EXPECT_EQ(OpenFile(last, "/no", "r", ERR_SILENT), nullptr);
+    EXPECT_EQ(fcntl(descriptor, F_GETFD), -1);
+}
+
 TEST(Making, RealFiles) {
     Scratch scratch;
     const std::string dir = scratch.Path("a/it's $HOME"), file = dir + "/\"q\" `id`", text = dir + "/t";
@@ -127,6 +135,7 @@ TEST(Reporting, ControlsAreShownAsQuestionMarks) {
         {"\xe4\xa0\xff", "\xe4\xa0\xff"},                     // Latin 1
         {"\u009b2J\u0085", "??2J??"},
         {"\x9b\xe2\x82", "?\xe2?"}, // cut in the middle
+        {"A\x9b", "A?"},
         {std::string("a\0b", 3), "a?b"}};
     for (const auto &[text, shown] : Cases) EXPECT_EQ(ShowPlain(text), shown);
 }
