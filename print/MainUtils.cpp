@@ -153,11 +153,15 @@ static void SetQueListTold(const std::string &told) {
     pQueListTold = told.empty() ? nullptr : SaveStr_(told.c_str());
 }
 
-std::string GetQueToolFault() {
-    std::string path = std::string(pToolPath) + "/prnqtool";
+std::string GetToolFault(const char *program) {
+    std::string path = std::string(pToolPath) + "/" + program;
     if (access(path.c_str(), X_OK) == 0) return "";
     const char *reason = strerror(errno);
     return path + ": " + reason;
+}
+
+std::string GetQueToolFault() {
+    return GetToolFault("prnqtool");
 }
 
 char *GetQueList() {

@@ -56,8 +56,10 @@ void SetConfigFlags();
 // 1 if the file exists in the tool directory.
 int TestConfigFlag(const char *file);
 
-// Why prnqtool can't be started; empty if it can.
-std::string GetQueToolFault();
+// Why a program of the tool directory can't be started; empty if it can. A shell says so on the terminal,
+// where a menu clears it at once and nobody in front of a window looks.
+std::string GetToolFault(const char *program);
+std::string GetQueToolFault(); // the same of prnqtool
 // All queues of the host, from prnqtool: ",q1,q2", sorted; null if there is none. Owns: the result.
 // Uses: the token state, pQueListTold.
 [[nodiscard]] char *GetQueList();

@@ -13,9 +13,7 @@
 #include <string_view>
 #include <unistd.h>
 
-static constexpr char Prefix[] = "prn"; // of the family's programs
-static constexpr char Interface[] = "pnxx";
-
+const char FrontEndProgram[] = "prnpnxxtty";
 const char SettingsFile[] = ".settings";
 const char BannerFile[] = ".bsettings";
 
@@ -29,7 +27,7 @@ static std::string ToolProgram(const char *name) {
 }
 
 static std::string LogOption() {
-    return std::string(" -log ") + Prefix + "deck";
+    return " -log prndeck";
 }
 
 static const char *ModelWord(int printingModel) {
@@ -71,14 +69,25 @@ std::string MakeCopyLine(const QueTarget &target, const char *source, int printi
            ModelWord(printingModel) + AddressOption(target) + RemoteOption(target);
 }
 
-std::string MakeModifyLine(const char *name, const QueOptions &options, int flLog) {
+static std::string ModifyLine(const char *name, const QueOptions &options, int flLog) {
     std::string line = ToolProgram("prnqtool ") + ShArg(name) + " -mq";
     if (flLog) line += LogOption();
     if (options.userInterface) line += " -ui";
     if (options.features) line += " -fe";
     if (options.banner) line += " -bp";
     if (options.isDefault) line += " -d";
-    return line + WorkFileOption("-fs", SettingsFile) + WorkFileOption("-bps", BannerFile);
+    return line;
+}
+
+std::string MakeModifyLine(const char *name, const QueOptions &options, int flLog) {
+    return ModifyLine(name, options, flLog) + WorkFileOption("-fs", SettingsFile) +
+           WorkFileOption("-bps", BannerFile);
+}
+
+std::string MakeModifyLineOf(const char *name, const QueOptions &options, const std::string &settings,
+                             const std::string &banner) {
+    return ModifyLine(name, options, 0) + " -fs " + ShArg(settings) +
+           (banner.empty() ? "" : " -bps " + ShArg(banner));
 }
 
 std::string MakeDeleteLine(const char *name) {
@@ -101,7 +110,7 @@ std::string MakeDefaultBannerLine(int flSet) {
 }
 
 std::string MakeFeatureLine(const char *ppdFile, int flBanner) {
-    return ToolProgram(Prefix) + Interface + "tty -tty " + (flBanner ? "-SBP" : "") + " -GS" +
+    return ToolProgram(FrontEndProgram) + " -tty " + (flBanner ? "-SBP" : "") + " -GS" +
            ShArg(std::string(pToolPath) + "/ppd/" + ppdFile);
 }
 
@@ -110,15 +119,20 @@ static bool HasModelItem(const char *ppdFile, const char *item) {
     return GetPpdKeyValue(ppdFile, item, value, sizeof value) != nullptr;
 }
 
+const char *GetFeatureProgram(const char *ppdFile) {
+    if (HasModelItem(ppdFile, "v5ModelName")) return "v5driver";
+    return HasModelItem(ppdFile, "v4DriverPluginFilename") ? "driver" : FrontEndProgram;
+}
+
 static std::string MakeDriverLine(const char *program, const FeatureCall &call) {
     std::string source = call.flStored ? " -MS " + ShArg(call.queue) : " -GS " + ShArg(call.ppdFile);
     return ToolProgram(program) + source + " 1>>/dev/null 2>>/dev/null";
 }
 
 std::string MakeFeatureWindowLine(const FeatureCall &call) {
-    if (HasModelItem(call.ppdFile, "v5ModelName")) return MakeDriverLine("v5driver", call);
-    if (HasModelItem(call.ppdFile, "v4DriverPluginFilename")) return MakeDriverLine("driver", call);
-    return ToolProgram(Prefix) + Interface + "tty " + (*call.queue ? "-d" + ShArg(call.queue) : "") + " " +
+    const char *program = GetFeatureProgram(call.ppdFile);
+    if (program != FrontEndProgram) return MakeDriverLine(program, call);
+    return ToolProgram(program) + " " + (*call.queue ? "-d" + ShArg(call.queue) : "") + " " +
            (call.flBanner ? "-SBP" : "") + " -GS" + ShArg(std::string(pToolPath) + "/ppd/" + call.ppdFile);
 }
 

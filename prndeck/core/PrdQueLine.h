@@ -35,12 +35,17 @@ std::string MakeAddLine(const QueTarget &target, const char *ppdFile, int printi
 std::string MakeCopyLine(const QueTarget &target, const char *source, int printingModel);
 // With flLog the line names the log, as the terminal does.
 std::string MakeModifyLine(const char *name, const QueOptions &options, int flLog);
+// The same from files of the caller's own: paths; without banner titles an empty one. The working files of
+// the flows, which may be in use, are left alone.
+std::string MakeModifyLineOf(const char *name, const QueOptions &options, const std::string &settings,
+                             const std::string &banner);
 std::string MakeDeleteLine(const char *name);
 // names: one or more queues with blanks between them.
 std::string MakeDeleteListLine(const char *names);
 std::string MakeDeleteAllLine();
 // Makes ".bsettings" the system's default banner, or clears the default.
 std::string MakeDefaultBannerLine(int flSet);
+extern const char FrontEndProgram[]; // the driver front end, which talks to the user
 // The front end's own dialogue on the terminal, for the features of a model.
 std::string MakeFeatureLine(const char *ppdFile, int flBanner);
 
@@ -52,6 +57,7 @@ struct FeatureCall {
     int flStored;
     int flBanner;
 };
+const char *GetFeatureProgram(const char *ppdFile); // the one of the line
 std::string MakeFeatureWindowLine(const FeatureCall &call);
 
 // Runs a line with its output thrown away: 0, or a number of errno. *told is what prnqtool complained or

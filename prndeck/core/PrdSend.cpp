@@ -4,11 +4,11 @@
 #include "common/SysCmd.h"
 #include "common/Words.h"
 #include "common/utils.h"
+#include "print/MainUtils.h"
 #include "print/Told.h"
 
 #include <cerrno>
 #include <cstring>
-#include <unistd.h>
 
 static constexpr char SendProgram[] = "prnout";
 static constexpr char RemoveProgram[] = "prnrm";
@@ -29,12 +29,8 @@ std::string MakeSendLine(int operation, const char *queue, const char *file) {
            " " + FileArg(file) + "\n";
 }
 
-static std::string RemovePath() {
-    return std::string(pToolPath) + "/" + RemoveProgram;
-}
-
 static std::string RemoveLine(const char *queue, const std::string &jobs) {
-    return ShArg(RemovePath()) + " " + ShArg(queue) + " " + jobs;
+    return ShArg(pToolPath) + "/" + RemoveProgram + " " + ShArg(queue) + " " + jobs;
 }
 
 std::string MakeRemoveLine(const char *queue, std::string_view jobs) {
@@ -50,11 +46,6 @@ std::string MakeRemoveAllLine(const char *queue) {
 
 // ---- Running
 
-// A shell says on the terminal that a program is missing, where nobody in front of a window looks.
-static std::string GetFault(const std::string &path) {
-    return access(path.c_str(), X_OK) == 0 ? "" : path + ": " + strerror(errno);
-}
-
 std::string RunSendLine(const std::string &line) {
     if (!FindInPath(SendProgram)) return std::string(SendProgram) + ": " + strerror(ENOENT);
     ToldEar ear;
@@ -63,7 +54,7 @@ std::string RunSendLine(const std::string &line) {
 }
 
 std::string RunRemoveLine(const std::string &line) {
-    std::string fault = GetFault(RemovePath());
+    std::string fault = GetToolFault(RemoveProgram);
     if (!fault.empty()) return fault;
     ToldEar ear;
     FreeResponseList(GetCmdResponse(CMD_QUIET, nullptr, "%s", line.c_str()));

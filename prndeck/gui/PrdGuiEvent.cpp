@@ -3,8 +3,10 @@
 
 #include "common/SysCmd.h"
 #include "common/utils.h"
+#include "print/MainUtils.h"
 #include "prndeck/core/DiscPkg.h"
 #include "prndeck/core/PrdDisc.h"
+#include "prndeck/core/PrdQueLine.h"
 #include "prndeck/gui/PrdDiscWeb.h"
 #include "prndeck/gui/PrdGuiBusy.h"
 #include "prndeck/gui/PrdGuiDisplay.h"
@@ -13,6 +15,7 @@
 #include "prndeck/gui/PrdGuiList.h"
 #include "prndeck/gui/PrdGuiPanel.h"
 #include "prndeck/gui/PrdGuiSend.h"
+#include "prndeck/gui/PrdGuiTold.h"
 #include "prndeck/gui/PrdWizard.h"
 
 // The selection goes first: the model of a printer that is still selected would decide what is enabled.
@@ -57,7 +60,10 @@ void WizEventHandler(XmtCallData *data) {
     case WIZ_WEB_ENTRY:
     case WIZ_WEB: OpenWebPage(); break;
     case WIZ_PROFILE: GetProfile(); break;
-    case WIZ_DRIVER: pSystem("./prnpnxxtty -FP &\n"); break;
+    case WIZ_DRIVER:
+        PostTold(GetToolFault(FrontEndProgram));
+        pSystem("./prnpnxxtty -FP &\n");
+        break;
     case WIZ_HELP:
     case WIZ_CONTENTS: ShowManual(); break;
     case WIZ_EXIT: exit_app(0);

@@ -122,10 +122,11 @@ int TestNewName(const std::string &name, int flTest, int question) {
 
 void RunFeatures(const char *ppdFile, const char *queue, int flStored) {
     std::string line = MakeFeatureWindowLine({ppdFile, queue, flStored, BannerPage});
+    std::string fault = GetToolFault(GetFeatureProgram(ppdFile));
     ToldEar ear;
     PutMem(pSettings);
     pSettings = GetCmdResponseStr(CMD_QUIET, nullptr, "%s", line.c_str());
-    PostTold(ear.Text());
+    PostTold(fault.empty() ? ear.Text() : fault);
 }
 
 void DropSettings() {

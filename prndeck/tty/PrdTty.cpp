@@ -83,6 +83,13 @@ void ShowUnwrittenTty(const char *file) {
     ShowToldTty(NlsFmt(text.c_str(), "s", path.c_str()));
 }
 
+// Without a redirection: the front end talks to the user on this terminal.
+void RunFeaturesTty(const std::string &line) {
+    std::string fault = GetToolFault(FrontEndProgram);
+    SysCmd(CMD_QUIET, 1, "%s", line.c_str());
+    ShowToldTty(fault);
+}
+
 void RunQueLineTty(const std::string &line) {
     std::string told;
     int status = RunQueLine(line, &told);

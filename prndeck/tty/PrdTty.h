@@ -158,7 +158,9 @@ int TestHostTty(const char *host);
 void RunQueLineTty(const std::string &line);
 // Shows what prnqtool told, if anything: a terminal waits for a line behind it, input from elsewhere goes on.
 void ShowToldTty(const std::string &told);
-// The same for a work file that can't be written.
+// The front end's dialogue, by its line; tells why it can't be started.
+void RunFeaturesTty(const std::string &line);
+// As ShowToldTty, of a work file that can't be written.
 enum { MSG_UNWRITTEN = 131 };
 void ShowUnwrittenTty(const char *file);
 // The text of an item, empty if it has none.

@@ -192,7 +192,7 @@ int PrintingModelChangeCB(TextMenu *menu, TextMenuItem *) {
 int SetupTty(TextMenu *menu, TextMenuItem *) {
     std::string line =
         MakeFeatureLine(GetModelFile(GetAddModel(menu)), GetItemChoice(menu->items, ADD_BANNER));
-    SysCmd(CMD_QUIET, 1, "%s", line.c_str()); // no redirection: the front end talks to the user here
+    RunFeaturesTty(line);
     return 0;
 }
 

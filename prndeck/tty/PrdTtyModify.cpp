@@ -161,7 +161,7 @@ int SetQueSettingsTty(const char *name) {
 
 int ModifySetupTty(TextMenu *menu, TextMenuItem *) {
     std::string line = MakeFeatureLine(MPS_tty.ppdFile, GetItemChoice(menu->items, MOD_BANNER));
-    SysCmd(CMD_QUIET, 1, "%s", line.c_str()); // no redirection: the front end talks to the user here
+    RunFeaturesTty(line);
     return 0;
 }
 

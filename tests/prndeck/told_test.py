@@ -167,6 +167,12 @@ class Told(unittest.TestCase):
         term.line("2", "to modify: ")
         for line in ("kept", "2"):  # and its features on
             term.line(line, MENU)
+        dialogue = self.path + "/prnpnxxtty"
+        os.rename(dialogue, dialogue + ".away")
+        term.line("4", RETURN)
+        self.assertIn(dialogue + ": No such file or directory", term.output)
+        term.line("", MENU)
+        os.rename(dialogue + ".away", dialogue)
         term.line("4")
         term.wait("Tarvo C410")
         programs = {os.path.basename(exe): pid for pid, exe in self.running()}
