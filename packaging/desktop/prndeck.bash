@@ -47,7 +47,7 @@ _prnpnxxtty() {
     case $3 in
     -GS) _prndeck_models "$2" ;;
     -MS | -d) _prndeck_reply "$(_prndeck_queues)" "$2" ;;
-    *) _prndeck_reply "-tty -GS -MS -FP -SBP -d $(_prndeck_queues)" "$2" ;;
+    *) _prndeck_reply "-tty -GS -MS -FP -SBP -fs -d $(_prndeck_queues)" "$2" ;;
     esac
 }
 

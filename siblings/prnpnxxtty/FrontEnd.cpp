@@ -23,19 +23,20 @@
 struct Arguments {
     std::string ppd;      // of -GS: path, or file name in "ppd"
     std::string queue;    // of -MS, else the one named in passing, or empty
+    std::string target;   // of -fs: path, or file name in the tool directory
     bool flQueue = false; // -MS
     bool flTty = false;
     bool flBanner = false;
     bool flBackground = false; // -FP
 };
 
-static const char SettingsFile[] = "/.settings";
+static const char SettingsName[] = ".settings";
 
 static void PrintUsage(bool flTalks) {
     if (flTalks)
         fprintf(stderr,
-                "usage: %s [-tty] [QUEUE|-dQUEUE] [-SBP] -GS PPDFILE\n       %s [-tty] [-SBP] -MS QUEUE\n"
-                "       %s -FP\n",
+                "usage: %s [-tty] [QUEUE|-dQUEUE] [-SBP] [-fs FILE] -GS PPDFILE\n"
+                "       %s [-tty] [-SBP] [-fs FILE] -MS QUEUE\n       %s -FP\n",
                 my_name, my_name, my_name);
     else
         fprintf(stderr, "usage: %s -GS PPDFILE|-MS QUEUE\n", my_name);
@@ -52,6 +53,12 @@ static std::string ReadSource(int argc, char **argv, int &at, Arguments &argumen
     if (value.empty() || value[0] == '-')
         return "option " + word + (arguments.flQueue ? " needs a queue" : " needs a PPD file");
     (arguments.flQueue ? arguments.queue : arguments.ppd) = value;
+    return "";
+}
+
+static std::string ReadTarget(int argc, char **argv, int &at, Arguments &arguments) {
+    if (at + 1 >= argc || !*argv[at + 1] || argv[at + 1][0] == '-') return "option -fs needs a file";
+    arguments.target = argv[++at];
     return "";
 }
 
@@ -73,8 +80,9 @@ static std::string ReadArguments(int argc, char **argv, bool flTalks, Arguments 
     for (int at = 1; at < argc; at++) {
         std::string word = argv[at];
         bool flSource = word.starts_with("-GS") || word.starts_with("-MS");
-        std::string error =
-            flSource ? ReadSource(argc, argv, at, arguments) : ReadWord(word, flTalks, arguments);
+        std::string error = flSource                   ? ReadSource(argc, argv, at, arguments)
+                            : word == "-fs" && flTalks ? ReadTarget(argc, argv, at, arguments)
+                                                       : ReadWord(word, flTalks, arguments);
         if (!error.empty()) return error;
     }
     if (arguments.flBackground) return "";
@@ -160,7 +168,8 @@ static std::string Store(FeatureTask &task) {
 static std::string OpenTask(const Arguments &arguments, FeatureTask &task) {
     std::string error = FindModel(arguments, task.source, task.settings);
     if (error.empty()) error = ReadPpd(task.source, task.ppd);
-    task.target = std::string(pToolPath) + SettingsFile;
+    task.target = arguments.target.empty() ? SettingsName : arguments.target;
+    if (task.target[0] != '/') task.target = std::string(pToolPath) + "/" + task.target;
     task.flBanner = arguments.flBanner;
     if (arguments.flQueue) task.queue = arguments.queue;
     if (task.ppd.model.empty()) task.ppd.model = FileName(task.source);

@@ -1,7 +1,9 @@
 """The windows of the feature front end, by keys as a user has them: of a model's options, few and many, and of the queues whose
 features are changed. Whatever a PPD file says, nothing but its choices is stored, and only when the user applies."""
 import os
+import re
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -82,8 +84,11 @@ class FrontWindow(unittest.TestCase):
         wait_for(look, title + " to have the keys")
 
     def message(self, picture):
+        """Waits for a message, and measures how wide it is."""
         self.focused(MESSAGE)
-        self.display.keep("front-" + picture, self.display.window(MESSAGE))
+        window = self.display.window(MESSAGE)
+        self.display.keep("front-" + picture, window)
+        return int(re.search(r"Width: (\d+)", self.display.read("xwininfo", "-id", window))[1])
 
     def answer(self, key):
         self.key(key)
@@ -202,7 +207,9 @@ class FrontWindow(unittest.TestCase):
         (self.tool / ".bsettings").write_text(".h1 20 Own title\n")
         for name, words in (("kept", ["-ui", "-fe", "-bp", "-d", "-bps", ".bsettings"]), ("plain", [])):
             self.run_tool(name, "-ppd", "full.ppd", "-pm", "wp", "-hn", "localhost", *words)
-        (self.tool / ".bsettings").write_text(".h1 8 Of another queue\n")
+        others = {".settings": "PageSize=Letter\n", ".bsettings": ".h1 8 Of another queue\n"}
+        for name, text in others.items():
+            (self.tool / name).write_text(text)
         before = self.records()
         window = self.start("-FP", title="Features of queues")
         self.display.keep("front-queues", window)
@@ -226,13 +233,47 @@ class FrontWindow(unittest.TestCase):
         self.answer("Return")
         self.focused("Features of queues")
         self.key("Escape")
-        self.ends(LONG_EDGE, "prnpnxxtty: can't open %s/ppd/full.ppd: No such file or directory\n" % self.tool)
+        self.ends(others[".settings"], "prnpnxxtty: can't open %s/ppd/full.ppd: No such file or directory\n" % self.tool)
+        self.assertEqual((self.tool / ".bsettings").read_text(), others[".bsettings"])
         after = self.records()
         settings = {key: after.pop(key) for key in ("kept **", "plain **")}
         for key in settings:
             before.pop(key, None)
         self.assertEqual(after, before)
         self.assertEqual({value.decode().rstrip("\0") for value in settings.values()}, {LONG_EDGE})
+
+    @unittest.skipIf(os.geteuid(), "queues are root's affair")
+    def test_programs_that_refuse_or_die(self):
+        """Nothing is said to be stored that is not, and no window of features outlives the one that waits for it."""
+        title = "kept: Features of Tarvo 99%s, \\n~"
+        self.run_tool("kept", "-ppd", "full.ppd", "-pm", "wp", "-hn", "localhost", "-fe")
+        kept = (self.tool / "prnqtool").rename(self.tool / "kept")
+        widths, before = {}, self.records()
+        self.start("-FP", title="Features of queues")
+        for name, act in (("stored", lambda: kept.rename(self.tool / "prnqtool")),
+                          ("refused", lambda: (self.tool / "prnqtool").write_text("#!/bin/sh\nexit 1\n")),
+                          ("missing-tool", (self.tool / "prnqtool").unlink)):
+            act()
+            self.key("Return")
+            self.focused(title)
+            self.key(*["shift+Tab"] * 3, "Return")
+            widths[name] = self.message(name)
+            self.answer("Return")
+            self.focused("Features of queues")
+        self.key("Return")
+        self.focused(title)
+        os.kill(int(self.display.read("pgrep", "-P", str(self.program.pid))), signal.SIGKILL)
+        widths["killed"] = self.message("killed")
+        self.answer("Return")
+        self.assertEqual(widths["refused"], widths["killed"])
+        self.assertLess(widths["stored"], widths["refused"])
+        self.assertLess(widths["refused"], widths["missing-tool"])
+        self.assertEqual({**before, "kept **": None}, {**self.records(), "kept **": None})
+        self.focused("Features of queues")
+        self.key("Return")
+        self.focused(title)
+        self.program.kill()
+        self.display.gone(title)
 
     @unittest.skipIf(os.geteuid(), "queues are root's affair")
     def test_from_the_windows(self):
@@ -245,7 +286,13 @@ class FrontWindow(unittest.TestCase):
         self.display.menu(window, 2)
         self.key("a")
         self.focused("Add Queue")
+        (self.tool / "prnpnxxtty").rename(self.tool / "away")
         self.key(*["Tab"] * 9, "Return")
+        self.message("missing")
+        self.answer("Return")
+        self.focused("Add Queue")
+        (self.tool / "away").rename(self.tool / "prnpnxxtty")
+        self.key("Return")
         self.focused("Features of Tarvo Generic")
         self.key(*["shift+Tab"] * 3, "Return")
         self.focused("Add Queue")

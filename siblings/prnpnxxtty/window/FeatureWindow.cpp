@@ -36,6 +36,7 @@ enum { MENU_HEIGHT = 1, LIST_HEIGHT = 4, HEIGHT_MAX = 600 };
 // What the rows may take of the screen, in percent.
 enum { PERCENT = 100, WIDTH_PART = 92, HEIGHT_PART = 74 };
 enum { SCROLL_MARGIN = 10 };
+enum { LIST_ROWS = 6 }; // as in ListDesc
 
 struct FeatureRow {
     PpdOption *option;
@@ -96,6 +97,11 @@ static void MakeMenu(const FeatureRow &row) {
     XmtSetValuePF(row.name.c_str(), row.option->chosen + row.flUnset + 1, 0);
 }
 
+// The row that is lit stands second, near the end of the list as far up as the others leave it.
+static void ShowChosen(Widget list, int chosen, int count) {
+    XmListSetPos(list, std::max(1, std::min(chosen - 1, count - LIST_ROWS + 1)));
+}
+
 // One by one a list takes the square of their number.
 static void MakeList(const FeatureRow &row) {
     MakeObject(ListDesc, row.name, "");
@@ -108,7 +114,7 @@ static void MakeList(const FeatureRow &row) {
     int chosen = row.option->chosen + row.flUnset + 1;
     XtVaSetValues(list, XmNselectionPolicy, XmBROWSE_SELECT, nullptr); // one is lit, by the arrows too
     XmListSelectPos(list, chosen, 0);
-    XmListSetPos(list, std::max(1, chosen - 1));
+    ShowChosen(list, chosen, static_cast<int>(items.size()));
 }
 
 static void MakeGroup(const std::string &text, int number) {
@@ -177,6 +183,9 @@ static void SetSize() {
     width = std::min(width + frame, WidthOfScreen(AppScreen) * WIDTH_PART / PERCENT);
     XtVaSetValues(scroller, XmNwidth, width, XmNheight, std::min(height + frame, most), nullptr);
     XtAddCallback(scroller, XmNtraverseObscuredCallback, ShowFocus, nullptr);
+    // Where the buttons, or the user, make the window wider than the rows.
+    Widget clip = reinterpret_cast<Widget>(XmtGetXmValueW(scroller, XmNclipWindow));
+    XtVaSetValues(clip, XmNbackground, XmtGetXmValue(RowBox, XmNbackground), nullptr);
     XtVaSetValues(bar, XmNtraversalOn, 0, nullptr); // the rows come into sight as the focus goes there
 }
 
@@ -270,6 +279,7 @@ bool ChooseFeatures(FeatureTask &task) {
     RealizeUnseen();
     SetSize();
     ShowRealized();
+    WatchCaller();
     XmtMainEventLoop();
     pWindow = nullptr;
     return window.flStored;

@@ -34,19 +34,45 @@ struct QueueWindow {
     std::string name;               // the queue whose features are being chosen
     FILE *child = nullptr;          // its run of the front end
     XtInputId input = 0;
-    std::string said; // by it: a line if the features were applied
+    std::string said;  // by it: a line if the features were applied
+    std::string files; // directory of the run's own, or empty
     std::unique_ptr<ToldEar> ear;
 };
 
 static QueueWindow *pWindow; // the one that is open, for the callbacks; writer: ChooseQueue
 
+// ---- Files of the change
+
+// Those of the tool directory may belong to a window that adds or modifies another queue meanwhile.
+static std::string MakeFiles() {
+    char path[] = "/tmp/prnfeatures.XXXXXX";
+    if (!mkdtemp(path)) return std::string("can't make ") + path + ": " + strerror(errno);
+    pWindow->files = path;
+    return "";
+}
+
+static std::string OwnFile(const char *name) {
+    return pWindow->files + "/" + name;
+}
+
+static void DropFiles() {
+    for (const char *name : {SettingsFile, BannerFile}) unlink(OwnFile(name).c_str());
+    rmdir(pWindow->files.c_str());
+    pWindow->files.clear();
+}
+
 // ---- The change
 
-// The queue tool would give a queue without titles those of the system.
-static std::string PutBanner(const Queue &queue) {
-    std::string path = std::string(pToolPath) + "/" + BannerFile;
-    if (!queue.banner.empty()) return ReplaceFile(path, queue.banner, 0644);
-    return unlink(path.c_str()) && errno != ENOENT ? "can't remove " + path + ": " + strerror(errno) : "";
+// The status of a command line that is run with its output thrown away tells nothing of the program's own.
+static bool RunModify(const std::string &line, std::string &told) {
+    told = GetQueToolFault();
+    if (!told.empty()) return false;
+    ToldEar ear;
+    ResponseNode *done =
+        GetCmdResponse(CMD_QUIET, nullptr, "%s 1>/dev/null 2>/dev/null && echo done", line.c_str());
+    told = ear.Text();
+    FreeResponseList(done);
+    return done != nullptr;
 }
 
 // What the queue tool is not told to keep it switches off.
@@ -54,20 +80,28 @@ static std::string ModifyQueue(const std::string &name) {
     Queue queue;
     std::string error = RecordsOpen(), told;
     if (error.empty() && !RecordsRead(name, queue)) error = FillText(WINDOW_NO_QUEUE, name);
-    if (error.empty()) error = PutBanner(queue);
+    std::string banner = queue.banner.empty() ? "" : OwnFile(BannerFile);
+    if (error.empty() && !banner.empty()) error = ReplaceFile(banner, queue.banner, 0644);
     if (!error.empty()) return error;
     QueOptions options = {queue.flFeatures, queue.flBanner, queue.flUserInterface, RecordsDefault() == name};
-    int status = RunQueLine(MakeModifyLine(name.c_str(), options, 0), &told);
-    std::string done = FillText(status ? WINDOW_NOT_STORED : WINDOW_STORED, name);
+    std::string line = MakeModifyLineOf(name.c_str(), options, OwnFile(SettingsFile), banner);
+    bool flStored = RunModify(line, told);
+    std::string done = FillText(flStored ? WINDOW_STORED : WINDOW_NOT_STORED, name);
     return told.empty() ? done : told + "\n\n" + done;
 }
 
 // ---- The run that asks
 
+// A run that was killed, or couldn't be started, told nothing.
+static std::string TakeTold(int status) {
+    std::string told = pWindow->ear->Text();
+    return status && told.empty() ? FillText(WINDOW_NOT_STORED, pWindow->name) : told;
+}
+
 static void EndChild() {
     XtRemoveInput(pWindow->input);
     int status = pclose(pWindow->child);
-    std::string told = pWindow->ear->Text();
+    std::string told = TakeTold(status);
     pWindow->child = nullptr;
     pWindow->ear.reset();
     PostNote(told);
@@ -75,6 +109,7 @@ static void EndChild() {
         BusyCursor busy("qfw");
         PostNote(ModifyQueue(pWindow->name));
     }
+    DropFiles();
     XmtEnable(Controls);
     XmtSetFocus(QueueList);
     XmtShowWaitingMsg(); // the main loop shows messages behind an event, and this is none
@@ -91,14 +126,21 @@ static void StartChild(const std::string &name) {
     Queue queue;
     std::string error = RecordsOpen();
     if (error.empty() && !RecordsRead(name, queue)) error = FillText(WINDOW_NO_QUEUE, name);
+    if (error.empty()) error = GetToolFault(FrontEndProgram);
+    if (error.empty()) error = MakeFiles();
     if (!error.empty()) return PostNote(error);
-    std::string line = "exec " + ShArg(std::string(pToolPath) + "/prnpnxxtty") +
-                       (queue.flBanner ? " -SBP" : "") + " -MS" + ShArg(name);
+    std::string line = "exec " + ShArg(std::string(pToolPath) + "/" + FrontEndProgram) +
+                       (queue.flBanner ? " -SBP" : "") + " -fs " + OwnFile(SettingsFile) + " -MS" +
+                       ShArg(name);
     pWindow->name = name;
     pWindow->said.clear();
     pWindow->ear = std::make_unique<ToldEar>();
     pWindow->child = popen(line.c_str(), "re");
-    if (!pWindow->child) return pWindow->ear.reset(), PostNote(strerror(errno));
+    if (!pWindow->child) {
+        PostNote(strerror(errno));
+        pWindow->ear.reset();
+        return DropFiles();
+    }
     XmtDisable(Controls);
     pWindow->input = XtAppAddInput(AppContext, fileno(pWindow->child),
                                    reinterpret_cast<XtPointer>(XtInputReadMask), ReadChild, nullptr);

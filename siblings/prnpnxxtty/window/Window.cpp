@@ -13,6 +13,7 @@
 #include "siblings/prnpnxxtty/Shown.h"
 #include "siblings/prnpnxxtty/window/WindowDesc.h"
 #include "xmt/XmtDisplay.h"
+#include "xmt/XmtEvent.h"
 #include "xmt/XmtHelp.h"
 #include "xmt/XmtMsg.h"
 #include "xmt/XmtNew.h"
@@ -20,6 +21,7 @@
 #include "xmt/XmtUtils.h"
 
 #include <Xm/Protocols.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 const FrontWindow FrontWindows[FRONT_WINDOWS] = {
@@ -61,6 +63,20 @@ void FinishWindow(const FrontWindow &window) {
     XtAddCallback(AppWin, XmNhelpCallback, PressButton, const_cast<char *>(window.help));
     XmtSetPostMsgHelpWidget(window.help);
     XmtSetDialogButtons(window.name, nullptr, window.cancel);
+}
+
+static void LeaveCaller(XtPointer, int *, XtInputId *input) {
+    XtRemoveInput(*input);
+    flExitMainLoop = 1;
+    XmtWakeMainLoop();
+}
+
+// A pipe to write to has nothing to read, only its end to tell.
+void WatchCaller() {
+    struct stat status;
+    if (fstat(STDOUT_FILENO, &status) || !S_ISFIFO(status.st_mode)) return;
+    XtAppAddInput(AppContext, STDOUT_FILENO, reinterpret_cast<XtPointer>(XtInputReadMask), LeaveCaller,
+                  nullptr);
 }
 
 void ShowFeatureHelp() {

@@ -20,6 +20,9 @@ extern const FrontWindow FrontWindows[FRONT_WINDOWS];
 
 // Makes the program's main window.
 void MakeWindow(const FrontWindow &window, XmtHandler handler);
+// Leaves the main loop when nobody reads standard output any more: the program that waits for the answer is
+// gone.
+void WatchCaller();
 // Sets keys and buttons, when the window holds all it should. Return presses the button that has the focus
 // alone.
 void FinishWindow(const FrontWindow &window);
