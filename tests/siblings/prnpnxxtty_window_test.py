@@ -88,6 +88,9 @@ class FrontWindow(unittest.TestCase):
         self.focused(MESSAGE)
         window = self.display.window(MESSAGE)
         self.display.keep("front-" + picture, window)
+        return self.width(window)
+
+    def width(self, window):
         return int(re.search(r"Width: (\d+)", self.display.read("xwininfo", "-id", window))[1])
 
     def answer(self, key):
@@ -147,6 +150,17 @@ class FrontWindow(unittest.TestCase):
         self.key("Tab", "Return")
         chosen = {1: 4, 2: 2, 79: 0}
         self.ends("".join("O%d=C%d\n" % (n, chosen.get(n, 1)) for n in range(80)))
+
+    def test_a_list_is_as_wide_as_its_choices(self):
+        widths = []
+        for text in ("/Choice 3:", "/" + "wide " * 8 + ":"):
+            self.ppd("list.ppd", many(1, lambda n: 300).replace("/Choice 3:", text))
+            window = self.start("-GSlist.ppd", title="Features of Many")
+            self.display.keep("front-wide", window)
+            widths.append(self.width(window))
+            self.key("End", "Escape")
+            self.ends()
+        self.assertGreater(widths[1], widths[0] + 100)
 
     def test_more_than_a_window_holds(self):
         for count, choices, fits in ((600, 2, True), (150, 20, True), (560, 20, False), (9999, 2, False)):

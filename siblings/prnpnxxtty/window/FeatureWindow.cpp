@@ -24,7 +24,7 @@
 // The rows. The first "%s" is the object's name, the second one an item for each choice.
 static const char GroupDesc[] = "l %s l( ) .21 c(bg white,fg navyblue) bo(0);\n";
 static const char ChoiceDesc[] = "bl %s l( ) .22 .0 L(%s) <1 bo(0) h> <2 .21> <3 .22>;\n";
-static const char ListDesc[] = "Bl %s l( ) .22 .0 V(6) L(-) <1 bo(0) h> <2 .21>;\n";
+static const char ListDesc[] = "Bl %s l( ) .22 .0 V(6) L(%s) <1 bo(0) h> <2 .21>;\n";
 static const char RowBox[] = "feb";
 static const char Scroller[] = "fes";
 
@@ -102,13 +102,21 @@ static void ShowChosen(Widget list, int chosen, int count) {
     XmListSetPos(list, std::max(1, std::min(chosen - 1, count - LIST_ROWS + 1)));
 }
 
+// A list keeps the width that it is made with: an item of wide letters stands for the longest text.
+static std::string WidestItem(const std::vector<std::string> &texts) {
+    size_t longest = 0;
+    for (const std::string &text : texts) longest = std::max(longest, text.size());
+    return std::string(longest, 'm');
+}
+
 // One by one a list takes the square of their number.
 static void MakeList(const FeatureRow &row) {
-    MakeObject(ListDesc, row.name, "");
+    std::vector<std::string> texts = ChoiceTexts(row);
+    MakeObject(ListDesc, row.name, WidestItem(texts));
     Widget list = XmtGetWidget(row.name.c_str());
     std::vector<XmString> items;
-    for (std::string &text : ChoiceTexts(row)) items.push_back(XmStringCreateLocalized(text.data()));
-    XmtDeleteAllListItems(row.name.c_str()); // a text makes no list without an item
+    for (std::string &text : texts) items.push_back(XmStringCreateLocalized(text.data()));
+    XmtDeleteAllListItems(row.name.c_str());
     XmListAddItemsUnselected(list, items.data(), static_cast<int>(items.size()), 1);
     for (XmString item : items) XmStringFree(item);
     int chosen = row.option->chosen + row.flUnset + 1;
