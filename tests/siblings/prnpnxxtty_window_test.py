@@ -163,8 +163,10 @@ class FrontWindow(unittest.TestCase):
         self.assertGreater(widths[1], widths[0] + 100)
 
     def test_more_than_a_window_holds(self):
-        for count, choices, fits in ((600, 2, True), (150, 20, True), (560, 20, False), (9999, 2, False)):
-            self.ppd("huge.ppd", many(count, lambda n: choices))
+        group = r"*OpenGroup: G\1/Group \1\n\g<0>"
+        for count, choices, fits, before in ((600, 2, True, ""), (150, 20, True, ""), (560, 20, False, ""), (9999, 2, False, ""),
+                                             (590, 2, False, group)):
+            self.ppd("huge.ppd", re.sub(r"\*OpenUI \*O(\d+)", before or r"\g<0>", many(count, lambda n: choices)))
             window = self.start("-GShuge.ppd", title="Features of Many")
             self.display.keep("front-%d" % count, window)
             self.key(*["shift+Tab"] * 3 * fits, "Return")  # Apply, or what is left of the buttons

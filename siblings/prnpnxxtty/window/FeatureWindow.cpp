@@ -69,9 +69,16 @@ static void CollectRows(FeatureWindow &window) {
     for (FeatureRow &row : window.rows) row.flList = true;
 }
 
+static bool BeginsGroup(const FeatureWindow &window, size_t i) {
+    const std::string &group = window.rows[i].option->group;
+    return i == 0 ? !group.empty() : group != window.rows[i - 1].option->group;
+}
+
+// The name of a group counts as a menu.
 static int SumHeights(const FeatureWindow &window) {
     int height = 0;
-    for (const FeatureRow &row : window.rows) height += row.flList ? LIST_HEIGHT : MENU_HEIGHT;
+    for (size_t i = 0; i < window.rows.size(); i++)
+        height += (window.rows[i].flList ? LIST_HEIGHT : MENU_HEIGHT) + BeginsGroup(window, i) * MENU_HEIGHT;
     return height;
 }
 
@@ -134,12 +141,11 @@ static void MakeGroup(const std::string &text, int number) {
 
 // In the order of the file, with the name of its group above the first of each run.
 static void MakeRows(const FeatureWindow &window) {
-    const std::string *group = nullptr;
     int number = 0;
-    for (const FeatureRow &row : window.rows) {
-        const std::string &own = row.option->group;
-        if (!group || *group != own) MakeGroup(CleanText(own, WindowLook.label, WindowLook), ++number);
-        group = &own;
+    for (size_t i = 0; i < window.rows.size(); i++) {
+        const FeatureRow &row = window.rows[i];
+        if (BeginsGroup(window, i))
+            MakeGroup(CleanText(row.option->group, WindowLook.label, WindowLook), ++number);
         if (row.flList)
             MakeList(row);
         else
