@@ -30,6 +30,7 @@ TEST(MenuEntry, Accepts) {
         {"d(0,255)", "255"},
         {"d(0,255).d(0,2)|x", "1"}, // a number in range skips the rest up to the bar
         {"x(16,255)", "fF"},        // bounds decimal
+        {"x(5,0)", "1"},
         {"f(0.5,2.5)", "2.50"},
         {"tno)", "yes"},              // without a parenthesis t forbids
         {"!(no)&d(1,2)", "x"},        // accepts without a look behind &

@@ -103,6 +103,47 @@ TEST(Screen, Buffer) {
     }
 }
 
+// ---- The framed box
+
+static void DrawBox(int x, int y, int width, int height, const char *text, int flWait) {
+    ScreenRec screen = {20, 6, 3, 2, x, y, width, height, nullptr};
+    Overlay(&screen, text, flWait);
+}
+
+TEST(Screen, BoxOnATerminal) {
+    const struct {
+        const char *name;
+        void (*draw)();
+        const char *want; // escape characters as '^'
+    } cases[] = {
+        {"in the middle", [] { DrawBox(2, 2, 4, 0, "ab\ncdefgh", 0); },
+         "^[2;3H********\r\n^[3;3H* ab   *^[4;3H* cdef *^[5;3H* gh   *^[6;3H********^[2;4H$"},
+        {"at the top, rows limited", [] { DrawBox(0, 1, 3, 1, "abc\nd", 0); },
+         "^[1;1H*******\r\n^[2;1H* abc *^[3;1H*******^[2;4H$"},
+        {"over the edges", [] { DrawBox(-5, 5, 16, 0, "a\nb\nc", 0); },
+         "^[5;1H********************\r\n^[6;1H* a                *^[2;4H$"},
+        {"on the last row", [] { DrawBox(0, 6, 3, 0, "abc", 0); }, "^[6;1H*******^[2;4H$"},
+        {"right of it", [] { DrawBox(20, 1, 3, 0, nullptr, 0); }, "^[2;4H$"},
+        {"waits", [] { DrawBox(0, 1, 11, 0, nullptr, 1); },
+         "^[1;1H***************\r\n^[2;1H*             *^[3;1H* Press enter "
+         "*^[4;1H***************^[3;15H\r\n^[2;4H$"},
+    };
+    for (const auto &c : cases) {
+        Pty pty([&c] {
+            c.draw();
+            printf("$");
+        });
+        if (strstr(c.want, "Press") && pty.Expect("\033[3;15H")) pty.Send("\n");
+        EXPECT_TRUE(pty.Expect("$")) << c.name;
+        std::string got = pty.said;
+        for (char &ch : got) ch = ch == '\033' ? '^' : ch;
+        EXPECT_EQ(got, c.want) << c.name;
+        EXPECT_EQ(pty.Wait(), 0);
+    }
+    ChildEnd end = RunForked([] { DrawBox(2, 2, 3, 0, "abc", 0); });
+    EXPECT_EQ(end.out, "*******\n* abc *\n*******\n") << "without a cursor";
+}
+
 // ---- Pick lists
 
 // A menu of one pick item with so many choices "_choice N"; the third is hidden.
@@ -155,6 +196,24 @@ TEST(PickList, Loop) {
         EXPECT_EQ(end.err, std::to_string(c.want) + " " + std::to_string(c.calls)) << c.name;
         EXPECT_EQ(pages, c.pages) << c.name;
     }
+    ChildEnd page = RunForked(
+        [] {
+            setenv("COLUMNS", "36", 1);
+            setenv("LINES", "9", 1);
+            PickMenu pick(8);
+            pick.items[0].value.i = 3;
+            ProcessStateValue(&pick.menu, 0, nullptr);
+        },
+        "c");
+    std::string want;
+    for (std::string row : {"             The Title", "", "     1) choice 1   ->  4) choice 4",
+                            "     2) choice 2       5) choice 5", "        choice 3       6) choice 6", "",
+                            "s Save selection  c Cancel", "Current selection: choice 4", "Option:"}) {
+        row.resize(36, ' ');
+        want += row;
+    }
+    want.pop_back(); // a character there would scroll the screen
+    EXPECT_EQ(page.out, want);
     ChildEnd end = RunForked([] {
         setenv("COLUMNS", "30", 1);
         setenv("LINES", "6", 1);
