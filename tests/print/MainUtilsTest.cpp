@@ -63,6 +63,7 @@ TEST(SetConfigFlags, WordsOfTheMarkerFile) {
         {";CUPS\n", CFG_CUPS},
         {"\nCUPS\nNoDb\n", CFG_CUPS | CFG_NO_DB},
         {";BSD;LPRng;", CFG_LPRNG},
+        {";AIX;NoDb", CFG_AIX | CFG_NO_DB},
         {";Direct;NoDb;other", CFG_V5 | CFG_DIRECT | CFG_NO_DB},
         {"CUPS", CFG_V5},                           // its first letter is the delimiter
         {std::string(5000, ';') + "CUPS", CFG_V5}}; // read up to 4095 bytes
