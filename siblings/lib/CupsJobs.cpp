@@ -112,10 +112,15 @@ bool IsQueueOf(const Words &queues, const CupsJob &job) {
 
 // ---- Stubs
 
-static SpoolJob StubOf(const CupsJob &job) {
+std::string CupsJobName(long number) {
     char name[24];
-    snprintf(name, sizeof name, "%05ld", job.number);
-    return {name, std::string("c") + name, std::string("d") + name};
+    snprintf(name, sizeof name, "%05ld", number);
+    return name;
+}
+
+static SpoolJob StubOf(const CupsJob &job) {
+    std::string name = CupsJobName(job.number);
+    return {name, "c" + name, "d" + name};
 }
 
 // A sparse file: nothing but a size.

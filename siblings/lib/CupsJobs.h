@@ -14,6 +14,8 @@ struct CupsJob {
     long long size = 0; // bytes, rounded up by the scheduler
 };
 
+std::string CupsJobName(long number); // as lists show it and prnrm takes it: five digits or more
+
 // All jobs that aren't printed yet, oldest first.
 std::string CupsJobs(std::vector<CupsJob> &jobs);
 

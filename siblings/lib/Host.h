@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-enum Place {
+enum Place {       // ORDER Place
     PLACE_NONE,    // the host answered, and doesn't know the queue
     PLACE_FILE,    // the tool's own store
     PLACE_CUPS,    // the host's scheduler

@@ -95,6 +95,8 @@ inline constexpr Sentence SayJobUnknown = {69, "job \"%s\" doesn't wait for queu
 inline constexpr Sentence SayJobsUnknown = {70, "not all jobs were there to be removed"};
 inline constexpr Sentence SayRecordLost = {71,
                                            "the record of queue \"%s\" is missing or damaged; add it anew"};
+inline constexpr Sentence SayQueueHeads = {72, "Queue,Model,Type,Printer,Remote,Options,Store,Jobs"};
+inline constexpr Sentence SayJobHeads = {73, "Queue,Job,User,Bytes,Title"};
 
 // The sentence in the user's language, a printf format; the English text where there is none. errno stays as
 // it is. Uses: pToolPath.

@@ -9,6 +9,7 @@
 #include "siblings/lib/Records.h"
 #include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
+#include "siblings/prnout/JobTable.h"
 #include "siblings/prnout/Sender.h"
 
 #include <cerrno>
@@ -22,12 +23,14 @@
 #include <unistd.h>
 
 static const char UsageText[] = "usage: prnout [-d QUEUE] [-DL] [-oNoUi] FILE  send a file to a queue\n"
+                                "       prnout -l [-d QUEUE] [--json]  list the jobs that wait\n"
                                 "       prnout -send DIRECTORY | -watch DIRECTORY\n"
                                 "       prnout --help | --version\n"
                                 "\n"
                                 "  -d QUEUE  the queue; without it the default queue\n"
                                 "  -DL       download: every byte as it is, without banner page or filter\n"
                                 "  -oNoUi    ask nothing (nothing is ever asked)\n"
+                                "  -l        a table, with names that prnrm takes; --json: for programs\n"
                                 "  -send     print the jobs that wait in a spool directory\n"
                                 "  -watch    keep the list of a spool directory true while jobs wait\n";
 
@@ -36,6 +39,7 @@ static const char Self[] = "/proc/self/exe"; // also where a newer one has been 
 struct Words {
     std::string queue, file;
     bool flRaw = false, flQueue = false, flHelp = false, flVersion = false;
+    bool flList = false, flJson = false;
 };
 
 // ---- Command line
@@ -49,6 +53,8 @@ static std::string ReadOption(const std::vector<std::string> &all, size_t &at, W
     const std::string &word = all[at];
     if (word == "--help" || word == "--version")
         (word == "--help" ? words.flHelp : words.flVersion) = true;
+    else if (word == "-l" || word == "--json")
+        (word == "-l" ? words.flList : words.flJson) = true;
     else if (word == "-DL")
         words.flRaw = true;
     else if (word == "-oNoUi" || (word == "-o" && at + 1 < all.size() && all[at + 1] == "NoUi"))
@@ -77,7 +83,11 @@ static std::string ReadWords(const std::vector<std::string> &all, Words &words) 
             words.file = all[at];
         if (!error.empty()) return error;
     }
-    return words.flHelp || words.flVersion || !words.file.empty() ? "" : "no file is told; see prnout --help";
+    if (words.flList && (words.flRaw || files)) return "-l takes no file";
+    if (words.flJson && !words.flList) return "--json belongs to -l";
+    if (words.flList && words.flQueue && words.queue.empty()) return "-d needs a queue";
+    bool flWhole = words.flHelp || words.flVersion || words.flList || !words.file.empty();
+    return flWhole ? "" : "no file is told; see prnout --help";
 }
 
 // ---- The file
@@ -212,6 +222,12 @@ static int Detached(const char *argv0, const std::string &mode, const std::strin
     return Complain(mode == "-send" ? RunSender(directory) : RunWatcher(directory));
 }
 
+static int List(const char *argv0, const Words &words) {
+    if (!EnterToolDirectory(argv0)) return 1;
+    LimitRun();
+    return Complain(PrintJobs(words.queue, words.flJson));
+}
+
 int main(int argc, char **argv) {
     Words words;
     int file = -1;
@@ -223,6 +239,7 @@ int main(int argc, char **argv) {
     if (!error.empty()) return Complain(error);
     if (words.flHelp) return fputs(UsageText, stdout) < 0;
     if (words.flVersion) return printf("prnout %s\n", ToolVersion) < 0;
+    if (words.flList) return List(argv[0], words);
     std::string path = PathOf(words.file);
     error = OpenFile(path, file);
     if (!error.empty()) return Complain(error);

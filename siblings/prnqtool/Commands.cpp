@@ -13,6 +13,7 @@
 #include "siblings/lib/Spool.h"
 #include "siblings/prnqtool/Banners.h"
 #include "siblings/prnqtool/JobNotes.h"
+#include "siblings/prnqtool/List.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -518,6 +519,8 @@ int RunCommand(const Options &options) {
     case COMMAND_SET_BANNER: return Tell(SetBanner(options));
     case COMMAND_CLEAR_BANNER: return Tell(SetSystemBanner(""));
     case COMMAND_LIST: return Tell(ListQueues());
+    case COMMAND_TABLE: return Tell(ListTable());
+    case COMMAND_JSON: return Tell(ListJson());
     case COMMAND_HELP:
     case COMMAND_VERSION:
     case COMMAND_COUNT: break;

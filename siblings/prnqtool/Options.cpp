@@ -12,6 +12,7 @@ const char UsageText[] =
     "       prnqtool -x all                              remove all queues\n"
     "       prnqtool -dbps FILE | -xdbps                 set or clear the default banner titles\n"
     "       prnqtool -LQ                                 list the host's queues\n"
+    "       prnqtool --list | --json                     the same with all values, for people or programs\n"
     "       prnqtool --help | --version\n"
     "\n"
     "  -pm MODEL   wp: workstation to printer, wps: to a print server, psp: print server to printer\n"
@@ -68,6 +69,8 @@ static constexpr CommandRow CommandTable[] = {
     {"-dbps", COMMAND_SET_BANNER, &Options::banner, false},
     {"-xdbps", COMMAND_CLEAR_BANNER, nullptr, false},
     {"-LQ", COMMAND_LIST, nullptr, false},
+    {"--list", COMMAND_TABLE, nullptr, false},
+    {"--json", COMMAND_JSON, nullptr, false},
     {"--help", COMMAND_HELP, nullptr, false},
     {"--version", COMMAND_VERSION, nullptr, false},
 };

@@ -19,8 +19,8 @@ static const char UsageText[] =
     "       prnrm QUEUE -        remove all of them\n"
     "       prnrm --help | --version\n"
     "\n"
-    "  JOB  as the list of jobs shows it: a number of the host's scheduler, \"A\" and a number of the\n"
-    "       tool's own store\n";
+    "  JOB  as \"prnout -l\" shows it: a number of the host's scheduler, \"A\" and a number of the tool's\n"
+    "       own store; also the file's name in \".q\", or QUEUE-NUMBER\n";
 
 using Names = std::vector<std::string>;
 
@@ -77,6 +77,17 @@ static std::string FindJobs(Removal &removal) {
 
 // ---- Removal
 
+// A job's name, or that of its control file, as ".q" has it.
+static bool IsNameOf(const std::string &name, const std::string &job) {
+    return name == job || (name.starts_with('c') && name.substr(1) == job);
+}
+
+static bool IsNameOf(const std::string &name, const CupsJob &job) {
+    std::string number = name.starts_with('c') ? name.substr(1) : name;
+    return name == job.queue + "-" + std::to_string(job.number) ||
+           (IsHostJob(number) && atol(number.c_str()) == job.number);
+}
+
 // Keeps the jobs that are named, and answers the names that fit none.
 static Names Choose(Removal &removal, const Names &names) {
     std::vector<CupsJob> cupsJobs;
@@ -85,9 +96,9 @@ static Names Choose(Removal &removal, const Names &names) {
     for (const std::string &name : names) {
         size_t before = cupsJobs.size() + spoolJobs.size();
         for (const CupsJob &job : removal.cupsJobs)
-            if (IsHostJob(name) && atol(name.c_str()) == job.number) cupsJobs.push_back(job);
+            if (IsNameOf(name, job)) cupsJobs.push_back(job);
         for (const SpoolJob &job : removal.spoolJobs)
-            if (name == job.name) spoolJobs.push_back(job);
+            if (IsNameOf(name, job.name)) spoolJobs.push_back(job);
         if (before == cupsJobs.size() + spoolJobs.size()) missing.push_back(name);
     }
     removal.cupsJobs = cupsJobs;

@@ -28,7 +28,7 @@ TITLES = ".h1 20 Dept (A) \\ 100%\n.h3 12 \u00e4\n"
 # File names that a shell, a protocol, PostScript or a terminal would read as more than a name.
 HOSTILE_FILES = ["a b;touch hit", "$(touch hit)`touch hit`", "-oNoUi", "it's \"(\\) %s%n", "a\nQ other\nR", "\u00e4\u20ac", b"\xe4\xff",
                  "x" * 200]
-HOSTILE_JOBS = ["", "../x", "/etc/passwd", "a/b", ".q", ".", "-x", "A1;touch hit", "a b", "A00001\n", "9" * 30, "-1", "cA00001"]
+HOSTILE_JOBS = ["", "../x", "/etc/passwd", "a/b", ".q", ".", "-x", "A1;touch hit", "a b", "A00001\n", "9" * 30, "-1", "dA00001"]
 
 # What is wrong with prnout's line, and words of the answer.
 REFUSED = [
