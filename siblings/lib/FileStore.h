@@ -20,6 +20,9 @@ std::string FileStoreCheck(const Queue &queue);
 std::string FileStoreSpool(const Queue &queue);
 void FileStorePut(const Queue &queue); // adds the queue or changes its line in place
 void FileStoreDelete(const std::string &name);
+// Edits behind the last mark can be taken back; FileStoreOpen sets the first one.
+void FileStoreMark();
+void FileStoreRevert();
 
 // Both do nothing if no line changed since FileStoreOpen.
 std::string FileStorePrepare();

@@ -4,27 +4,36 @@
 #include "common/DbmT.h"
 #include "print/QueFormat.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/RecordTable.h"
 
-#include <algorithm>
+#include <map>
+#include <set>
 #include <sys/stat.h>
 
 static const char Database[] = "db/que.xdb"; // the tool directory is the current one
 
-static DbTHandle *Handle;
-static bool flLost; // an edit found no memory
-
-// A walk to the end cuts a damaged image; what lies behind the damage would be lost with the next write.
-static bool IsDamaged(size_t fileSize) {
-    DbTWalk walked;
-    for (int index = 0; WalkDbTRecords(Handle, &walked, index); index++) {
-    }
-    return Handle->size != fileSize;
-}
+static RecordTable Table;
+static std::set<std::string> Recount; // printers whose count records are out of date
+static bool flLost;                   // an edit was too large for a record
 
 std::string RecordsLock(int seconds) {
     static const DbmLock *lock;
     if (!lock) lock = new DbmLock(QueDb, seconds); // ends with the process
     return lock->Fault();
+}
+
+// A walk to the end cuts a damaged image; what lies behind the damage would be lost with the next write.
+static std::string LoadTable(DbTHandle *handle, size_t fileSize) {
+    if (handle->type == DBT_HEADER) return std::string(Database) + " is no queue database";
+    if (handle->type == DBT_NONE) return fileSize ? std::string("can't read ") + Database : "";
+    DbTWalk walked;
+    for (int index = 0; WalkDbTRecords(handle, &walked, index); index++) {
+        bool flWhole = walked.K > 0 && walked.key[walked.K - 1] == '\0';
+        size_t dataSize = walked.L - walked.K - 2u;
+        Table.Load({walked.key, walked.K - (flWhole ? 1u : 0u)}, {walked.key + walked.K, dataSize}, flWhole);
+    }
+    if (handle->size == fileSize) return "";
+    return std::string(Database) + " is damaged; move it away and add the queues again";
 }
 
 std::string RecordsOpen() {
@@ -34,26 +43,18 @@ std::string RecordsOpen() {
     if (flThere && status.st_size > DBM_FILE_MAX)
         return std::string(Database) + " is larger than a queue database can be";
     flLost = false;
-    if (Handle) DbTClose(Handle);
-    Handle = DbTOpen(QueDb, DBT_NO_RELOAD | DBT_NO_WRITE);
-    if (!Handle) return "out of memory";
-    if (Handle->type == DBT_HEADER) return std::string(Database) + " is no queue database";
-    if (Handle->type == DBT_NONE) {
-        if (flThere && status.st_size) return std::string("can't read ") + Database;
-        // A fresh handle holds room for a header; the queue database has none.
-        DbTSetDbType(Handle, DBT_HEADERLESS);
-        Handle->size = 0;
-        return "";
-    }
-    return IsDamaged(static_cast<size_t>(status.st_size))
-               ? std::string(Database) + " is damaged; move it away and add the queues again"
-               : "";
+    Table.Clear();
+    Recount.clear();
+    DbTHandle *handle = DbTOpen(QueDb, DBT_NO_RELOAD | DBT_NO_WRITE);
+    if (!handle) return "out of memory";
+    std::string error = LoadTable(handle, flThere ? static_cast<size_t>(status.st_size) : 0);
+    DbTClose(handle);
+    return error;
 }
 
 static std::string GetRecord(const std::string &key) {
-    static char buffer[DBM_BUFFER];
-    int size = DbmTGetRecord(Handle, key.c_str(), buffer, sizeof buffer);
-    return std::string(buffer, size > 0 ? static_cast<size_t>(size) : 0);
+    const std::string *data = Table.Find(key);
+    return data ? *data : "";
 }
 
 static std::string GetText(const std::string &key) {
@@ -64,8 +65,8 @@ static std::string GetText(const std::string &key) {
 // An empty value stands for no record: a record without data reads as absent anyway.
 static void SetRecord(const std::string &key, const std::string &value) {
     if (value.empty())
-        DbmTDeleteRecord(Handle, key.c_str());
-    else if (!DbmTPutRecord(Handle, key.c_str(), value.data(), value.size()))
+        Table.Delete(key);
+    else if (!Table.Put(key, value))
         flLost = true;
 }
 
@@ -97,15 +98,14 @@ bool RecordsRead(const std::string &name, Queue &queue) {
     return true;
 }
 
-static bool IsQueueKey(const DbTWalk &walked) {
-    return walked.K > 1 && IsQueKey(std::string_view(walked.key, walked.K - 1u));
+static bool IsQueue(const RecordTable::Record &record) {
+    return record.flThere && record.flWhole && IsQueKey(record.key);
 }
 
 std::vector<std::string> RecordsQueues() {
     std::vector<std::string> names;
-    DbTWalk walked;
-    for (int index = 0; WalkDbTRecords(Handle, &walked, index); index++)
-        if (IsQueueKey(walked)) names.emplace_back(walked.key, walked.K - 1u);
+    for (const RecordTable::Record &record : Table.Records())
+        if (IsQueue(record)) names.push_back(record.key);
     return names;
 }
 
@@ -118,24 +118,28 @@ std::string RecordsBanner() {
 }
 
 // The count record tells how many queues a printer has, and by which host and name the last of them reaches
-// it.
-static void CountQueues(const std::string &printer) {
-    int32_t count = 0;
-    std::string words;
-    DbTWalk walked;
-    for (int index = 0; WalkDbTRecords(Handle, &walked, index); index++) {
-        if (!IsQueueKey(walked)) continue;
-        std::string_view record(walked.key + walked.K, walked.L - walked.K - 2u);
-        // A removal of many queues walks over all records for each of them: only the printer's own are split.
-        if (record.find(" " + printer + " ") == record.npos) continue;
-        QueFields fields = ReadQueFields(record);
-        if (fields.printer != printer) continue;
-        words = printer + " " + fields.remote;
-        count++;
+// it. They are made once, as the change is written: many queues may have changed by then.
+static void CountQueues() {
+    struct Count {
+        int32_t count = 0;
+        std::string remote;
+    };
+    static_assert(sizeof(Count::count) == QUE_COUNT_FIELD);
+    std::map<std::string, Count> counts;
+    if (Recount.empty()) return;
+    for (const RecordTable::Record &record : Table.Records()) {
+        if (!IsQueue(record)) continue;
+        QueFields fields = ReadQueFields(record.data.substr(0, record.data.find('\0')));
+        Count &count = counts[fields.printer];
+        count.count++;
+        count.remote = fields.remote;
     }
-    static_assert(sizeof count == QUE_COUNT_FIELD);
-    std::string record(reinterpret_cast<const char *>(&count), sizeof count);
-    SetRecord(QueCountKey(printer), count ? record + words + '\0' : "");
+    for (const std::string &printer : Recount) {
+        const Count &count = counts[printer];
+        std::string record(reinterpret_cast<const char *>(&count.count), sizeof count.count);
+        SetRecord(QueCountKey(printer), count.count ? record + printer + " " + count.remote + '\0' : "");
+    }
+    Recount.clear();
 }
 
 static std::string MainRecord(const Queue &queue) {
@@ -157,8 +161,8 @@ void RecordsPut(const Queue &queue) {
     SetRecord(queue.name, MainRecord(queue));
     SetRecord(QueSettingsKey(queue.name), queue.settings);
     SetRecord(QueOwnBannerKey(queue.name), WithNul(queue.banner));
-    if (flOld && old.printer != queue.printer) CountQueues(old.printer);
-    CountQueues(queue.printer);
+    if (flOld) Recount.insert(old.printer);
+    Recount.insert(queue.printer);
     if (queue.flDefault)
         RecordsSetDefault(queue.name);
     else if (RecordsDefault() == queue.name)
@@ -169,7 +173,7 @@ void RecordsDelete(const std::string &name) {
     Queue old;
     bool flOld = RecordsRead(name, old);
     for (const std::string &key : {name, QueSettingsKey(name), QueOwnBannerKey(name)}) SetRecord(key, "");
-    if (flOld) CountQueues(old.printer);
+    if (flOld) Recount.insert(old.printer);
     if (RecordsDefault() == name) RecordsSetDefault("");
 }
 
@@ -181,9 +185,19 @@ void RecordsSetBanner(const std::string &banner) {
     SetRecord(QueBannerKey, WithNul(banner));
 }
 
+void RecordsMark() {
+    Table.Mark();
+}
+
+void RecordsRevert() {
+    Table.Revert();
+    flLost = false;
+}
+
 std::string RecordsPrepare() {
-    if (flLost) return "out of memory";
-    return PrepareFile(Database, std::string_view(Handle->image, Handle->size), DbmMode());
+    if (flLost) return "a record is too large";
+    CountQueues();
+    return PrepareFile(Database, Table.Image(), DbmMode());
 }
 
 std::string RecordsCommit() {

@@ -29,12 +29,18 @@ std::vector<std::string> RecordsQueues();
 std::string RecordsDefault(); // name of the default queue, or empty
 std::string RecordsBanner();  // the system's default titles, or empty
 
-// Writes all records of a queue, in place of those it had; the count records of the printers follow.
+// Writes all records of a queue, in place of those it had; the count records of the printers follow as
+// the change is prepared.
 void RecordsPut(const Queue &queue);
 // Removes all records of a queue, also " default" if it names the queue.
 void RecordsDelete(const std::string &name);
 void RecordsSetDefault(const std::string &name);  // empty: none
 void RecordsSetBanner(const std::string &banner); // empty: none
+
+// Edits behind the last mark can be taken back; RecordsOpen sets the first one. Printers are counted anew all
+// the same.
+void RecordsMark();
+void RecordsRevert();
 
 std::string RecordsPrepare();
 std::string RecordsCommit();
