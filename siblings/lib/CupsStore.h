@@ -18,6 +18,9 @@ enum CupsState {
 // makes for a moment, left behind by a run that was killed, are listed apart.
 CupsState CupsList(std::vector<std::string> &queues, std::vector<std::string> &leftovers, std::string &error);
 
+// From now on the operations below change nothing and answer that they did.
+void CupsPretend();
+
 // Makes a queue that the host doesn't have. If the host doesn't take the PPD file the queue is made without,
 // with a warning. After an error nothing is left of it.
 std::string CupsAdd(const Queue &queue, const Titles &titles);

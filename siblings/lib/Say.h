@@ -97,6 +97,8 @@ inline constexpr Sentence SayRecordLost = {71,
                                            "the record of queue \"%s\" is missing or damaged; add it anew"};
 inline constexpr Sentence SayQueueHeads = {72, "Queue,Model,Type,Printer,Remote,Options,Store,Jobs"};
 inline constexpr Sentence SayJobHeads = {73, "Queue,Job,User,Bytes,Title"};
+inline constexpr Sentence SayBatchRestored = {
+    74, "warning: a batch that was broken off has been taken back; run it again"};
 
 // The sentence in the user's language, a printf format; the English text where there is none. errno stays as
 // it is. Uses: pToolPath.

@@ -5,14 +5,14 @@
 #include "siblings/lib/Child.h"
 #include "siblings/lib/FileStore.h"
 #include "siblings/lib/Files.h"
+#include "siblings/lib/Frame.h"
 #include "siblings/lib/Host.h"
 #include "siblings/lib/Ppd.h"
 #include "siblings/lib/Queue.h"
 #include "siblings/lib/Records.h"
 #include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
-#include "siblings/prnqtool/Banners.h"
-#include "siblings/prnqtool/JobNotes.h"
+#include "siblings/prnqtool/Change.h"
 #include "siblings/prnqtool/List.h"
 
 #include <algorithm>
@@ -22,74 +22,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-static const char LockPath[] = "db/.prnq_lock";
-
-static Host TheHost; // what the host told at the start of this run
-
 static int Tell(const std::string &error) {
     if (error.empty()) return 0;
     TellUser(error);
     return 1;
 }
 
-// ---- Frame of a change
-
-// A key that interrupts the caller's terminal must not part the host from the records.
-static void HoldSignals() {
-    sigset_t held;
-    sigemptyset(&held);
-    for (int number : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGTSTP}) sigaddset(&held, number);
-    sigprocmask(SIG_BLOCK, &held, nullptr);
-}
-
-static std::string MakeDatabaseDirectory() {
-    if (mkdir("db", DbmDirectoryMode()) && errno != EEXIST) return "can't make the directory db";
-    return "";
-}
-
-static std::string BeginChange() {
-    std::string error = MakeDatabaseDirectory();
-    if (error.empty()) error = TakeLock(LockPath, ChildLimit());
-    if (error.empty()) error = RecordsLock(ChildLimit());
-    if (error.empty()) error = HostOpen(TheHost);
-    if (error.empty()) error = RecordsOpen();
-    HoldSignals();
-    if (error.empty()) SettleLeftJobs();
-    return error;
-}
-
-static std::string PrepareChange() {
-    std::string error = RecordsPrepare();
-    if (error.empty()) error = FileStorePrepare();
-    if (!error.empty()) RecordsDrop();
-    // Queues that a killed run left behind would be found by everybody; the host answers, or this is not
-    // reached.
-    for (const std::string &name : TheHost.leftovers) CupsDelete(name);
-    return error;
-}
-
-static std::string CommitChange() {
-    std::string error = FileStoreCommit();
-    return error.empty() ? RecordsCommit() : error;
-}
-
-static void DropChange() {
-    ForgetJobs();
-    FileStoreDrop();
-    RecordsDrop();
-}
-
 // ---- Values of one queue
-
-static Titles TitlesOf(const Queue &queue, const std::string &systemBanner) {
-    return ReadTitles(queue.banner.empty() ? systemBanner : queue.banner);
-}
-
-// The database is open to everybody: a queue read from it goes back to the host only if it could have been
-// made so.
-static bool IsSound(const Queue &queue) {
-    return CheckQueueTarget(queue).empty();
-}
 
 static std::string ReadText(const std::string &path, size_t limit, std::string &text) {
     std::string error = ReadWholeFile(path, limit, text);
@@ -132,21 +71,8 @@ static std::string CheckPpdFile(const Queue &queue) {
 }
 
 static std::string CheckCase(const std::string &name) {
-    for (const std::string &other : HostQueues(TheHost))
-        if (DiffersByCase(name, other)) return Say(SayNameByCase, name, other);
-    return "";
-}
-
-// ---- The default queue
-
-// The host's default follows the record: it names the queue, or nothing if the queue is none of the
-// scheduler's. If the user asks for it, flAsked, the host is told even if the record says so already:
-// somebody else may have changed it.
-static std::string FollowDefault(const std::string &before, const std::string &now, bool flAsked) {
-    if ((before == now && !flAsked) || TheHost.state != CUPS_UP) return "";
-    if (HostFind(TheHost, now) == PLACE_CUPS) return CupsSetDefault(now);
-    bool flOwned = !before.empty() && HostFind(TheHost, before) == PLACE_CUPS && CupsDefault() == before;
-    return flOwned ? CupsClearDefault() : "";
+    std::string other = HostTwin(TheHost, name);
+    return other.empty() ? "" : Say(SayNameByCase, name, other);
 }
 
 // ---- Add, copy
@@ -178,7 +104,7 @@ static std::string PutOnHost(Put &put) {
     else {
         error = CupsAdd(put.queue, titles);
         put.flTouched = error.empty();
-        if (put.flTouched) TheHost.queues.push_back(put.queue.name);
+        if (put.flTouched) HostPut(TheHost, put.queue.name);
     }
     return error;
 }
@@ -186,37 +112,35 @@ static std::string PutOnHost(Put &put) {
 static void UndoPut(const Put &put) {
     bool flAgain;
     if (put.place == PLACE_CUPS && put.flTouched) {
-        if (!put.flOnHost)
+        if (!put.flOnHost) {
             CupsDelete(put.queue.name);
-        else if (put.flRecorded && IsSound(put.old))
+            HostForget(TheHost, put.queue.name);
+        }
+        if (put.flOnHost && put.flRecorded && IsSound(put.old))
             CupsReplace(put.old, TitlesOf(put.old, RecordsBanner()), flAgain);
     }
     FollowDefault(RecordsDefault(), put.before, false);
 }
 
-// The jobs that wait were meant for what was there before. The queue stands: a job that stays is no reason to
-// refuse.
-static void DropJobs(const Put &put) {
+// The jobs that wait were meant for what was there before.
+static Sequel SequelOf(const Put &put) {
     const std::string &name = put.queue.name;
-    std::string error = put.place == PLACE_CUPS ? CupsCancelAll(name) : "";
-    if (!error.empty()) TellUser(Say(SayJobsStay, name, error));
-    if (put.place == PLACE_FILE) DropSpooled(name, put.spool);
-    ForgetJobs();
+    Sequel sequel = {.spooled = {}, .cancelled = {}, .banners = {name}};
+    if (put.flOnHost && put.place == PLACE_FILE) sequel.spooled.push_back({name, put.spool, false});
+    if (put.flOnHost && put.place == PLACE_CUPS) sequel.cancelled.push_back(name);
+    return sequel;
 }
 
 static std::string FinishPut(Put &put) {
-    std::string error = PrepareChange();
-    if (!error.empty()) return error;
+    std::string error = PrepareChange({put.queue.name}, SequelOf(put));
+    if (!error.empty()) {
+        DropChange();
+        return error;
+    }
     error = PutOnHost(put);
     if (error.empty()) error = FollowDefault(put.before, RecordsDefault(), put.queue.flDefault);
-    bool flSpooled = put.flOnHost && put.place == PLACE_FILE;
-    if (error.empty() && flSpooled) error = NoteJobs({{put.queue.name, put.spool, false}});
     if (error.empty()) error = CommitChange();
-    if (error.empty()) {
-        if (put.flOnHost) DropJobs(put);
-        SettleBanners(TheHost, {put.queue.name});
-        return "";
-    }
+    if (error.empty()) return "";
     UndoPut(put);
     DropChange();
     return Say(put.flOnHost ? SayQueueNotReplaced : SayQueueNotMade, put.queue.name, error);
@@ -242,6 +166,7 @@ static std::string PutQueue(const Queue &queue) {
     put.flRecorded = RecordsRead(queue.name, put.old);
     RecordsPut(queue);
     if (put.place == PLACE_FILE) FileStorePut(queue);
+    if (put.place == PLACE_FILE) HostNamed(TheHost, queue.name);
     return FinishPut(put);
 }
 
@@ -294,21 +219,19 @@ static std::string FinishModify(const Queue &queue, const Queue &old, Place plac
     if (!error.empty()) return NotChanged(queue, error);
     RecordsPut(queue);
     if (place == PLACE_FILE) FileStorePut(queue);
-    error = PrepareChange();
-    if (!error.empty()) return error;
+    Sequel sequel = {.spooled = {}, .cancelled = {}, .banners = {queue.name}};
+    if (place == PLACE_FILE && from != to) sequel.spooled.push_back({queue.name, from, true});
+    error = PrepareChange({queue.name}, sequel);
+    if (!error.empty()) {
+        DropChange();
+        return error;
+    }
     bool flPpd = queue.flFeatures != old.flFeatures || queue.settings != old.settings;
     if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner), flPpd);
     bool flModified = error.empty();
     if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
-    bool flMoved = place == PLACE_FILE && from != to;
-    if (error.empty() && flMoved) error = NoteJobs({{queue.name, from, true}});
     if (error.empty()) error = CommitChange();
-    if (error.empty()) {
-        if (flMoved) MoveSpooled(queue.name, from, to);
-        if (flMoved) ForgetJobs();
-        SettleBanners(TheHost, {queue.name});
-        return "";
-    }
+    if (error.empty()) return "";
     if (flModified && place == PLACE_CUPS) {
         CupsModify(old, TitlesOf(old, banner), flPpd);
         FollowDefault(RecordsDefault(), before, false);
@@ -360,7 +283,13 @@ static std::vector<std::string> DeleteFromHost(const std::vector<std::string> &n
     for (const std::string &name : names) {
         if (HostFind(TheHost, name) != PLACE_CUPS) continue;
         std::string error = CupsDelete(name);
-        if (error.empty()) continue;
+        // There is work as long as the host does it.
+        if (error.empty()) {
+            RestartRunLimit();
+            LimitRun();
+            HostForget(TheHost, name);
+            continue;
+        }
         Tell(Say(SayQueueNotRemoved, name, error));
         kept.push_back(name);
     }
@@ -399,25 +328,18 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
         if (HostFind(TheHost, name) == PLACE_CUPS) hosted.push_back(name);
     std::vector<JobNote> stored = StoredQueues(places);
     EditDeletion(places, {});
-    std::string error = places.empty() ? "" : PrepareChange();
-    if (error.empty()) error = NoteJobs(stored);
-    if (!error.empty()) {
-        DropChange();
-        return error;
-    }
-    std::vector<std::string> kept = DeleteFromHost(hosted);
+    Sequel sequel = {.spooled = stored, .cancelled = {}, .banners = {}};
+    std::string error = places.empty() ? "" : PrepareChange(places, sequel);
+    std::vector<std::string> kept;
+    if (error.empty()) kept = DeleteFromHost(hosted);
     if (!kept.empty()) {
         // The records of queues that are still there must stay.
-        error = RecordsOpen();
+        RecordsRevert();
         EditDeletion(places, kept);
-        if (error.empty()) error = RecordsPrepare();
+        error = PrepareChange(kept, sequel);
     }
     if (error.empty() && !places.empty()) error = CommitChange();
-    if (error.empty()) {
-        for (const JobNote &each : stored) DropSpooled(each.queue, each.directory);
-        ForgetJobs();
-        SettleBanners(TheHost, {});
-    }
+    if (!error.empty()) DropChange();
     return !error.empty() || (!flFailed && kept.empty()) ? error : Say(SayQueuesNotRemoved);
 }
 
@@ -476,14 +398,15 @@ static std::string SetSystemBanner(const std::string &banner) {
     std::vector<Queue> queues = QueuesWithSystemBanner();
     if (!queues.empty() && TheHost.state == CUPS_DOWN) return TheHost.error;
     RecordsSetBanner(banner);
-    error = PrepareChange();
-    if (!error.empty()) return error;
+    Sequel sequel = {.spooled = {}, .cancelled = {}, .banners = NamesOf(queues)};
+    error = PrepareChange(sequel.banners, sequel);
+    if (!error.empty()) {
+        DropChange();
+        return error;
+    }
     error = ShowBanner(queues, banner);
     if (error.empty()) error = CommitChange();
-    if (error.empty()) {
-        SettleBanners(TheHost, NamesOf(queues));
-        return "";
-    }
+    if (error.empty()) return "";
     ShowBanner(queues, before);
     DropChange();
     return error;
