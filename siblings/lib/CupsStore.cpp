@@ -63,6 +63,17 @@ CupsState CupsList(Words &queues, Words &leftovers, std::string &error) {
     return CUPS_UP;
 }
 
+void CupsDevices(std::map<std::string, std::string> &devices) {
+    static constexpr std::string_view Lead = "device for ";
+    Ran ran = RunChild({"lpstat", "-v"});
+    std::string_view text(ran.output);
+    for (std::string_view line; TakeLine(text, line);) {
+        size_t colon = line.find(": ");
+        if (!line.starts_with(Lead) || colon == line.npos) continue;
+        devices[std::string(line.substr(Lead.size(), colon - Lead.size()))] = line.substr(colon + 2);
+    }
+}
+
 // ---- Words of one lpadmin call
 
 // One option; in double quotes, so that no byte of the value can end it or begin another.
@@ -120,12 +131,16 @@ static std::string ModelOf(const Queue &queue) {
     return CleanUtf8(model.empty() ? queue.ppd : model, 127);
 }
 
-static Words TargetWords(const Queue &queue, const std::string &name) {
+std::string CupsUri(const Queue &queue) {
     std::string uri = QueueUri(queue);
     // The backends would else ask the printer by SNMP for its supplies, which holds up each job for seconds.
     if (!IsDeviceType(queue.type)) uri += uri.starts_with("socket:") ? "/?snmp=false" : "?snmp=false";
+    return uri;
+}
+
+static Words TargetWords(const Queue &queue, const std::string &name) {
     return {"-p", name,
-            "-v", uri,
+            "-v", CupsUri(queue),
             "-D", ModelOf(queue),
             "-L", CleanUtf8(queue.printer, 255),
             "-o", "printer-is-shared=false",

@@ -5,6 +5,7 @@
 
 #include "siblings/lib/Queue.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -17,6 +18,10 @@ enum CupsState {
 // Asks for the queues; at CUPS_UP the list is whole, at CUPS_DOWN the error tells why. Queues that the tool
 // makes for a moment, left behind by a run that was killed, are listed apart.
 CupsState CupsList(std::vector<std::string> &queues, std::vector<std::string> &leftovers, std::string &error);
+
+// Each queue with its device; empty if the scheduler doesn't answer.
+void CupsDevices(std::map<std::string, std::string> &devices);
+std::string CupsUri(const Queue &queue); // the device that CupsAdd gives a queue
 
 // From now on the operations below change nothing and answer that they did.
 void CupsPretend();

@@ -99,6 +99,22 @@ inline constexpr Sentence SayQueueHeads = {72, "Queue,Model,Type,Printer,Remote,
 inline constexpr Sentence SayJobHeads = {73, "Queue,Job,User,Bytes,Title"};
 inline constexpr Sentence SayBatchRestored = {
     74, "warning: a batch that was broken off has been taken back; run it again"};
+inline constexpr Sentence SayQueueNamed = {75, "queue \"%s\""};
+inline constexpr Sentence SayBannerTitles = {76, "banner titles"};
+inline constexpr Sentence SayQueueAdded = {77, "%s: added"};
+inline constexpr Sentence SayQueueChanged = {78, "%s: changed"};
+inline constexpr Sentence SayQueueRemoved = {79, "%s: removed"};
+inline constexpr Sentence SayQueueUnchanged = {80, "%s: unchanged"};
+inline constexpr Sentence SayQueueWouldAdd = {81, "%s: would be added"};
+inline constexpr Sentence SayQueueWouldChange = {82, "%s: would be changed"};
+inline constexpr Sentence SayQueueWouldRemove = {83, "%s: would be removed"};
+inline constexpr Sentence SayBatchSum = {84, "%s added, %s changed, %s removed, %s unchanged, %s refused"};
+inline constexpr Sentence SayBatchLine = {85, "line %s: %s"};
+inline constexpr Sentence SayBatchRefused = {86, "lines refused: %s"};
+inline constexpr Sentence SayBatchStopped = {87, "stopped in front of line %s"};
+inline constexpr Sentence SayBatchLost = {88, "nothing of the batch was kept: %s"};
+inline constexpr Sentence SayQuoteOpen = {89, "a quotation mark has no partner"};
+inline constexpr Sentence SayNoBatchLine = {90, "this can't stand in a batch"};
 
 // The sentence in the user's language, a printf format; the English text where there is none. errno stays as
 // it is. Uses: pToolPath.

@@ -12,8 +12,11 @@
 #include "siblings/lib/Records.h"
 #include "siblings/lib/Say.h"
 #include "siblings/lib/Spool.h"
+#include "siblings/prnqtool/Batch.h"
 #include "siblings/prnqtool/Change.h"
 #include "siblings/prnqtool/List.h"
+#include "siblings/prnqtool/Outcome.h"
+#include "siblings/prnqtool/Put.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -70,105 +73,7 @@ static std::string CheckPpdFile(const Queue &queue) {
     return error.empty() ? ReadPpdFile(queue.ppd, text) : error;
 }
 
-static std::string CheckCase(const std::string &name) {
-    std::string other = HostTwin(TheHost, name);
-    return other.empty() ? "" : Say(SayNameByCase, name, other);
-}
-
 // ---- Add, copy
-
-// Where the jobs of a queue of the tool's own store wait.
-static std::string SpoolOf(const std::string &name) {
-    Queue queue;
-    RecordsRead(name, queue);
-    queue.name = name;
-    return FileStoreSpool(queue);
-}
-
-struct Put {
-    Queue queue, old;
-    std::string spool; // of the old queue in the tool's own store
-    Place place;
-    bool flOnHost;      // the host has a queue of this name
-    bool flRecorded;    // and it has records
-    bool flTouched;     // the host has changed
-    std::string before; // default queue
-};
-
-static std::string PutOnHost(Put &put) {
-    if (put.place == PLACE_FILE) return "";
-    Titles titles = TitlesOf(put.queue, RecordsBanner());
-    std::string error;
-    if (put.flOnHost)
-        error = CupsReplace(put.queue, titles, put.flTouched);
-    else {
-        error = CupsAdd(put.queue, titles);
-        put.flTouched = error.empty();
-        if (put.flTouched) HostPut(TheHost, put.queue.name);
-    }
-    return error;
-}
-
-static void UndoPut(const Put &put) {
-    bool flAgain;
-    if (put.place == PLACE_CUPS && put.flTouched) {
-        if (!put.flOnHost) {
-            CupsDelete(put.queue.name);
-            HostForget(TheHost, put.queue.name);
-        }
-        if (put.flOnHost && put.flRecorded && IsSound(put.old))
-            CupsReplace(put.old, TitlesOf(put.old, RecordsBanner()), flAgain);
-    }
-    FollowDefault(RecordsDefault(), put.before, false);
-}
-
-// The jobs that wait were meant for what was there before.
-static Sequel SequelOf(const Put &put) {
-    const std::string &name = put.queue.name;
-    Sequel sequel = {.spooled = {}, .cancelled = {}, .banners = {name}};
-    if (put.flOnHost && put.place == PLACE_FILE) sequel.spooled.push_back({name, put.spool, false});
-    if (put.flOnHost && put.place == PLACE_CUPS) sequel.cancelled.push_back(name);
-    return sequel;
-}
-
-static std::string FinishPut(Put &put) {
-    std::string error = PrepareChange({put.queue.name}, SequelOf(put));
-    if (!error.empty()) {
-        DropChange();
-        return error;
-    }
-    error = PutOnHost(put);
-    if (error.empty()) error = FollowDefault(put.before, RecordsDefault(), put.queue.flDefault);
-    if (error.empty()) error = CommitChange();
-    if (error.empty()) return "";
-    UndoPut(put);
-    DropChange();
-    return Say(put.flOnHost ? SayQueueNotReplaced : SayQueueNotMade, put.queue.name, error);
-}
-
-static std::string PutQueue(const Queue &queue) {
-    Put put = {.queue = queue,
-               .old = {},
-               .spool = SpoolOf(queue.name),
-               .place = HostFind(TheHost, queue.name),
-               .flOnHost = false,
-               .flRecorded = false,
-               .flTouched = false,
-               .before = RecordsDefault()};
-    // Where the tool's own store is wanted, a scheduler that is down has no say.
-    if (put.place == PLACE_UNKNOWN && TheHost.flStandAlone) put.place = PLACE_NONE;
-    if (put.place == PLACE_UNKNOWN) return TheHost.error;
-    std::string error = CheckCase(queue.name);
-    if (!error.empty()) return error;
-    put.flOnHost = put.place != PLACE_NONE;
-    if (!put.flOnHost) put.place = HostChoose(TheHost, error);
-    if (put.place == PLACE_UNKNOWN) return error;
-    put.flRecorded = RecordsRead(queue.name, put.old);
-    RecordsPut(queue);
-    if (put.place == PLACE_FILE) FileStorePut(queue);
-    if (put.place == PLACE_FILE) HostNamed(TheHost, queue.name);
-    return FinishPut(put);
-}
 
 static std::string AddQueue(const Options &options) {
     Queue queue;
@@ -182,7 +87,8 @@ static std::string AddQueue(const Options &options) {
     if (error.empty()) error = ReadSettings(options, queue);
     if (error.empty()) error = ReadBanner(options, queue.banner);
     if (error.empty()) error = BeginChange();
-    return error.empty() ? PutQueue(queue) : error;
+    if (!error.empty()) return error;
+    return options.flEnsure ? EnsureQueue(queue) : PutQueue(queue);
 }
 
 static std::string CopyQueue(const Options &options) {
@@ -202,43 +108,6 @@ static std::string CopyQueue(const Options &options) {
 }
 
 // ---- Modify
-
-static std::string NotChanged(const Queue &queue, const std::string &error) {
-    return Say(SayQueueNotChanged, queue.name, error);
-}
-
-// A device's spool directory goes by the user interface, and its jobs go along. One that is at the printer
-// can't: the sender of the other directory would print into it.
-static std::string CheckMove(const std::string &from, const std::string &to) {
-    return from != to && IsSpoolPrinting(from) ? Say(SayJobPrints) : "";
-}
-
-static std::string FinishModify(const Queue &queue, const Queue &old, Place place) {
-    std::string before = RecordsDefault(), banner = RecordsBanner(), from = FileStoreSpool(old),
-                to = SpoolDirectory(queue), error = place == PLACE_FILE ? CheckMove(from, to) : "";
-    if (!error.empty()) return NotChanged(queue, error);
-    RecordsPut(queue);
-    if (place == PLACE_FILE) FileStorePut(queue);
-    Sequel sequel = {.spooled = {}, .cancelled = {}, .banners = {queue.name}};
-    if (place == PLACE_FILE && from != to) sequel.spooled.push_back({queue.name, from, true});
-    error = PrepareChange({queue.name}, sequel);
-    if (!error.empty()) {
-        DropChange();
-        return error;
-    }
-    bool flPpd = queue.flFeatures != old.flFeatures || queue.settings != old.settings;
-    if (place == PLACE_CUPS) error = CupsModify(queue, TitlesOf(queue, banner), flPpd);
-    bool flModified = error.empty();
-    if (error.empty()) error = FollowDefault(before, RecordsDefault(), queue.flDefault);
-    if (error.empty()) error = CommitChange();
-    if (error.empty()) return "";
-    if (flModified && place == PLACE_CUPS) {
-        CupsModify(old, TitlesOf(old, banner), flPpd);
-        FollowDefault(RecordsDefault(), before, false);
-    }
-    DropChange();
-    return NotChanged(queue, error);
-}
 
 static std::string ModifyQueue(const Options &options) {
     const std::string &name = options.queues.front();
@@ -263,7 +132,7 @@ static std::string ModifyQueue(const Options &options) {
     if (!options.settings.empty()) queue.settings = given.settings;
     // The caller always tells the queue's own titles: without them it takes the system's.
     queue.banner = given.banner;
-    return FinishModify(queue, old, place);
+    return ModifyQueueTo(queue, old, place);
 }
 
 // ---- Delete
@@ -340,6 +209,8 @@ static std::string DeleteQueues(const std::vector<std::string> &names) {
     }
     if (error.empty() && !places.empty()) error = CommitChange();
     if (!error.empty()) DropChange();
+    for (const std::string &name : places)
+        if (error.empty() && !std::count(kept.begin(), kept.end(), name)) Report(name, OUTCOME_REMOVED);
     return !error.empty() || (!flFailed && kept.empty()) ? error : Say(SayQueuesNotRemoved);
 }
 
@@ -406,6 +277,7 @@ static std::string SetSystemBanner(const std::string &banner) {
     }
     error = ShowBanner(queues, banner);
     if (error.empty()) error = CommitChange();
+    if (error.empty()) Report("", banner == before ? OUTCOME_UNCHANGED : OUTCOME_CHANGED);
     if (error.empty()) return "";
     ShowBanner(queues, before);
     DropChange();
@@ -432,18 +304,41 @@ static std::string ListQueues() {
     return error;
 }
 
-int RunCommand(const Options &options) {
+std::string ChangeBy(const Options &options) {
     switch (options.command) { // ORDER Command
-    case COMMAND_ADD: return Tell(AddQueue(options));
-    case COMMAND_COPY: return Tell(CopyQueue(options));
-    case COMMAND_MODIFY: return Tell(ModifyQueue(options));
-    case COMMAND_DELETE: return Tell(DeleteNamed(options));
-    case COMMAND_DELETE_ALL: return Tell(DeleteAll());
-    case COMMAND_SET_BANNER: return Tell(SetBanner(options));
-    case COMMAND_CLEAR_BANNER: return Tell(SetSystemBanner(""));
+    case COMMAND_ADD: return AddQueue(options);
+    case COMMAND_COPY: return CopyQueue(options);
+    case COMMAND_MODIFY: return ModifyQueue(options);
+    case COMMAND_DELETE: return DeleteNamed(options);
+    case COMMAND_DELETE_ALL: return DeleteAll();
+    case COMMAND_SET_BANNER: return SetBanner(options);
+    case COMMAND_CLEAR_BANNER: return SetSystemBanner("");
+    case COMMAND_LIST:
+    case COMMAND_TABLE:
+    case COMMAND_JSON:
+    case COMMAND_BATCH:
+    case COMMAND_HELP:
+    case COMMAND_VERSION:
+    case COMMAND_COUNT: break;
+    }
+    return ""; // no change
+}
+
+int RunCommand(const Options &options) {
+    if (options.flDryRun) OnlyPretend();
+    BeginReport(options.flEnsure, options.flDryRun);
+    switch (options.command) { // ORDER Command
+    case COMMAND_ADD:
+    case COMMAND_COPY:
+    case COMMAND_MODIFY:
+    case COMMAND_DELETE:
+    case COMMAND_DELETE_ALL:
+    case COMMAND_SET_BANNER:
+    case COMMAND_CLEAR_BANNER: return EndReport(Tell(ChangeBy(options)));
     case COMMAND_LIST: return Tell(ListQueues());
     case COMMAND_TABLE: return Tell(ListTable());
     case COMMAND_JSON: return Tell(ListJson());
+    case COMMAND_BATCH: return EndReport(Tell(RunBatch(options)));
     case COMMAND_HELP:
     case COMMAND_VERSION:
     case COMMAND_COUNT: break;

@@ -13,7 +13,15 @@ const char UsageText[] =
     "       prnqtool -dbps FILE | -xdbps                 set or clear the default banner titles\n"
     "       prnqtool -LQ                                 list the host's queues\n"
     "       prnqtool --list | --json                     the same with all values, for people or programs\n"
+    "       prnqtool --batch FILE                        run the lines of a file (-: standard input) in one "
+    "go\n"
     "       prnqtool --help | --version\n"
+    "\n"
+    "In front of all that, --dry-run tells what would change and changes nothing; in front of an add line "
+    "or\n"
+    "of --batch, --ensure adds or changes only what differs. Both tell of each queue whether it changed; "
+    "the\n"
+    "status is then 0 if nothing did, 2 if something did or would, and 1 after an error.\n"
     "\n"
     "  -pm MODEL   wp: workstation to printer, wps: to a print server, psp: print server to printer\n"
     "  -psqn NAME  name of the queue at the print server or printer (\"lp\")\n"
@@ -71,6 +79,7 @@ static constexpr CommandRow CommandTable[] = {
     {"-LQ", COMMAND_LIST, nullptr, false},
     {"--list", COMMAND_TABLE, nullptr, false},
     {"--json", COMMAND_JSON, nullptr, false},
+    {"--batch", COMMAND_BATCH, &Options::file, false},
     {"--help", COMMAND_HELP, nullptr, false},
     {"--version", COMMAND_VERSION, nullptr, false},
 };
@@ -90,10 +99,11 @@ static const Row *FindRow(const Row (&table)[count], const std::string &word) {
 }
 
 // A value that looks like an option is the next option: a value was left empty in front of it.
-static void ReadValue(Reader &reader, std::string &value) {
+static void ReadValue(Reader &reader, const Options &options, std::string &value) {
     const std::string &option = reader.words[reader.at++];
-    if (reader.at == reader.words.size() || reader.words[reader.at].empty() ||
-        reader.words[reader.at][0] == '-')
+    bool flNone = reader.at == reader.words.size() || reader.words[reader.at].empty();
+    bool flStream = &value == &options.file && !flNone && reader.words[reader.at] == "-";
+    if (flNone || (reader.words[reader.at][0] == '-' && !flStream))
         reader.error = "option " + option + " needs a value";
     else
         value = reader.words[reader.at++];
@@ -113,7 +123,7 @@ static void ReadDeletion(Reader &reader, Options &options) {
         return;
     }
     std::string queue;
-    ReadValue(reader, queue);
+    ReadValue(reader, options, queue);
     if (queue == "all")
         options.command = COMMAND_DELETE_ALL;
     else
@@ -131,7 +141,7 @@ static void ReadCommand(Reader &reader, Options &options, const CommandRow *row)
     if (row->command == COMMAND_DELETE)
         ReadDeletion(reader, options);
     else if (row->value)
-        ReadValue(reader, options.*row->value);
+        ReadValue(reader, options, options.*row->value);
     else
         reader.at++;
 }
@@ -150,15 +160,35 @@ static void ReadOption(Reader &reader, Options &options, unsigned &used) {
     used |= 1u << (row - OptionTable);
     if (row->flag) options.*row->flag = true;
     if (row->value)
-        ReadValue(reader, options.*row->value);
+        ReadValue(reader, options, options.*row->value);
     else
         reader.at++;
+}
+
+// The words in front of the line itself.
+static void ReadManner(Reader &reader, Options &options) {
+    for (; reader.at < reader.words.size(); reader.at++) {
+        const std::string &word = reader.words[reader.at];
+        if (word != "--ensure" && word != "--dry-run") return;
+        (word == "--ensure" ? options.flEnsure : options.flDryRun) = true;
+    }
+}
+
+static std::string CheckManner(const Options &options) {
+    bool flBatch = options.command == COMMAND_BATCH;
+    if (options.flEnsure && options.command != COMMAND_ADD && !flBatch)
+        return "option --ensure doesn't belong to this command";
+    if (options.flDryRun && options.command > COMMAND_CLEAR_BANNER && !flBatch)
+        return "option --dry-run doesn't belong to this command";
+    return "";
 }
 
 static std::string CheckTogether(const Options &options, unsigned used) {
     for (size_t row = 0; row < std::size(OptionTable); row++)
         if ((used & 1u << row) && !(OptionTable[row].commands & 1u << options.command))
             return std::string("option ") + OptionTable[row].word + " doesn't belong to this command";
+    std::string error = CheckManner(options);
+    if (!error.empty()) return error;
     if (options.command != COMMAND_ADD && options.command != COMMAND_COPY) return "";
     if (options.flHost == options.flDevice) return "either -hn or -dn is needed";
     return options.command == COMMAND_ADD && options.ppd.empty() ? "option -ppd is needed" : "";
@@ -167,8 +197,9 @@ static std::string CheckTogether(const Options &options, unsigned used) {
 std::string ReadOptions(const std::vector<std::string> &words, Options &options) {
     Reader reader = {.words = words};
     unsigned used = 0;
-    bool flNamed = !words.empty() && (words[0].empty() || words[0][0] != '-');
-    if (words.empty()) return "nothing to do; try --help";
+    ReadManner(reader, options);
+    bool flNamed = reader.at < words.size() && (words[reader.at].empty() || words[reader.at][0] != '-');
+    if (reader.at == words.size()) return "nothing to do; try --help";
     if (flNamed) options.queues.push_back(words[reader.at++]);
     while (reader.at < words.size() && reader.error.empty()) ReadOption(reader, options, used);
     if (!reader.error.empty()) return reader.error;

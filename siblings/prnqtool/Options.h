@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-enum Command { // ORDER Command
+enum Command { // ORDER Command; those up to COMMAND_CLEAR_BANNER change queues
     COMMAND_ADD,
     COMMAND_COPY,
     COMMAND_MODIFY,
@@ -15,6 +15,7 @@ enum Command { // ORDER Command
     COMMAND_LIST,
     COMMAND_TABLE,
     COMMAND_JSON,
+    COMMAND_BATCH,
     COMMAND_HELP,
     COMMAND_VERSION,
     COMMAND_COUNT,
@@ -24,9 +25,11 @@ struct Options {
     Command command = COMMAND_ADD;
     std::vector<std::string> queues; // one, but for a deletion
     std::string source;              // -cl
+    std::string file;                // --batch
     std::string log, settings, ppd, model, host, device, remote, banner;
     bool flHost = false, flDevice = false, flRemote = false;
     bool flDefault = false, flLpd = false, flFeatures = false, flBanner = false, flUserInterface = false;
+    bool flEnsure = false, flDryRun = false;
 };
 
 extern const char UsageText[];
