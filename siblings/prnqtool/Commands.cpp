@@ -14,6 +14,7 @@
 #include "siblings/lib/Spool.h"
 #include "siblings/prnqtool/Batch.h"
 #include "siblings/prnqtool/Change.h"
+#include "siblings/prnqtool/Export.h"
 #include "siblings/prnqtool/List.h"
 #include "siblings/prnqtool/Outcome.h"
 #include "siblings/prnqtool/Put.h"
@@ -262,7 +263,7 @@ static std::vector<std::string> NamesOf(const std::vector<Queue> &queues) {
     return names;
 }
 
-static std::string SetSystemBanner(const std::string &banner) {
+std::string SetSystemBanner(const std::string &banner) {
     std::string error = BeginChange();
     if (!error.empty()) return error;
     std::string before = RecordsBanner();
@@ -317,6 +318,8 @@ std::string ChangeBy(const Options &options) {
     case COMMAND_TABLE:
     case COMMAND_JSON:
     case COMMAND_BATCH:
+    case COMMAND_EXPORT:
+    case COMMAND_IMPORT:
     case COMMAND_HELP:
     case COMMAND_VERSION:
     case COMMAND_COUNT: break;
@@ -326,7 +329,7 @@ std::string ChangeBy(const Options &options) {
 
 int RunCommand(const Options &options) {
     if (options.flDryRun) OnlyPretend();
-    BeginReport(options.flEnsure, options.flDryRun);
+    BeginReport(options.flEnsure || options.command == COMMAND_IMPORT, options.flDryRun);
     switch (options.command) { // ORDER Command
     case COMMAND_ADD:
     case COMMAND_COPY:
@@ -339,6 +342,8 @@ int RunCommand(const Options &options) {
     case COMMAND_TABLE: return Tell(ListTable());
     case COMMAND_JSON: return Tell(ListJson());
     case COMMAND_BATCH: return EndReport(Tell(RunBatch(options)));
+    case COMMAND_EXPORT: return Tell(ExportQueues(options.file));
+    case COMMAND_IMPORT: return EndReport(Tell(ImportQueues(options.file)));
     case COMMAND_HELP:
     case COMMAND_VERSION:
     case COMMAND_COUNT: break;

@@ -8,3 +8,5 @@
 int RunCommand(const Options &options);
 // One command that changes queues. Answers an empty text, or why it didn't.
 std::string ChangeBy(const Options &options);
+// The titles of all queues that have none of their own. BeginChange is part of it.
+std::string SetSystemBanner(const std::string &banner);

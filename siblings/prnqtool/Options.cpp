@@ -15,6 +15,7 @@ const char UsageText[] =
     "       prnqtool --list | --json                     the same with all values, for people or programs\n"
     "       prnqtool --batch FILE                        run the lines of a file (-: standard input) in one "
     "go\n"
+    "       prnqtool --export FILE | --import FILE       write all queues to a file, or make them from one\n"
     "       prnqtool --help | --version\n"
     "\n"
     "In front of all that, --dry-run tells what would change and changes nothing; in front of an add line "
@@ -80,6 +81,8 @@ static constexpr CommandRow CommandTable[] = {
     {"--list", COMMAND_TABLE, nullptr, false},
     {"--json", COMMAND_JSON, nullptr, false},
     {"--batch", COMMAND_BATCH, &Options::file, false},
+    {"--export", COMMAND_EXPORT, &Options::file, false},
+    {"--import", COMMAND_IMPORT, &Options::file, false},
     {"--help", COMMAND_HELP, nullptr, false},
     {"--version", COMMAND_VERSION, nullptr, false},
 };
@@ -175,10 +178,10 @@ static void ReadManner(Reader &reader, Options &options) {
 }
 
 static std::string CheckManner(const Options &options) {
-    bool flBatch = options.command == COMMAND_BATCH;
+    bool flBatch = options.command == COMMAND_BATCH, flImport = options.command == COMMAND_IMPORT;
     if (options.flEnsure && options.command != COMMAND_ADD && !flBatch)
         return "option --ensure doesn't belong to this command";
-    if (options.flDryRun && options.command > COMMAND_CLEAR_BANNER && !flBatch)
+    if (options.flDryRun && options.command > COMMAND_CLEAR_BANNER && !flBatch && !flImport)
         return "option --dry-run doesn't belong to this command";
     return "";
 }

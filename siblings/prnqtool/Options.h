@@ -16,6 +16,8 @@ enum Command { // ORDER Command; those up to COMMAND_CLEAR_BANNER change queues
     COMMAND_TABLE,
     COMMAND_JSON,
     COMMAND_BATCH,
+    COMMAND_EXPORT,
+    COMMAND_IMPORT,
     COMMAND_HELP,
     COMMAND_VERSION,
     COMMAND_COUNT,
@@ -25,7 +27,7 @@ struct Options {
     Command command = COMMAND_ADD;
     std::vector<std::string> queues; // one, but for a deletion
     std::string source;              // -cl
-    std::string file;                // --batch
+    std::string file;                // --batch, --export, --import
     std::string log, settings, ppd, model, host, device, remote, banner;
     bool flHost = false, flDevice = false, flRemote = false;
     bool flDefault = false, flLpd = false, flFeatures = false, flBanner = false, flUserInterface = false;

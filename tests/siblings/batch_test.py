@@ -5,6 +5,7 @@ import sys
 import threading
 import time
 import unittest
+from pathlib import Path
 
 from cups import Scheduler
 from tooldir import QueueTool, ToolDir
@@ -128,6 +129,37 @@ class Batches(QueueTool):
             thread.join()
         self.assertEqual((done, len(self.uris())), ([0, 0], 60))
         self.assertEqual({key for key in self.tool.records() if " " not in key}, set(self.uris()))
+
+    def test_export_and_import(self):
+        self.run_batch([*wanted(14), "-dbps titles", "q3 -mq -bp -fs settings2"], 0)
+        before, path = self.state(), self.tool.path + "/export"
+        self.assertEqual(self.tool.run("prnqtool", "--export", path).returncode, 0)
+        text = Path(path).read_text()
+        self.assertEqual(self.tool_run("--export -").stdout, text)
+        told = self.tool.run("prnqtool", "--import", path)
+        self.assertEqual((told.returncode, told.stdout.splitlines()[-1]),
+                         (0, "0 added, 0 changed, 0 removed, 15 unchanged, 0 refused"))
+        # What is no whole file changes nothing.
+        self.tool_run("q1 -x")
+        self.tool_run("-xdbps")
+        changed = self.state()
+        middle, end = len(text) // 2, text.rindex("end ")
+        for damaged in ("", text[:middle], text[:end], text[:-2], text[:middle] + "X" + text[middle + 1:], text + "more\n",
+                        text.replace("wp", "psp").replace("h1", "h2")):
+            Path(path).write_text(damaged)
+            self.assertIn("no whole export", self.tool_run(["--import", path], status=1).stderr)
+            self.assertEqual(self.state(), changed)
+        Path(path).write_text(text)
+        told = self.tool.run("prnqtool", "--import", path)
+        self.assertEqual((told.returncode, told.stdout.splitlines()[-1]),
+                         (CHANGED, "1 added, 1 changed, 0 removed, 13 unchanged, 0 refused"))
+        self.assertEqual(self.state(), before)
+        # A host that lacks a model's file gets the other queues.
+        self.tool_run("-x all")
+        os.unlink(self.tool.path + "/ppd/tv_b.ppd")
+        told = self.tool.run("prnqtool", "--import", path)
+        self.assertEqual((told.returncode, len(self.uris())), (1, 7))
+        self.assertIn("prnqtool: q1: can't open ppd/tv_b.ppd", told.stderr)
 
 
 class OnFile(Batches, unittest.TestCase):
