@@ -32,14 +32,34 @@ struct Arguments {
 
 static const char SettingsName[] = ".settings";
 
-static void PrintUsage(bool flTalks) {
+static void PrintUsage(FILE *out, bool flTalks) {
     if (flTalks)
-        fprintf(stderr,
+        fprintf(out,
                 "usage: %s [-tty] [QUEUE|-dQUEUE] [-SBP] [-fs FILE] -GS PPDFILE\n"
                 "       %s [-tty] [-SBP] [-fs FILE] -MS QUEUE\n       %s -FP\n",
                 my_name, my_name, my_name);
     else
-        fprintf(stderr, "usage: %s -GS PPDFILE|-MS QUEUE\n", my_name);
+        fprintf(out, "usage: %s -GS PPDFILE|-MS QUEUE\n", my_name);
+}
+
+static const char HelpText[] = "       %s --help | --version\n"
+                               "\n"
+                               "  -GS PPDFILE  the features of a model, a file in \"ppd\": leaves the "
+                               "settings in the file \".settings\"\n"
+                               "  -MS QUEUE    the same for a queue, with its settings to begin with\n";
+static const char TalksText[] = "  -tty         ask on the terminal, also where there is a window\n"
+                                "  -fs FILE     leaves the settings in that file\n"
+                                "  -SBP         with the options of banner pages\n"
+                                "  -FP          choose a queue first, in a window\n";
+
+// True if that was all that was asked for.
+static bool AnswerWord(const std::string &word, bool flTalks) {
+    if (word == "--version") printf("%s %s\n", my_name, ToolVersion);
+    if (word != "--help") return word == "--version";
+    PrintUsage(stdout, flTalks);
+    printf(HelpText, my_name);
+    if (flTalks) printf("%s", TalksText);
+    return true;
 }
 
 // ---- Arguments
@@ -198,11 +218,12 @@ int RunFrontEnd(int argc, char **argv, const char *name, const WindowFace *face)
     Arguments arguments;
     FeatureTask task;
     BeginProgram(name);
+    if (argc == 2 && AnswerWord(argv[1], face)) return fflush(stdout) ? 1 : 0;
     FindToolDirectory(argv[0]);
     std::string error = ReadArguments(argc, argv, face != nullptr, arguments);
     if (arguments.flTty) OpenTerminal();
     if (!error.empty()) {
-        PrintUsage(face != nullptr);
+        PrintUsage(stderr, face != nullptr);
         return Refuse(error, arguments.flTty);
     }
     if (arguments.flBackground) return face->open() ? face->chooseQueue() : 1;

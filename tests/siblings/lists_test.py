@@ -2,10 +2,11 @@
 import json
 import os
 import pwd
+import subprocess
 import unittest
 
 from cups import Scheduler
-from tooldir import QueueTool, ToolDir
+from tooldir import QueueTool, ToolDir, built
 
 
 class Lists(QueueTool, unittest.TestCase):
@@ -73,6 +74,16 @@ class Lists(QueueTool, unittest.TestCase):
                             form.replace("%s", job["job"]).format(job["job"].lstrip("0")), status=1)
                 self.remove(queue, form.replace("%s", job["job"]).format(job["job"].lstrip("0")))
         self.assertEqual(self.jobs(), [])
+
+
+class Words(unittest.TestCase):
+    def test_help_and_version_of_each(self):
+        for program in ("prnqtool", "prnout", "prnrm", "prnpnxxtty", "v5driver", "driver"):
+            for word, start in (("--help", "usage: %s "), ("--version", "%s ")):
+                done = subprocess.run([built(program), word], cwd="/", stdin=subprocess.DEVNULL, capture_output=True, text=True,
+                                      env={}, timeout=30)
+                self.assertEqual((done.returncode, done.stderr), (0, ""), (program, word))
+                self.assertTrue(done.stdout.startswith(start % program), done.stdout)
 
 
 if __name__ == "__main__":
