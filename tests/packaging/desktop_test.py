@@ -17,10 +17,12 @@ ID = "org.prndeck.prndeck"
 COMPLETED = [
     ("prndeck -", "-tty -nd -help -v"), ("prnqtool o", "office own"), ("prnqtool q -p", "-ppd -pm -psqn"), ("prnqtool q -pm w", "wp wps"),
     ("prnqtool -x a", "all"), ("prnqtool new -cl of", "office"), ("prnout -do", "-doffice -down"), ("prnout -d of", "office"),
-    ("prnout fi", "file.txt"), ("prnrm o", "office own"), ("prnrm own ", "-"),
+    ("prnout fi", "file.txt"), ("prnrm o", "office own"), ("prnrm own ", "- A00001"),
+    ("prnqtool --en", "--ensure"), ("prnqtool --ensure --b", "--batch"), ("prnqtool --dry-run o", "office own"), ("prnout --j", "--json"),
     ("prnpnxxtty -MS o", "office own"), ("prnpnxxtty -S", "-SBP"),
 ]
 COMPLETER = """prnqtool() { [ "$*" = -LQ ] && printf 'office:\\nown:\\n'; }
+prnout() { [ "$*" = "-l -d own" ] && printf 'Queue Job\\nown A00001\\n'; }
 compopt() { :; }
 . "$1"
 COMP_WORDS=("${@:2}") COMP_CWORD=$(($# - 2))
