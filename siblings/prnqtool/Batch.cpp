@@ -3,6 +3,7 @@
 
 #include "common/Words.h"
 #include "siblings/lib/Child.h"
+#include "siblings/lib/Frame.h"
 #include "siblings/lib/Say.h"
 #include "siblings/prnqtool/Change.h"
 #include "siblings/prnqtool/Commands.h"
@@ -35,7 +36,9 @@ static std::string ReadAll(int file, std::string &text) {
 
 std::string ReadBatchFile(const std::string &path, std::string &text) {
     int file = path == "-" ? 0 : open(path.c_str(), O_RDONLY | O_NOCTTY | O_CLOEXEC);
+    alarm(0); // a batch may come as slowly as it is made
     std::string reason = file < 0 ? strerror(errno) : ReadAll(file, text);
+    LimitRun();
     if (file > 0) close(file);
     if (!reason.empty()) return Say(SayCantRead, path, reason);
     return text.find('\0') != text.npos ? Say(SayFileNoText, path) : "";

@@ -59,15 +59,17 @@ class Kills(SpoolTool):
                 shutil.rmtree(entry) if entry.is_dir() else os.unlink(entry)
             shutil.copytree(self.tool.path + "/kept/" + name, self.tool.path + "/" + name, dirs_exist_ok=True)
 
-    def rounds(self, argv, prepare, check, sample):
-        """check(calls, at) is run behind each end, and must bring the state back that prepare() starts from."""
+    def rounds(self, argv, prepare, check, sample, stops=False):
+        """check(calls, at) is run behind each end, and must bring the state back that prepare() starts from. What stops of itself at
+        a signal, with a part of its work, is only killed."""
         prepare()
         calls = killer.run(argv, self.tool.env).calls
         self.assertGreater(len(calls), 5)
         step = 1 if ALL else max(1, len(calls) // sample)
-        numbers = [signal.SIGKILL] + ([signal.SIGTERM, signal.SIGHUP] if ALL else [])
+        gentle = [] if stops else [signal.SIGTERM, signal.SIGHUP]
+        numbers = [signal.SIGKILL] + (gentle if ALL else [])
         for at in range(1, len(calls) + 1, step):
-            for number in numbers if ALL else [(signal.SIGKILL, signal.SIGTERM, signal.SIGHUP)[max(at // step % 6 - 3, 0)]]:
+            for number in numbers if ALL else [[signal.SIGKILL, *gentle][max(at // step % 6 - 3, 0) if gentle else 0]]:
                 with self.subTest(" ".join(argv[1:4]), at=at, call=calls[at - 1], signal=number.name):
                     prepare()
                     self.ready()
@@ -107,9 +109,11 @@ class Records(Kills, unittest.TestCase):
 
 class OwnStore(Kills, unittest.TestCase):
     LINES = ["new %s -d" % TAIL, "q " + TAIL, "q -mq -ui -d -bp -bps titles", "new -cl keep -pm wp -hn h3", "-xl q other", "-x all",
-             "-dbps titles", "-xdbps"]
+             "-dbps titles", "-xdbps", "--batch BATCH"]
+    BATCH = ["new %s -d" % TAIL, "q " + TAIL, "other -mq -ui", "copy -cl keep -pm wp -hn h3", "-dbps titles"]
 
     def test_queue_tool(self):
+        self.tool.write("batch", "\n".join(self.BATCH))
         self.add("keep", "-pm wp -hn h1 -d -bp -bps titles")
         port = free_port()
         for name in ("q", "other"):
@@ -122,7 +126,7 @@ class OwnStore(Kills, unittest.TestCase):
         self.keep()
         jobs = lambda: len(self.names("127.0.0.1:%d" % port))
         before = self.tool.image()
-        for line in self.LINES:
+        for line in [line.replace("BATCH", self.tool.path + "/batch") for line in self.LINES]:
             argv = self.tool.command("prnqtool", *line.split())
             self.back()
             self.assertEqual(killer.run(argv, self.tool.env).status, 0)
@@ -145,7 +149,7 @@ class OwnStore(Kills, unittest.TestCase):
                 self.assertEqual((self.tool.records(), jobs()), (records, left))
                 self.assertEqual([name for name in os.listdir(self.tool.path + "/db") if name.endswith("_new")], [])
 
-            self.rounds(argv, self.back, check, 3)
+            self.rounds(argv, self.back, check, 3, stops="--batch" in line)
 
 
 class Jobs(Kills, unittest.TestCase):
