@@ -150,6 +150,8 @@ class Batches(QueueTool):
             self.assertIn("no whole export", self.tool_run(["--import", path], status=1).stderr)
             self.assertEqual(self.state(), changed)
         Path(path).write_text(text)
+        self.assertEqual(self.tool.run("prnqtool", "--dry-run", "--import", path).returncode, CHANGED)
+        self.assertEqual(self.state(), changed)
         told = self.tool.run("prnqtool", "--import", path)
         self.assertEqual((told.returncode, told.stdout.splitlines()[-1]),
                          (CHANGED, "1 added, 1 changed, 0 removed, 13 unchanged, 0 refused"))

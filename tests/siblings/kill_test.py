@@ -262,7 +262,8 @@ class Jobs(Kills, unittest.TestCase):
 
 
 class OnScheduler(Kills, unittest.TestCase):
-    LINES = ["new %s -d" % TAIL, "q " + TAIL, "q -mq -ui -d -bp -bps titles", "q -x", "-dbps titles"]
+    LINES = ["new %s -d" % TAIL, "q " + TAIL, "q -mq -ui -d -bp -bps titles", "q -x", "-dbps titles", "--batch BATCH"]
+    BATCH = ["new %s -d" % TAIL, "q " + TAIL, "keep -mq -ui -bp", "-dbps titles"]
 
     def test_queue_tool(self):
         if Scheduler.missing():
@@ -284,7 +285,8 @@ class OnScheduler(Kills, unittest.TestCase):
             self.tool_run(first)
             self.back()
 
-        for line in self.LINES:
+        self.tool.write("batch", "\n".join(self.BATCH))
+        for line in [line.replace("BATCH", self.tool.path + "/batch") for line in self.LINES]:
             argv = self.tool.command("prnqtool", *line.split())
             prepare()
             self.assertEqual(killer.run(argv, self.tool.env).status, 0)
@@ -299,9 +301,9 @@ class OnScheduler(Kills, unittest.TestCase):
                 if image != after or "-x" not in line:
                     self.tool_run(line)
                 self.assertEqual((self.tool.records(), cups.queues()), (records, wanted))
-                self.assertEqual([name for name in os.listdir(self.tool.path + "/db") if name.endswith("_new")], [])
+                self.assertEqual([name for name in os.listdir(self.tool.path + "/db") if name.endswith("_new") or name == ".prnq_batch"], [])
 
-            self.rounds(argv, prepare, check, 2)
+            self.rounds(argv, prepare, check, 2, stops="--batch" in line)
 
 
 if __name__ == "__main__":
