@@ -63,6 +63,13 @@ CupsState CupsList(Words &queues, Words &leftovers, std::string &error) {
     return CUPS_UP;
 }
 
+// One that hangs still takes the connection, which is all that is looked at behind "-r".
+bool CupsAnswers() {
+    if (RunChild({"lpstat", "-d"}).flTimedOut) return false;
+    Ran ran = RunChild({"lpstat", "-r"});
+    return Succeeded(ran) && ran.output.find("is running") != ran.output.npos;
+}
+
 void CupsDevices(std::map<std::string, std::string> &devices) {
     static constexpr std::string_view Lead = "device for ";
     Ran ran = RunChild({"lpstat", "-v"});

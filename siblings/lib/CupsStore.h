@@ -19,6 +19,7 @@ enum CupsState {
 // makes for a moment, left behind by a run that was killed, are listed apart.
 CupsState CupsList(std::vector<std::string> &queues, std::vector<std::string> &leftovers, std::string &error);
 
+bool CupsAnswers(); // now, whatever it did before
 // Each queue with its device; empty if the scheduler doesn't answer.
 void CupsDevices(std::map<std::string, std::string> &devices);
 std::string CupsUri(const Queue &queue); // the device that CupsAdd gives a queue

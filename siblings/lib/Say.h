@@ -111,13 +111,14 @@ inline constexpr Sentence SayQueueWouldRemove = {83, "%s: would be removed"};
 inline constexpr Sentence SayBatchSum = {84, "%s added, %s changed, %s removed, %s unchanged, %s refused"};
 inline constexpr Sentence SayBatchLine = {85, "line %s: %s"};
 inline constexpr Sentence SayBatchRefused = {86, "lines refused: %s"};
-inline constexpr Sentence SayBatchStopped = {87, "stopped in front of line %s"};
+inline constexpr Sentence SayBatchStopped = {87, "stopped in front of line %s: %s"};
 inline constexpr Sentence SayBatchLost = {88, "nothing of the batch was kept: %s"};
 inline constexpr Sentence SayQuoteOpen = {89, "a quotation mark has no partner"};
 inline constexpr Sentence SayNoBatchLine = {90, "this can't stand in a batch"};
 inline constexpr Sentence SayNotWhole = {91, "%s is no whole export of queues"};
 inline constexpr Sentence SayNotExported = {92, "queue \"%s\" has no sound record and is left out"};
 inline constexpr Sentence SayExportPart = {93, "queues left out: %s"};
+inline constexpr Sentence SayStoppedBySignal = {94, "ended by a signal"};
 
 // The sentence in the user's language, a printf format; the English text where there is none. errno stays as
 // it is. Uses: pToolPath.

@@ -103,17 +103,26 @@ static bool IsStopped() {
     return sigismember(&pending, SIGINT) || sigismember(&pending, SIGTERM) || sigismember(&pending, SIGHUP);
 }
 
+static std::string WhyStop(bool flRefused) {
+    if (IsStopped()) return Say(SayStoppedBySignal);
+    // Each further line would wait for its limit.
+    if (flRefused && TheHost.state == CUPS_UP && !CupsAnswers()) TheHost.state = CUPS_DOWN;
+    return TheHost.state == CUPS_DOWN && flRefused ? Say(SayNoAnswer) : "";
+}
+
 static size_t RunLines(const std::vector<BatchLine> &lines) {
     size_t refused = 0;
+    bool flRefused = false;
     for (const BatchLine &line : lines) {
-        if (IsStopped()) {
-            TellUser(Say(SayBatchStopped, std::to_string(line.number)));
+        std::string reason = WhyStop(flRefused), number = std::to_string(line.number);
+        if (!reason.empty()) {
+            TellUser(Say(SayBatchStopped, number, reason));
             return refused + 1;
         }
         std::string error = line.error.empty() ? ChangeBy(line.options) : line.error;
-        if (error.empty()) continue;
-        TellUser(Say(SayBatchLine, std::to_string(line.number), error));
-        refused++;
+        flRefused = !error.empty();
+        if (flRefused) TellUser(Say(SayBatchLine, number, error));
+        refused += flRefused;
     }
     return refused;
 }

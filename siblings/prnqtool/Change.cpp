@@ -259,7 +259,8 @@ std::string EndBatch() {
     if (error.empty()) error = NoteJobs(Pending.spooled);
     if (error.empty()) error = WriteChange();
     if (error.empty()) {
-        unlink(BatchPath);
+        // What a scheduler that no longer answers makes of the last words to it is seen next time.
+        if (TheHost.state != CUPS_DOWN) unlink(BatchPath);
         Follow();
         return "";
     }

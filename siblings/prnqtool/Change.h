@@ -7,7 +7,8 @@
 // A batch is many changes in one frame. BeginChange looks at the host once, CommitChange keeps a change in
 // memory and DropChange takes back the last one alone; EndBatch writes all that were kept. Meanwhile the file
 // "db/.prnq_batch" tells which queues of the scheduler the batch has in hand, lines "new QUEUE" and "old
-// QUEUE". If the run is killed, or the records can't be written, they go back to what the records say.
+// QUEUE". If the run is killed, the scheduler no longer
+// answers, or the records can't be written, they go back to what the records say.
 #pragma once
 
 #include "siblings/lib/Host.h"

@@ -256,10 +256,24 @@ class OnScheduler(Batches, unittest.TestCase):
         self.tool_run("-xdbps")
         self.assertEqual((self.state(), self.cups.default()), (state, default))
 
+    def test_scheduler_stops_to_answer(self):
+        (_, uris), _ = self.begin()
+        env = self.admin_that("'-p new2 '*) kill -STOP %d;;" % self.cups.pid())
+        start = time.monotonic()
+        _, complaints = self.run_batch(self.LINES, 1, PRNQ_LIMIT="1", **env)
+        self.assertIn("stopped in front of line 5: the scheduler doesn't answer", complaints)
+        self.assertLess(time.monotonic() - start, 15)
+        self.cups.thaw()
+        # Whatever the scheduler still makes of the line that was given up, the next change settles it.
+        self.tool_run("-xdbps")
+        uris.update(new1="socket://n1:9100/?snmp=false", old1="socket://n2:9100/?snmp=false")
+        self.assertEqual((self.uris(), self.cups.default()), (uris, None))
+        self.assertEqual({key for key in self.tool.records() if " " not in key}, set(uris) - {"other"})
+
     def test_stopped_by_a_signal(self):
         self.begin()
         env = self.admin_that("'-p new2 '*) kill -TERM $PPID;;")
-        self.assertIn("stopped in front of line 5", self.run_batch(self.LINES, 1, **env)[1])
+        self.assertIn("stopped in front of line 5: ended by a signal", self.run_batch(self.LINES, 1, **env)[1])
         self.assertEqual(sorted(self.uris()), ["new1", "new2", "old1", "old2", "old3", "other"])
         self.assertEqual({key for key in self.tool.records() if " " not in key}, set(self.uris()) - {"other"})
         self.assertEqual((self.tool_run("-xdbps").stderr, self.cups.default()), ("", "new2"))
