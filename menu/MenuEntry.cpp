@@ -3,6 +3,7 @@
 
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
+#include "common/Terminal.h"
 #include "common/Token.h"
 #include "common/utils.h"
 #include "menu/TextMenu.h"
@@ -169,6 +170,19 @@ static constexpr TextClass TextClasses[] = {
     {.letter = 'p', .message = TXT_ALNUM_CHARACTER, .isMember = IsEntryPrintable},
 };
 
+// The letter at this place, whole; none at the end of the entry.
+static std::string LetterAt(const char *at) {
+    return std::string(at, GetLetterLength(at));
+}
+
+// A message that was made with LETTER_HERE for a character, with the letter at this place.
+static constexpr char LETTER_HERE = '\1';
+
+static std::string PutLetter(std::string message, const char *at) {
+    size_t place = message.find(LETTER_HERE);
+    return place == message.npos ? message : message.replace(place, 1, LetterAt(at));
+}
+
 // ('A'|'a'|'p') range set: from the read position on, each character is of the class or in the plus list.
 static int CheckClassText(EntryCheck *check, const TextClass *text) {
     EntryRange range = ReadRange(check);
@@ -176,8 +190,9 @@ static int CheckClassText(EntryCheck *check, const TextClass *text) {
     for (; *check->in != '\0'; check->in++) {
         if (!text->isMember(static_cast<unsigned char>(*check->in)) && !strchr(set.plus, *check->in)) {
             if (IsFailureForgiven(check)) return CHECK_ON;
-            return RefuseEntry(ENTRY_CHARACTER,
-                               NlsFmt(EntryText(text->message).c_str(), "cs", *check->in, set.plus));
+            return RefuseEntry(
+                ENTRY_CHARACTER,
+                PutLetter(NlsFmt(EntryText(text->message).c_str(), "cs", LETTER_HERE, set.plus), check->in));
         }
         AddMatched(check, check->in, 1);
     }
@@ -204,9 +219,8 @@ static int CheckAnyText(EntryCheck *check, char letter) {
 
 // ---- numbers
 
-static int RefuseDigit(char ch) {
-    const char text[] = {ch, '\0'}; // may be none: the entry has ended
-    PostMsg("Invalid digit:  %s\n", text);
+static int RefuseDigit(const std::string &letter) {
+    PostMsg("Invalid digit:  %s\n", letter.c_str());
     return ENTRY_CHARACTER;
 }
 
@@ -236,7 +250,7 @@ static int CheckInteger(EntryCheck *check) {
     EntryRange range = ReadRange(check);
     EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check->entry, set.minus);
-    if (bad || end == start) return RefuseDigit(bad ? *bad : *start);
+    if (bad || end == start) return RefuseDigit(LetterAt(bad ? bad : start));
     if (range.max == 0) return CHECK_ON;
     if (number < range.min || number > range.max)
         return RefuseEntry(ENTRY_RANGE, NlsFmt(pErrIntRange, "ii", range.min, range.max));
@@ -248,7 +262,7 @@ static int CheckHex(EntryCheck *check) {
     const char *start = check->in;
     char *end;
     long number = strtol(start, &end, 16);
-    if (end == start) return RefuseDigit(*start);
+    if (end == start) return RefuseDigit(LetterAt(start));
     TakeNumber(check, end);
     EntryRange range = ReadRange(check);
     if (range.max == 0) return CHECK_ON;
@@ -260,10 +274,11 @@ static int CheckHex(EntryCheck *check) {
 static int RefuseFloat(const EntryCheck *check) {
     const char *bad = check->in + strspn(check->in, "0123456789.");
     if (*bad != '\0')
-        return RefuseEntry(ENTRY_CHARACTER, NlsFmt(EntryText(TXT_FLOAT_CHARACTER).c_str(), "c", *bad));
+        return RefuseEntry(ENTRY_CHARACTER,
+                           PutLetter(NlsFmt(EntryText(TXT_FLOAT_CHARACTER).c_str(), "c", LETTER_HERE), bad));
     const char *point = strchr(check->in, '.');
     if (point && strchr(point + 1, '.')) return RefuseEntry(ENTRY_RANGE, EntryText(TXT_ONE_POINT));
-    if (check->in[strspn(check->in, ".")] == '\0') return RefuseDigit(*check->in);
+    if (check->in[strspn(check->in, ".")] == '\0') return RefuseDigit(LetterAt(check->in));
     return CHECK_ON;
 }
 
@@ -302,10 +317,10 @@ static int CheckLongFloat(EntryCheck *check) {
     EntrySet set = ReadEntrySet(&check->format);
     const char *bad = FindBadDigit(check->entry, set.minus);
     if (bad) {
-        PostMsg("Invalid character '%c'\nThis text may contain \"0123456789.\"", *bad);
+        PostMsg("Invalid character '%s'\nThis text may contain \"0123456789.\"", LetterAt(bad).c_str());
         return ENTRY_CHARACTER;
     }
-    if (end == start) return RefuseDigit(*start);
+    if (end == start) return RefuseDigit(LetterAt(start));
     if (max == 0) return CHECK_ON;
     if (number >= min && number <= max) return SkipAlternative(check);
     return RefuseEntry(ENTRY_RANGE, NlsFmt(pErrLongRange, "LL", min, max));
@@ -391,16 +406,17 @@ int ValidateEntryDigit(const char *text) {
 }
 
 int ValidateEntryTty(const char *text, const char *range) {
-    int bad = ValidateEntryDigit(text); // before the message reads a line over a text in LineBuf
+    const char *bad = FindBadDigit(text, "");
+    std::string letter = bad ? LetterAt(bad) : ""; // before the message reads a line over a text in LineBuf
     const char *message = ValidateEntryLen(text, range);
     if (message) return RefuseEntry(ENTRY_LENGTH, message);
-    return bad != 0 ? RefuseDigit(static_cast<char>(bad)) : ENTRY_OK;
+    return bad ? RefuseDigit(letter) : ENTRY_OK;
 }
 
 int TestName(const char *text) {
     for (const char *at = text; *at != '\0'; at++) {
         if (isalnum(static_cast<unsigned char>(*at)) || *at == '_' || *at == '-') continue;
-        fputs(NlsFmt(EntryText(TXT_NAME_CHARACTER).c_str(), "c", *at).c_str(), stdout);
+        fputs(PutLetter(NlsFmt(EntryText(TXT_NAME_CHARACTER).c_str(), "c", LETTER_HERE), at).c_str(), stdout);
         fputs(EntryText(TXT_PRESS_RETURN).c_str(), stdout);
         Gets(LineBuf, LINEBUF_SIZE);
         return 0;

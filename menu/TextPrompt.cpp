@@ -1,6 +1,7 @@
 // The terminal's prompts: a line of input, a question, a message.
 #include "common/MemMgr.h"
 #include "common/NlsUtils.h"
+#include "common/Terminal.h"
 #include "common/utils.h"
 #include "menu/TextMenu.h"
 
@@ -36,6 +37,7 @@ char *Gets(char *buffer, int size) {
         buffer[length++] = static_cast<char>(ch);
     }
     buffer[length] = '\0';
+    ReadAsLatin(buffer);
     return length == 0 && ch != '\n' ? nullptr : buffer;
 }
 

@@ -4,6 +4,7 @@
 
 #include "common/MemMgr.h"
 #include "common/SysCmd.h"
+#include "common/Terminal.h"
 #include "common/utils.h"
 #include "prndeck/gui/PrdGui.h"
 #include "prndeck/tty/PrdTty.h"
@@ -13,6 +14,7 @@
 
 int main(int argc, char **argv) {
     InitProcess();
+    InitTerminal();
     // A program started from a menu reads on where the menu stopped: nothing may be read ahead.
     setvbuf(stdin, nullptr, _IONBF, 0);
     flUseLog = 1;

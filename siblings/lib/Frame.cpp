@@ -3,6 +3,7 @@
 
 #include "common/MemMgr.h"
 #include "common/Version.h"
+#include "common/Terminal.h"
 #include "common/utils.h"
 #include "print/Told.h"
 #include "siblings/lib/Child.h"
@@ -36,6 +37,7 @@ void BeginProgram(const char *name) {
     my_name = name;
     std::set_new_handler(EndWithoutMemory);
     InitProcess();
+    InitTerminal();
     FindToldEar();
     signal(SIGPIPE, SIG_IGN);
     signal(SIGXFSZ, SIG_IGN); // a file that may not grow is a write that fails, and is told

@@ -31,12 +31,12 @@ static Dialogue *pDialogue; // the one that runs, for the callbacks; writer: Run
 // ---- The title
 
 static std::string ModelText(const Ppd &ppd) {
-    return CleanText(ppd.model, TerminalLook.model, TerminalLook);
+    return CleanText(ppd.model, TerminalLook().model, TerminalLook());
 }
 
 // What is broken stands below the title, where a change of it moves no item.
 static void MakeTitle(Dialogue &dialogue) {
-    std::string model = ModelText(dialogue.ppd), broken = BrokenText(dialogue.ppd, TerminalLook);
+    std::string model = ModelText(dialogue.ppd), broken = BrokenText(dialogue.ppd, TerminalLook());
     dialogue.title = NlsFmt(FeatureText(TXT_TITLE).c_str(), "s", model.c_str());
     if (!broken.empty()) dialogue.title += "\n" + broken;
     dialogue.menu.title = dialogue.title.c_str();
@@ -59,7 +59,7 @@ static int ChangeOption(TextMenu *, TextMenuItem *item) {
 
 static int ApplyOptions(TextMenu *, TextMenuItem *) {
     Dialogue &dialogue = *pDialogue;
-    std::string broken = BrokenText(dialogue.ppd, TerminalLook);
+    std::string broken = BrokenText(dialogue.ppd, TerminalLook());
     fputs(broken.c_str(), stdout);
     if (!broken.empty() && !PromptYN("%s", FeatureText(TXT_ALL_THE_SAME).c_str())) return 1;
     std::string error = WriteSettings(dialogue.path, MakeSettings(dialogue.ppd, dialogue.text));
@@ -69,7 +69,7 @@ static int ApplyOptions(TextMenu *, TextMenuItem *) {
 
 static void ListChoices(const TextMenuItem &item) {
     const PpdOption *option = static_cast<const PpdOption *>(item.link);
-    Look look = TerminalLook;
+    Look look = TerminalLook();
     look.choice = LISTED_MAX;
     std::vector<std::string> choices;
     if (HasUnset(item)) choices.push_back(FeatureText(TXT_UNSET));
@@ -101,8 +101,8 @@ static void AddOption(Dialogue &dialogue, PpdOption &option) {
     bool flUnset = option.chosen < 0;
     std::string choices = flUnset ? "_" + FeatureText(TXT_UNSET) : "";
     for (const PpdChoice &choice : option.choices)
-        choices += (choices.empty() ? "_" : ",_") + ChoiceText(choice, TerminalLook);
-    dialogue.items.push_back({.text = KeepText(dialogue, OptionText(option, TerminalLook)),
+        choices += (choices.empty() ? "_" : ",_") + ChoiceText(choice, TerminalLook());
+    dialogue.items.push_back({.text = KeepText(dialogue, OptionText(option, TerminalLook())),
                               .type = ITEM_PICK,
                               .choices = KeepText(dialogue, choices),
                               .initial = {.i = option.chosen + flUnset},
@@ -115,7 +115,7 @@ static void AddGroup(Dialogue &dialogue, const std::string &group, int layout) {
     bool flFirst = dialogue.items.empty();
     if (!flFirst && layout == LAYOUT_WIDE) AddLine(dialogue, "", ITEM_TEXT, nullptr);
     if (!group.empty() && layout != LAYOUT_DENSE)
-        AddLine(dialogue, CleanText(group, TerminalLook.label, TerminalLook), ITEM_TEXT, nullptr);
+        AddLine(dialogue, CleanText(group, TerminalLook().label, TerminalLook()), ITEM_TEXT, nullptr);
 }
 
 // The options in the order of the file, with the name of its group above the first of each run.

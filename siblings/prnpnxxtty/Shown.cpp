@@ -2,14 +2,19 @@
 #include "siblings/prnpnxxtty/Shown.h"
 
 #include "common/NlsUtils.h"
+#include "common/Terminal.h"
 
 #include <algorithm>
 #include <cctype>
 #include <iterator>
 
 // At the terminal label and choice stay in one line.
-const Look TerminalLook = {.flLatin = false, .label = 36, .choice = 29, .model = 60};
-const Look WindowLook = {.flLatin = true, .label = 50, .choice = 44, .model = 60};
+const Look &TerminalLook() {
+    static const Look look = {
+        .flLatin = TestUtf8Output(), .flMenu = true, .label = 36, .choice = 29, .model = 60};
+    return look;
+}
+const Look WindowLook = {.flLatin = true, .flMenu = false, .label = 50, .choice = 44, .model = 60};
 
 enum { BROKEN_MAX = 4 };
 enum { FIRST_LETTER = 0xC0, FIRST_LATIN = 0xA0, LATIN_END = 0x100 };
@@ -54,7 +59,7 @@ static std::string LetterText(unsigned code, const Look &look) {
 static char PlainChar(char ch, const Look &look) {
     unsigned char byte = static_cast<unsigned char>(ch);
     if (byte < ' ' || byte == 127) return ' ';
-    if (look.flLatin) return ch;
+    if (!look.flMenu) return ch;
     return ch == ',' ? ';' : ch == '\\' ? '/' : ch;
 }
 
@@ -69,7 +74,7 @@ std::string CleanText(const std::string &text, size_t limit, const Look &look) {
     clean.erase(0, std::min(clean.size(), clean.find_first_not_of(' ')));
     clean.resize(std::min(clean.size(), limit));
     clean.erase(clean.find_last_not_of(' ') + 1);
-    if (!look.flLatin && clean.starts_with('~')) clean[0] = '-';
+    if (look.flMenu && clean.starts_with('~')) clean[0] = '-';
     return clean;
 }
 

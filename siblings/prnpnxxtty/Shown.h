@@ -33,15 +33,16 @@ enum {
 };
 std::string FeatureText(int number);
 
-// How a face shows the texts of a file: the terminal in ASCII, without what the menu's lists would read;
-// windows in Latin-1. Limits are in characters.
+// How a face shows the texts of a file: windows in Latin-1, the terminal without what the menu's lists would
+// read, and in ASCII where it may not know more. Limits are in characters.
 struct Look {
     bool flLatin;
+    bool flMenu;
     size_t label;
     size_t choice;
     size_t model;
 };
-extern const Look TerminalLook;
+const Look &TerminalLook(); // of this run's terminal
 extern const Look WindowLook;
 
 // No control characters, which could drive the terminal; letters that the face can't show are a '?'.
