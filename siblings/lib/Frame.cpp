@@ -2,8 +2,8 @@
 #include "siblings/lib/Frame.h"
 
 #include "common/MemMgr.h"
-#include "common/Version.h"
 #include "common/Terminal.h"
+#include "common/Version.h"
 #include "common/utils.h"
 #include "print/Told.h"
 #include "siblings/lib/Child.h"
