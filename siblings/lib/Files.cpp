@@ -32,6 +32,16 @@ static bool ReadAll(int file, size_t limit, std::string &content) {
     return count == 0;
 }
 
+bool ReadOwnFile(const std::string &path, size_t limit, std::string &content) {
+    struct stat status;
+    int file = open(path.c_str(), O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+    if (file < 0) return false;
+    bool flOwn = !fstat(file, &status) && S_ISREG(status.st_mode) && status.st_uid == geteuid() &&
+                 !(status.st_mode & (S_IWGRP | S_IWOTH)) && ReadAll(file, limit, content);
+    close(file);
+    return flOwn;
+}
+
 std::string ReadWholeFile(const std::string &path, size_t limit, std::string &content) {
     struct stat status;
     int file = open(path.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);

@@ -7,6 +7,9 @@
 // Reads a regular file of at most limit bytes. Answers an empty text, or what is wrong. Never waits on a pipe
 // or device.
 std::string ReadWholeFile(const std::string &path, size_t limit, std::string &content);
+// The same for a note to oneself in a directory where others may write: false for a file that somebody else
+// made or may change, for a link, and for one that can't be read.
+bool ReadOwnFile(const std::string &path, size_t limit, std::string &content);
 
 // Replacing a file in two steps, so that a full or read-only disk is known before anything else changes:
 // PrepareFile writes "PATH_new" to the disk, CommitFile puts it in place, DropFile forgets it. A reader sees

@@ -101,7 +101,12 @@ static std::string RestoreBatch() {
     std::string text;
     Names names;
     if (access(BatchPath, F_OK) || TheHost.state != CUPS_UP) return "";
-    std::string error = ReadWholeFile(BatchPath, BATCH_MAX, text);
+    // Others may write in this directory, and what stands in the file can cost queues.
+    if (!ReadOwnFile(BatchPath, BATCH_MAX, text)) {
+        unlink(BatchPath);
+        return "";
+    }
+    std::string error;
     std::string_view rest(text);
     for (std::string_view line; error.empty() && TakePlainLine(rest, line);) {
         std::string name(line.substr(std::min<size_t>(line.size(), 4)));

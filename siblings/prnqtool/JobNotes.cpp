@@ -37,8 +37,7 @@ void MoveSpooled(const std::string &queue, const std::string &from, const std::s
 
 static std::string LeftNotes() {
     std::string text;
-    if (!access(NotesPath, F_OK)) ReadWholeFile(NotesPath, NOTES_MAX, text); // unread, it tells nothing
-    return text;
+    return ReadOwnFile(NotesPath, NOTES_MAX, text) ? text : ""; // what others put there tells nothing
 }
 
 std::string NoteJobs(const std::vector<JobNote> &notes) {

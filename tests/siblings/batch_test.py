@@ -246,6 +246,23 @@ class OnScheduler(Batches, unittest.TestCase):
         self.assertEqual(self.tool_run("-xdbps").stderr, "")
         self.run_batch([line for line in self.LINES if "old3" not in line], 0)
 
+    @unittest.skipIf(os.geteuid() != 0, "files of other users need root")
+    def test_notes_of_others_tell_nothing(self):
+        """Where anybody may write beside the records, a made-up note would cost queues and jobs."""
+        self.begin()
+        note = self.tool.path + "/db/.prnq_batch"
+        for owner, mode in ((65534, 0o644), (0, 0o666)):
+            self.tool.write("db/.prnq_batch", "new other\n")
+            os.chown(note, owner, owner)
+            os.chmod(note, mode)
+            self.assertEqual(self.tool_run("-xdbps").stderr, "")
+            self.assertIn("other", self.uris())
+            self.assertFalse(os.path.exists(note))
+        self.tool.write("db/.prnq_batch", "new other\n")
+        os.chmod(note, 0o600)
+        self.tool_run("-xdbps")
+        self.assertNotIn("other", self.uris())  # ours are taken at their word
+
     def test_records_refused_at_the_end(self):
         state, default = self.begin()
         lines = [line for line in self.LINES if "old3" not in line]
