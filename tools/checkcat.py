@@ -114,7 +114,7 @@ class Catalogue:
                 continue
             phrase, _, text = text.partition(", ")
             word, _, argument = phrase.partition(" ")
-            if word not in ("args", "menu", "list", "line", "question", "key", "tilde", "width", "window", "latin"):
+            if word not in ("args", "menu", "list", "line", "question", "key", "tilde", "width", "window", "ascii"):
                 self.fault("-", "unknown word in a rule: %s" % word)
             words[word] = argument or True
         return words
@@ -214,7 +214,7 @@ class Checker:
             self.check_letters(catalogue, english, word)
 
     def text_faults(self, text, english, rule):
-        latin = "window" in rule or "latin" in rule
+        latin = "ascii" not in rule
         if not re.fullmatch(r"[\n\t -~\xa0-\xff]*" if latin else r"[\n\t -~]*", text):
             yield "holds a character that is not in Latin-1" if latin else "holds a character that is not ASCII"
         yield from self.printf_faults(text, rule.get("args", ""))

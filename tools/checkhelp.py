@@ -12,6 +12,7 @@ line, and runs to the end of the file where an end tag is missing. So the source
 import re
 import subprocess
 import sys
+from html.entities import name2codepoint
 from collections import namedtuple
 from pathlib import Path
 
@@ -99,8 +100,9 @@ def check_run(manual, where, run):
         manual.fault(where, "a line feed inside a text")
     for entity in re.findall(r"&[^;\s]*;?", run):
         code = re.fullmatch(r"&#(\d+);", entity)
-        if entity != "&quot;" and not (code and 32 <= int(code[1]) <= 126):
-            manual.fault(where, "%s is no character of ASCII" % entity)
+        letter = 0xA0 < name2codepoint.get(entity[1:-1], 0) < 0x100
+        if entity != "&quot;" and not letter and not (code and 32 <= int(code[1]) <= 126):
+            manual.fault(where, "%s is no character of Latin-1" % entity)
 
 
 # ---- The pages

@@ -16,7 +16,8 @@ HOSTS = r"\b(lab-prn|lab2-prn|srv)\b"  # of the manual; none of them is known he
 def page(language, name):
     """The indented blocks of a page, without what explains a line at its right."""
     manual = BUILD / "stage" / "help" / ("QBguide-%s.html" % language)
-    done = subprocess.run([BUILD / "tools" / "htmltext", manual, name], capture_output=True, text=True, check=True)
+    done = subprocess.run([BUILD / "tools" / "htmltext", manual, name], capture_output=True, encoding="latin-1",
+                          check=True)
     blocks = re.findall(r"^  \S.*\n(?:  +\S.*\n)*", done.stdout, re.M)
     return [re.sub(r"(?<=\S) {3,}.*", "", re.sub(HOSTS, "localhost", block)) for block in blocks]
 
@@ -35,7 +36,7 @@ class Recipes(unittest.TestCase):
 
     def shell(self, line):
         done = subprocess.run(["/bin/sh", "-c", line], cwd=self.path, env=self.env, stdin=subprocess.DEVNULL,
-                              capture_output=True, text=True, timeout=120)
+                              capture_output=True, encoding="latin-1", timeout=120)
         self.assertEqual((done.returncode, done.stderr), (0, ""), line)
         return done.stdout
 

@@ -58,7 +58,7 @@ class Demo(unittest.TestCase):
             with subprocess.Popen(DEMO, stdout=subprocess.PIPE, stderr=subprocess.PIPE, text=True, env=env) as demo:
                 if not demo.stdout.readline():
                     self.skipTest(demo.stderr.read().strip())
-                display.window("Tarvo Printer Administration")
+                wait_for(lambda: display.windows("Tarvo Printer Administration"), "the window", 180)
                 deck = next(Path(scratch).glob("prndeck-demo.*")) / "deck"
                 self.assertEqual(sorted(line.split(":")[0] for line in (deck / "db/hostq").read_text().splitlines()),
                                  ["graphics", "lobby", "night-run"])
