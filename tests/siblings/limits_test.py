@@ -138,7 +138,8 @@ class Limits(SpoolTool, unittest.TestCase):
         for program in programs:
             shutil.copy(program, self.tool.path)
         least = 4 << 20  # what a program needs to start
-        while self.run_line("prnrm --version", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (least, least))).returncode:
+        starts = lambda name: self.run_line(name + " --version", preexec_fn=lambda: resource.setrlimit(resource.RLIMIT_AS, (least, least)))
+        while any(starts(name).returncode for name in ("prnqtool", "prnout", "prnrm")):
             least += 128 << 10
         self.begin()
         queues = self.tool.path + "/db/hostq"
