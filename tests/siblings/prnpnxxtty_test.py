@@ -246,10 +246,10 @@ class FrontEnd(unittest.TestCase):
             term.line("")
             self.end(term, 1)
         os.mkdir(self.tool.path + "/.settings")
-        term = self.talk("-GS" + self.ppd, LANG="de_DE", shown="Einstellungen fuer Tarvo")
+        term = self.talk("-GS" + self.ppd, LANG="de_DE", shown="Einstellungen f\u00fcr Tarvo")
         term.line(str(APPLY), "Weiter mit <Return>")
         self.assertIn("laesst sich nicht ersetzen", term.output)
-        term.line("", "Einstellungen fuer Tarvo")
+        term.line("", "Einstellungen f\u00fcr Tarvo")
         term.line(str(CANCEL))
         self.end(term)
 
