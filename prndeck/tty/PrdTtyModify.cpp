@@ -178,5 +178,6 @@ int ApplyModifySettingsTty(TextMenu *menu, TextMenuItem *) {
     std::string told;
     RunQueLine(MakeModifyLine(pModifyQueName, options, 1), &told);
     ShowToldTty(told);
+    if (!told.empty()) DropQueList(); // the queue may be gone
     return 0;
 }

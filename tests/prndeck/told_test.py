@@ -33,7 +33,9 @@ def until(condition, seconds=10):
     return condition()
 
 
-class Told(unittest.TestCase):
+class Deck:
+    """For a TestCase: a tool directory with all that is shipped, its menus at a terminal or with piped input."""
+
     def setUp(self):
         if os.geteuid() != 0:
             self.skipTest("the menus need root")
@@ -63,6 +65,8 @@ class Told(unittest.TestCase):
         term.wait(MENU)
         return term
 
+
+class Told(Deck, unittest.TestCase):
     def test_a_pipe_reads_it_and_goes_on(self):
         self.own_store()
         before = read_records(self.path + "/db/que.xdb")
